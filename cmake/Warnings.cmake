@@ -1,0 +1,22 @@
+# Warnings and sanitizers for our own code only: foreign headers come in as system headers.
+add_library(house_options INTERFACE)
+target_compile_options(house_options INTERFACE
+    -Wall -Wextra -Wpedantic -Werror -Wconversion -Wsign-conversion -Wshadow -Wold-style-cast
+    -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-align -Wunused -Wdouble-promotion -Wformat=2
+    -Wimplicit-fallthrough -Wnull-dereference -Wextra-semi)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(house_options INTERFACE
+        -Wduplicated-cond -Wduplicated-branches -Wlogical-op -Wuseless-cast
+        # GCC 12 sees null where inlined containers cannot have it, under sanitizers and -O2 alike
+        -Wno-null-dereference)
+endif()
+if(CV_SETS_SANITIZE)
+    set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    if(CV_SETS_FUZZ)
+        list(APPEND sanitizers -fsanitize=fuzzer-no-link)
+    else()
+        list(APPEND sanitizers -O1)
+    endif()
+    target_compile_options(house_options INTERFACE ${sanitizers})
+    target_link_options(house_options INTERFACE ${sanitizers})
+endif()

@@ -1,0 +1,87 @@
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace files {
+
+/// What went wrong with a file or folder; decides what the program does next.
+enum class Failure {
+    not_found,
+    exists,           ///< create_new on a name that is taken
+    denied,           ///< the rights are missing
+    read_only,        ///< write-protected file or file system
+    locked_elsewhere, ///< another open file description holds the lock
+    disk_full,
+    device            ///< any other failure of the medium
+};
+
+/// Thrown by everything in this folder. `subject` is the path, `detail` the system's own words.
+struct Error : std::runtime_error {
+    Error(Failure kind_, std::string subject_, const std::string& detail)
+        : std::runtime_error(subject_ + ": " + detail), kind(kind_), subject(std::move(subject_)) {}
+    Failure kind;
+    std::string subject;
+};
+
+enum class Access { read, read_write, create_new, create_or_empty };
+
+enum class Lock { none, shared, exclusive };
+
+/// Tells whether two names lead to one file, and whether a name still leads to the file that is open.
+struct Identity {
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+    bool operator==(const Identity&) const = default;
+};
+
+/// One open file description; closing it drops its lock.
+class File {
+public:
+    virtual ~File() = default;
+    /// Reads up to `into.size()` bytes at `offset`; @return how many (fewer only at the end of the file).
+    virtual std::size_t read_at(std::uint64_t offset, std::span<std::byte> into) = 0;
+    /// Writes all bytes at `offset`, lengthening the file if need be. After an Error any part may be written.
+    virtual void write_at(std::uint64_t offset, std::span<const std::byte> bytes) = 0;
+    virtual std::uint64_t size() = 0;
+    virtual void resize(std::uint64_t bytes) = 0;
+    /// Returns when everything written so far is on the medium.
+    virtual void sync() = 0;
+    /// Takes, changes or drops the lock on the whole file, waiting at most `patience`.
+    /// @return false when another description still holds it then; the lock held before stays.
+    virtual bool lock(Lock wanted, std::chrono::milliseconds patience) = 0;
+    virtual Identity identity() = 0;
+};
+
+/// Folders and names: the real disk, one in memory, and ones that fail on request.
+/// Paths are UTF-8 with the separator of the platform.
+class Disk {
+public:
+    virtual ~Disk() = default;
+    virtual std::unique_ptr<File> open(const std::string& path, Access access) = 0;
+    /// @return nothing when no file has this name (a folder is no file).
+    virtual std::optional<Identity> identity(const std::string& path) = 0;
+    virtual bool folder_exists(const std::string& path) = 0;
+    virtual void make_folder(const std::string& path) = 0; ///< one level
+    virtual void remove(const std::string& path) = 0;
+    /// Gives the file a new name, replacing a file of that name in one step.
+    virtual void rename(const std::string& from, const std::string& to) = 0;
+    /// Returns when names made, changed or removed in the folder are on the medium.
+    virtual void sync_folder(const std::string& path) = 0;
+    /// Names (not paths) of the files in the folder, sorted.
+    virtual std::vector<std::string> files_in(const std::string& folder) = 0;
+
+    bool file_exists(const std::string& path) { return identity(path).has_value(); }
+};
+
+/// The disk of this computer.
+Disk& real_disk();
+
+} // namespace files
