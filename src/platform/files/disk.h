@@ -20,7 +20,7 @@ enum class Failure {
     read_only,        ///< write-protected file or file system
     locked_elsewhere, ///< another open file description holds the lock
     disk_full,
-    device            ///< any other failure of the medium
+    device ///< any other failure of the medium
 };
 
 /// Thrown by everything in this folder. `subject` is the path, `detail` the system's own words.
@@ -35,7 +35,8 @@ enum class Access { read, read_write, create_new, create_or_empty };
 
 enum class Lock { none, shared, exclusive };
 
-/// Tells whether two names lead to one file, and whether a name still leads to the file that is open.
+/// Tells whether two names lead to one file, and whether a name still leads to the file that is
+/// open.
 struct Identity {
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
@@ -46,9 +47,11 @@ struct Identity {
 class File {
 public:
     virtual ~File() = default;
-    /// Reads up to `into.size()` bytes at `offset`; @return how many (fewer only at the end of the file).
+    /// Reads up to `into.size()` bytes at `offset`; @return how many (fewer only at the end of the
+    /// file).
     virtual std::size_t read_at(std::uint64_t offset, std::span<std::byte> into) = 0;
-    /// Writes all bytes at `offset`, lengthening the file if need be. After an Error any part may be written.
+    /// Writes all bytes at `offset`, lengthening the file if need be. After an Error any part may
+    /// be written.
     virtual void write_at(std::uint64_t offset, std::span<const std::byte> bytes) = 0;
     virtual std::uint64_t size() = 0;
     virtual void resize(std::uint64_t bytes) = 0;
@@ -58,6 +61,9 @@ public:
     /// @return false when another description still holds it then; the lock held before stays.
     virtual bool lock(Lock wanted, std::chrono::milliseconds patience) = 0;
     virtual Identity identity() = 0;
+    /// A number that moves when the content is written, as finely as the medium tells: another
+    /// number proves a change, the same one proves nothing.
+    virtual std::uint64_t stamp() = 0;
 };
 
 /// Folders and names: the real disk, one in memory, and ones that fail on request.
@@ -77,6 +83,12 @@ public:
     virtual void sync_folder(const std::string& path) = 0;
     /// Names (not paths) of the files in the folder, sorted.
     virtual std::vector<std::string> files_in(const std::string& folder) = 0;
+
+    /// The path behind links; the path itself where there are none.
+    virtual std::string resolve(const std::string& path) { return path; }
+    /// Gives the file `to` the rights of the file `from`, as far as the system allows. Throws
+    /// nothing.
+    virtual void copy_rights(const std::string& /*from*/, const std::string& /*to*/) {}
 
     bool file_exists(const std::string& path) { return identity(path).has_value(); }
 };

@@ -8,6 +8,7 @@ namespace jet {
 /// What a database refused or broke at; the kind decides what the program does next.
 enum class Failure {
     not_found,        ///< no such file, table or column
+    denied,           ///< the rights are missing to look at it
     not_a_database,   ///< another kind of file
     unsupported,      ///< another generation of the format, password, enciphered pages
     damaged,
