@@ -64,6 +64,9 @@ public:
     /// Lengthens the file by one page of zeros. @return its number.
     virtual Page_Number append() = 0;
     virtual Pager_Report report() const { return {}; }
+    /// Differs from what it was whenever another copy may have changed the file in between. Fresh
+    /// after each outermost begin; what was derived from pages is kept as long as it stays the same.
+    virtual std::uint64_t generation() const { return 0; }
 };
 
 constexpr std::chrono::milliseconds lock_patience{3000};
