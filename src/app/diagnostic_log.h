@@ -1,0 +1,30 @@
+#pragma once
+
+#include "platform/files/disk.h"
+
+#include <QDateTime>
+#include <QString>
+#include <functional>
+
+namespace app {
+
+/// The file in the user's data folder that keeps what the status bar said and why: one line each,
+/// UTF-8, with the time. Several copies of the program may write it at once.
+class Diagnostic_Log {
+public:
+    /// Beyond this size the older half is dropped.
+    static constexpr std::uint64_t max_size = std::uint64_t{1} << 20;
+
+    Diagnostic_Log(
+        files::Disk& disk, QString path,
+        std::function<QDateTime()> now = [] { return QDateTime::currentDateTime(); });
+    /// Appends one line. A log that cannot be written costs nobody anything: no error comes back.
+    void write(const QString& line) noexcept;
+
+private:
+    files::Disk& disk_;
+    QString path_;
+    std::function<QDateTime()> now_;
+};
+
+} // namespace app

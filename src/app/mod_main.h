@@ -1,0 +1,74 @@
+#pragma once
+
+#include "app/twips.h"
+#include "platform/desktop/desktop.h"
+#include "platform/files/disk.h"
+
+#include <QString>
+#include <QStringList>
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace app {
+
+/// What the whole program shares: plain values, read and written directly. Paths of folders end
+/// with a separator. The objects that the program shares live with their own subsystems.
+struct Globals {
+    QString DocDir;          ///< the user's documents, folder KELDA
+    QString StdSetPath;      ///< default folder of databases
+    QString UserDataDir;     ///< settings, log and other files of this user
+    QString CommonDataDir;   ///< files that came with the program
+    QString EmptyDBTemplate; ///< empty database, copied to make a new one
+    QString Database_Path;   ///< folder of the current database
+    QString Database_File;   ///< file name of the current database
+    QString StdSetdir;       ///< the user's standard database folder; empty means StdSetPath
+    QString LastScriptdir;   ///< folder of the last imported or exported script file
+    QStringList LastFiles;   ///< full paths of recently used files, oldest first
+
+    std::int16_t comport = 1;           ///< serial port of the programming interface, 1..64
+    std::int16_t AktResCV = 8;          ///< reset CV whose sets are shown: 8 or 265
+    std::int16_t DecoderCVCount = 1024; ///< CVs of the connected decoder type: 256 or 1024
+    std::int16_t TimingTarget = 50;     ///< of the programming track's bit timing
+    std::int16_t PreambleCount = 10;    ///< of the programming track's connection
+    std::int32_t LanguageIndex = 0;     ///< of the text table: 0 German, 1 English, 2 French
+
+    std::array<QString, 30> FKeyNames; ///< shown names of the function keys F0..F28 and MAN
+    /// Amplitudes 0..255 of the ten volume steps, 3 dB apart; step 0 is full volume.
+    std::array<std::int16_t, 10> VolumeSteps{0, 181, 128, 91, 64, 46, 32, 23, 16, 11};
+
+    bool ScriptWindowOpen = false;
+    Rectangle VirtualScreen; ///< the whole desktop
+    std::int32_t MonitorCount = 0;
+    std::vector<Rectangle> MonitorRects; ///< bounds of each monitor
+};
+
+inline Globals globals;
+
+/// Gives every global value its default, as before the start of the program.
+void reset_globals();
+
+/// Name of a function key: F0..F28, MAN for 29, empty for any other number.
+QString FKey_Name(int number);
+/// Name of a function output: FA0v, FA0r, FA1..FA21 for 0..22, empty for any other number.
+QString FA_Name(int number);
+
+/// Index of the monitor that holds the window's centre, its edges not counted; 0 when none does.
+int Monitor_Of_Form(const Rectangle& window);
+/// The window moved, not resized, onto the monitor that Monitor_Of_Form names. What is larger than
+/// the monitor begins at its left or top edge.
+Rectangle Keep_Form_On_Monitor(const Rectangle& window);
+
+/// Fills VirtualScreen, MonitorCount and MonitorRects.
+void Get_Monitors(desktop::Desktop& desktop);
+/// Sets the folders and the default database, and makes UserDataDir where it is missing.
+void Init_Paths(desktop::Desktop& desktop, files::Disk& disk);
+/// Makes sure that Database_Path + Database_File exists: falls back to CV-Sets.mdb in the standard
+/// folder, copied from the template when it is missing. Never overwrites an existing file.
+/// @return what stood in the way, when there is no database in the end
+std::optional<files::Error> Check_Database_File(files::Disk& disk);
+/// Paths, settings, database and names, in this order. @return as Check_Database_File
+std::optional<files::Error> Init_Globals(desktop::Desktop& desktop, files::Disk& disk);
+
+} // namespace app

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <optional>
+#include <vector>
+
+namespace desktop {
+
+/// Bounds of a monitor in pixels at 96 dpi; right and bottom are the first pixel beyond.
+struct Bounds {
+    int left = 0;
+    int top = 0;
+    int right = 0;
+    int bottom = 0;
+    bool operator==(const Bounds&) const = default;
+};
+
+/// What a file dialog shows at first and which files it offers.
+struct File_Choice {
+    QString folder;    ///< initial folder
+    QString file;      ///< proposed file name; may be empty
+    QString extension; ///< with its point (".mdb"); added to a name that does not end with it
+    QString filter;    ///< as shown, with the pattern in brackets: "Datenbank (*.mdb)"
+};
+
+/// What the program asks of the desktop it runs on. The real one lives in ui/desktop, tests bring
+/// one that answers from a script. Folders are absolute, without a separator at the end.
+class Desktop {
+public:
+    virtual ~Desktop() = default;
+
+    virtual QString documents_folder() = 0;
+    virtual QString local_data_folder() = 0; ///< data of this user on this computer
+    /// Data shared by all users, the most fitting folder first; at least one.
+    virtual QStringList common_data_folders() = 0;
+    virtual std::vector<Bounds> monitors() = 0;
+
+    virtual QString clipboard_text() = 0;
+    virtual bool set_clipboard_text(const QString& text) = 0; ///< @return whether it was accepted
+
+    /// @return the full path of an existing file; nothing when the user cancelled.
+    virtual std::optional<QString> ask_open_file(const File_Choice& choice) = 0;
+    /// @return the full path to write to, extension added; asks no question about existing files.
+    virtual std::optional<QString> ask_save_file(const File_Choice& choice) = 0;
+    /// @return the chosen folder; nothing when the user cancelled.
+    virtual std::optional<QString> ask_folder(const QString& initial) = 0;
+    /// A question with the buttons Yes and No; closing the box means No.
+    virtual bool ask_yes_no(const QString& title, const QString& text) = 0;
+    virtual void inform(const QString& title, const QString& text) = 0;
+};
+
+/// The path with the extension, unless it ends with it already, in whatever letter case.
+QString with_extension(const QString& path, const QString& extension);
+
+} // namespace desktop
