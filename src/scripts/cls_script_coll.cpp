@@ -110,7 +110,7 @@ void cls_script_coll::Write_Scripts() {
 
 void cls_script_coll::Get_Array_Add(std::vector<std::uint8_t>& target,
                                     std::size_t& position) const {
-    target.resize(position + Data.size());
+    target.resize(std::max(target.size(), position + Data.size()));
     std::ranges::copy(Data, target.begin() + static_cast<std::ptrdiff_t>(position));
     position += Data.size();
 }

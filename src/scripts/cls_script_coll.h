@@ -44,7 +44,7 @@ public:
     void Write_Scripts();
     std::vector<std::uint8_t> Data;
     std::size_t Datalen() const { return Data.size(); }
-    /// Copies Data to `target[position..]`, growing or cutting it to end there, and moves the
+    /// Copies Data to `target[position..]`, growing the target where it is too short, and moves the
     /// position behind it.
     void Get_Array_Add(std::vector<std::uint8_t>& target, std::size_t& position) const;
 
