@@ -1,0 +1,101 @@
+#include "ui/desktop/qt_desktop.h"
+
+#include "platform/desktop/folders.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QDir>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QScreen>
+
+namespace ui_desktop {
+namespace {
+
+// The proposed name of the folder dialog: any name will do, only its folder is taken.
+const QString ignored_name = QStringLiteral("Filename will be ignored");
+
+void prepare(QFileDialog& dialog, const desktop::File_Choice& choice) {
+    dialog.setOptions(QFileDialog::DontUseNativeDialog | QFileDialog::DontConfirmOverwrite);
+    if (QDir(choice.folder).exists()) dialog.setDirectory(choice.folder);
+    if (!choice.filter.isEmpty()) dialog.setNameFilter(choice.filter);
+    if (!choice.file.isEmpty()) dialog.selectFile(choice.file);
+}
+
+std::optional<QString> answer(QFileDialog& dialog) {
+    if (dialog.exec() != QDialog::Accepted) return {};
+    const QString path = dialog.selectedFiles().value(0);
+    if (path.isEmpty()) return {};
+    return QDir::toNativeSeparators(path);
+}
+
+} // namespace
+
+QString Qt_Desktop::documents_folder() { return desktop::documents_folder(); }
+
+QString Qt_Desktop::local_data_folder() { return desktop::local_data_folder(); }
+
+QStringList Qt_Desktop::common_data_folders() {
+    return desktop::common_data_folders(QCoreApplication::applicationDirPath());
+}
+
+std::vector<desktop::Bounds> Qt_Desktop::monitors() {
+    std::vector<desktop::Bounds> all;
+    for (const QScreen* screen : QGuiApplication::screens()) {
+        const QRect place = screen->geometry();
+        all.push_back({place.left(), place.top(), place.left() + place.width(),
+                       place.top() + place.height()});
+    }
+    return all;
+}
+
+QString Qt_Desktop::clipboard_text() { return QGuiApplication::clipboard()->text(); }
+
+bool Qt_Desktop::set_clipboard_text(const QString& text) {
+    QClipboard* clipboard = QGuiApplication::clipboard();
+    clipboard->setText(text);
+    return clipboard->ownsClipboard();
+}
+
+std::optional<QString> Qt_Desktop::ask_open_file(const desktop::File_Choice& choice) {
+    QFileDialog dialog(QApplication::activeWindow());
+    prepare(dialog, choice);
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    dialog.setDefaultSuffix(choice.extension.mid(1));
+    return answer(dialog);
+}
+
+std::optional<QString> Qt_Desktop::ask_save_file(const desktop::File_Choice& choice) {
+    QFileDialog dialog(QApplication::activeWindow());
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    prepare(dialog, choice);
+    const std::optional<QString> path = answer(dialog);
+    if (!path) return {};
+    return desktop::with_extension(*path, choice.extension);
+}
+
+std::optional<QString> Qt_Desktop::ask_folder(const QString& initial) {
+    QFileDialog dialog(QApplication::activeWindow());
+    prepare(dialog, {initial, ignored_name, {}, {}});
+    dialog.setFileMode(QFileDialog::AnyFile);
+    const std::optional<QString> path = answer(dialog);
+    if (!path) return {};
+    return path->left(path->lastIndexOf(desktop::separator) + 1);
+}
+
+bool Qt_Desktop::ask_yes_no(const QString& title, const QString& text) {
+    QMessageBox box(QMessageBox::Question, title, text, QMessageBox::Yes | QMessageBox::No,
+                    QApplication::activeWindow());
+    box.setTextFormat(Qt::PlainText);
+    box.setDefaultButton(QMessageBox::No); // what cannot be taken back is not one key away
+    return box.exec() == QMessageBox::Yes;
+}
+
+void Qt_Desktop::inform(const QString& title, const QString& text) {
+    QMessageBox box(QMessageBox::Information, title, text, QMessageBox::Ok,
+                    QApplication::activeWindow());
+    box.setTextFormat(Qt::PlainText);
+    box.exec();
+}
+
+} // namespace ui_desktop
