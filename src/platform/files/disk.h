@@ -93,6 +93,9 @@ public:
     bool file_exists(const std::string& path) { return identity(path).has_value(); }
 };
 
+/// "a/b.mdb" -> "a", "/b.mdb" -> "/", "b.mdb" -> "".
+std::string folder_of(const std::string& path);
+
 /// The disk of this computer.
 Disk& real_disk();
 

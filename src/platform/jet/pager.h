@@ -65,7 +65,8 @@ public:
     virtual Page_Number append() = 0;
     virtual Pager_Report report() const { return {}; }
     /// Differs from what it was whenever another copy may have changed the file in between. Fresh
-    /// after each outermost begin; what was derived from pages is kept as long as it stays the same.
+    /// after each outermost begin; what was derived from pages is kept as long as it stays the
+    /// same.
     virtual std::uint64_t generation() const { return 0; }
 };
 

@@ -1,0 +1,160 @@
+#include "platform/files/memory_disk.h"
+
+#include <algorithm>
+
+namespace files {
+
+struct Memory_Disk::Node {
+    std::uint64_t inode = 0;
+    std::uint64_t changes = 0;
+    bool write_protected = false;
+    Bytes bytes;
+    std::map<const File*, Lock> locks;
+
+    bool may_lock(const File* who, Lock wanted) const {
+        return wanted == Lock::none || std::ranges::none_of(locks, [&](const auto& held) {
+                   return held.first != who &&
+                          (wanted == Lock::exclusive || held.second == Lock::exclusive);
+               });
+    }
+};
+
+namespace {
+
+class Memory_File final : public File {
+public:
+    Memory_File(std::shared_ptr<Memory_Disk::Node> node, std::string path, bool writable)
+        : node_(std::move(node)), path_(std::move(path)), writable_(writable) {}
+    ~Memory_File() override { node_->locks.erase(this); }
+    Memory_File(const Memory_File&) = delete;
+    Memory_File& operator=(const Memory_File&) = delete;
+
+    std::size_t read_at(std::uint64_t offset, std::span<std::byte> into) override {
+        if (offset >= node_->bytes.size()) return 0;
+        const std::size_t count = std::min<std::size_t>(into.size(), node_->bytes.size() - offset);
+        std::copy_n(node_->bytes.data() + offset, count, into.data());
+        return count;
+    }
+    void write_at(std::uint64_t offset, std::span<const std::byte> bytes) override {
+        allow_writing();
+        if (offset + bytes.size() > node_->bytes.size()) node_->bytes.resize(offset + bytes.size());
+        std::copy(bytes.begin(), bytes.end(), node_->bytes.data() + offset);
+    }
+    std::uint64_t size() override { return node_->bytes.size(); }
+    void resize(std::uint64_t bytes) override {
+        allow_writing();
+        node_->bytes.resize(bytes);
+    }
+    void sync() override {}
+    bool lock(Lock wanted, std::chrono::milliseconds) override {
+        if (wanted == Lock::exclusive && !writable_)
+            throw Error(Failure::denied, path_, "open for reading only");
+        if (!node_->may_lock(this, wanted)) return false;
+        wanted == Lock::none ? static_cast<void>(node_->locks.erase(this))
+                             : static_cast<void>(node_->locks[this] = wanted);
+        return true;
+    }
+    Identity identity() override { return {1, node_->inode}; }
+    std::uint64_t stamp() override { return node_->changes; }
+
+private:
+    void allow_writing() {
+        if (!writable_) throw Error(Failure::denied, path_, "open for reading only");
+        ++node_->changes;
+    }
+
+    std::shared_ptr<Memory_Disk::Node> node_;
+    std::string path_;
+    bool writable_;
+};
+
+} // namespace
+
+std::shared_ptr<Memory_Disk::Node> Memory_Disk::node(const std::string& path) const {
+    const auto found = files_.find(path);
+    if (found == files_.end()) throw Error(Failure::not_found, path, "no such file");
+    return found->second;
+}
+
+void Memory_Disk::check_folder_of(const std::string& path) const {
+    const std::string folder = folder_of(path);
+    if (protected_folders_.contains(folder))
+        throw Error(Failure::denied, path, "folder is protected");
+    if (!folder.empty() && folder != "." && folder != "/" && !folders_.contains(folder))
+        throw Error(Failure::not_found, path, "no such folder");
+}
+
+std::unique_ptr<File> Memory_Disk::open(const std::string& path, Access access) {
+    if (access == Access::create_new && files_.contains(path))
+        throw Error(Failure::exists, path, "file exists");
+    if (access == Access::create_new ||
+        (access == Access::create_or_empty && !files_.contains(path))) {
+        check_folder_of(path);
+        files_[path] = std::make_shared<Node>();
+        files_[path]->inode = ++last_inode_;
+    }
+    auto found = node(path);
+    if (access != Access::read && found->write_protected)
+        throw Error(Failure::denied, path, "file is protected");
+    if (access == Access::create_or_empty) {
+        found->bytes.clear();
+        ++found->changes;
+    }
+    return std::make_unique<Memory_File>(found, path, access != Access::read);
+}
+
+std::optional<Identity> Memory_Disk::identity(const std::string& path) {
+    const auto found = files_.find(path);
+    return found == files_.end() ? std::nullopt : std::optional(Identity{1, found->second->inode});
+}
+
+bool Memory_Disk::folder_exists(const std::string& path) {
+    return path.empty() || path == "." || path == "/" || folders_.contains(path);
+}
+
+void Memory_Disk::make_folder(const std::string& path) {
+    check_folder_of(path);
+    if (!folders_.insert(path).second) throw Error(Failure::exists, path, "folder exists");
+}
+
+void Memory_Disk::remove(const std::string& path) {
+    check_folder_of(path);
+    if (files_.erase(path) == 0) throw Error(Failure::not_found, path, "no such file");
+}
+
+void Memory_Disk::rename(const std::string& from, const std::string& to) {
+    check_folder_of(from);
+    check_folder_of(to);
+    const auto moved = node(from);
+    files_.erase(from);
+    files_[to] = moved;
+}
+
+void Memory_Disk::sync_folder(const std::string& path) {
+    if (!folder_exists(path)) throw Error(Failure::not_found, path, "no such folder");
+}
+
+std::vector<std::string> Memory_Disk::files_in(const std::string& folder) {
+    if (!folder_exists(folder)) throw Error(Failure::not_found, folder, "no such folder");
+    std::vector<std::string> names;
+    for (const auto& [path, file] : files_)
+        if (folder_of(path) == folder) names.push_back(path.substr(path.find_last_of('/') + 1));
+    return names;
+}
+
+Memory_Disk::Bytes Memory_Disk::bytes(const std::string& path) const { return node(path)->bytes; }
+
+void Memory_Disk::set_bytes(const std::string& path, Bytes content) {
+    const auto file = open(path, Access::create_or_empty);
+    file->write_at(0, content);
+}
+
+void Memory_Disk::protect(const std::string& path) { node(path)->write_protected = true; }
+
+std::vector<std::string> Memory_Disk::paths() const {
+    std::vector<std::string> result;
+    for (const auto& [path, file] : files_) result.push_back(path);
+    return result;
+}
+
+} // namespace files

@@ -1,0 +1,226 @@
+#include "platform/files/disk.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdlib>
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <thread>
+#include <unistd.h>
+
+namespace files {
+namespace {
+
+struct Errno_Kind {
+    int number;
+    Failure kind;
+};
+constexpr Errno_Kind errno_kinds[] = {
+    {ENOENT, Failure::not_found}, {ENOTDIR, Failure::not_found}, {EEXIST, Failure::exists},
+    {EACCES, Failure::denied},    {EPERM, Failure::denied},      {EROFS, Failure::read_only},
+    {ENOSPC, Failure::disk_full}, {EDQUOT, Failure::disk_full},  {EFBIG, Failure::disk_full},
+};
+
+[[noreturn]] void fail(const std::string& path, int number = errno) {
+    const auto* found = std::ranges::find(errno_kinds, number, &Errno_Kind::number);
+    const Failure kind = found == std::end(errno_kinds) ? Failure::device : found->kind;
+    throw Error(kind, path, std::generic_category().message(number));
+}
+
+/// Repeats a call that a signal interrupted.
+template <class Call>
+auto persistently(Call call) {
+    auto result = call();
+    while (result < 0 && errno == EINTR) result = call();
+    return result;
+}
+
+off_t as_offset(std::uint64_t offset) { return static_cast<off_t>(offset); }
+
+Identity identity_of(const struct stat& status) {
+    return {static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino)};
+}
+
+class Real_File final : public File {
+public:
+    Real_File(int handle, std::string path) : handle_(handle), path_(std::move(path)) {}
+    ~Real_File() override { ::close(handle_); }
+    Real_File(const Real_File&) = delete;
+    Real_File& operator=(const Real_File&) = delete;
+
+    std::size_t read_at(std::uint64_t offset, std::span<std::byte> into) override;
+    void write_at(std::uint64_t offset, std::span<const std::byte> bytes) override;
+    std::uint64_t size() override { return static_cast<std::uint64_t>(status().st_size); }
+    void resize(std::uint64_t bytes) override {
+        if (persistently([&] { return ::ftruncate(handle_, as_offset(bytes)); }) < 0) fail(path_);
+    }
+    void sync() override {
+        if (persistently([&] { return ::fdatasync(handle_); }) < 0) fail(path_);
+    }
+    bool lock(Lock wanted, std::chrono::milliseconds patience) override;
+    Identity identity() override { return identity_of(status()); }
+    std::uint64_t stamp() override;
+    struct stat status() {
+        struct stat result {};
+        if (::fstat(handle_, &result) < 0) fail(path_);
+        return result;
+    }
+
+private:
+    int handle_;
+    std::string path_;
+};
+
+std::size_t Real_File::read_at(std::uint64_t offset, std::span<std::byte> into) {
+    std::size_t done = 0;
+    while (done < into.size()) {
+        const ssize_t got = persistently([&] {
+            return ::pread(handle_, into.data() + done, into.size() - done,
+                           as_offset(offset + done));
+        });
+        if (got < 0) fail(path_);
+        if (got == 0) break;
+        done += static_cast<std::size_t>(got);
+    }
+    return done;
+}
+
+void Real_File::write_at(std::uint64_t offset, std::span<const std::byte> bytes) {
+    while (!bytes.empty()) {
+        const ssize_t put = persistently(
+            [&] { return ::pwrite(handle_, bytes.data(), bytes.size(), as_offset(offset)); });
+        if (put < 0) fail(path_);
+        if (put == 0) fail(path_, EIO);
+        bytes = bytes.subspan(static_cast<std::size_t>(put));
+        offset += static_cast<std::uint64_t>(put);
+    }
+}
+
+bool Real_File::lock(Lock wanted, std::chrono::milliseconds patience) {
+    // F_OFD_SETLK, not F_SETLK (lost when any handle of the process closes) and not flock (unknown
+    // on network drives); and not F_OFD_SETLKW, which cannot be told how long to wait.
+    constexpr short types[] = {F_UNLCK, F_RDLCK, F_WRLCK};
+    struct flock request {};
+    request.l_type = types[static_cast<std::size_t>(wanted)];
+    request.l_whence = SEEK_SET;
+    const auto deadline = std::chrono::steady_clock::now() + patience;
+    for (auto pause = std::chrono::milliseconds(1);;
+         pause = std::min(2 * pause, std::chrono::milliseconds(16))) {
+        if (persistently([&] { return ::fcntl(handle_, F_OFD_SETLK, &request); }) == 0) return true;
+        if (errno != EAGAIN && errno != EACCES) fail(path_);
+        if (std::chrono::steady_clock::now() >= deadline) return false;
+        std::this_thread::sleep_for(pause);
+    }
+}
+
+std::uint64_t Real_File::stamp() {
+    const struct stat found = status();
+    const auto nanoseconds = [](const struct timespec& time) {
+        return static_cast<std::uint64_t>(time.tv_sec) * 1'000'000'000 +
+               static_cast<std::uint64_t>(time.tv_nsec);
+    };
+    return nanoseconds(found.st_mtim) * 31 + nanoseconds(found.st_ctim);
+}
+
+std::optional<struct stat> status_of(const std::string& path) {
+    struct stat result {};
+    if (::stat(path.c_str(), &result) == 0) return result;
+    if (errno == ENOENT || errno == ENOTDIR) return std::nullopt;
+    fail(path);
+}
+
+class Real_Disk final : public Disk {
+public:
+    std::unique_ptr<File> open(const std::string& path, Access access) override;
+    std::optional<Identity> identity(const std::string& path) override {
+        const auto found = status_of(path);
+        return found && !S_ISDIR(found->st_mode) ? std::optional(identity_of(*found))
+                                                 : std::nullopt;
+    }
+    bool folder_exists(const std::string& path) override {
+        const auto found = status_of(path);
+        return found && S_ISDIR(found->st_mode);
+    }
+    void make_folder(const std::string& path) override {
+        if (::mkdir(path.c_str(), 0777) < 0) fail(path);
+    }
+    void remove(const std::string& path) override {
+        if (::unlink(path.c_str()) < 0) fail(path);
+    }
+    void rename(const std::string& from, const std::string& to) override {
+        if (::rename(from.c_str(), to.c_str()) < 0) fail(to);
+    }
+    void sync_folder(const std::string& path) override;
+    std::vector<std::string> files_in(const std::string& folder) override;
+    std::string resolve(const std::string& path) override;
+    void copy_rights(const std::string& from, const std::string& to) override;
+};
+
+std::unique_ptr<File> Real_Disk::open(const std::string& path, Access access) {
+    constexpr int flags[] = {O_RDONLY, O_RDWR, O_RDWR | O_CREAT | O_EXCL,
+                             O_RDWR | O_CREAT | O_TRUNC};
+    // O_NONBLOCK: a pipe of that name must not hang the program; on files it means nothing.
+    const int flag = flags[static_cast<std::size_t>(access)] | O_CLOEXEC | O_NONBLOCK;
+    const int handle = persistently([&] { return ::open(path.c_str(), flag, 0666); });
+    if (handle < 0) fail(path);
+    auto file = std::make_unique<Real_File>(handle, path);
+    const struct stat found = file->status();
+    if (!S_ISREG(found.st_mode)) throw Error(Failure::device, path, "not a file");
+    // The administrator may write everything; whoever took the write permission off a file meant
+    // it.
+    if (access == Access::read_write && (found.st_mode & 0222) == 0) fail(path, EACCES);
+    return file;
+}
+
+void Real_Disk::sync_folder(const std::string& path) {
+    const std::string& name = path.empty() ? "." : path;
+    const int handle =
+        persistently([&] { return ::open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
+    if (handle < 0) fail(name);
+    const int result = persistently([&] { return ::fsync(handle); });
+    const int reason = errno;
+    ::close(handle);
+    if (result < 0 && reason != EINVAL) fail(name, reason); // EINVAL: a file system without it
+}
+
+std::vector<std::string> Real_Disk::files_in(const std::string& folder) {
+    const std::unique_ptr<DIR, int (*)(DIR*)> handle(
+        ::opendir(folder.empty() ? "." : folder.c_str()), ::closedir);
+    if (!handle) fail(folder);
+    std::vector<std::string> names;
+    while (const dirent* entry = ::readdir(handle.get())) {
+        struct stat found {};
+        if (::fstatat(::dirfd(handle.get()), entry->d_name, &found, 0) == 0 &&
+            !S_ISDIR(found.st_mode))
+            names.emplace_back(entry->d_name);
+    }
+    std::ranges::sort(names);
+    return names;
+}
+
+std::string Real_Disk::resolve(const std::string& path) {
+    const std::unique_ptr<char, void (*)(void*)> found(::realpath(path.c_str(), nullptr),
+                                                       std::free);
+    return found ? found.get() : path;
+}
+
+void Real_Disk::copy_rights(const std::string& from, const std::string& to) {
+    struct stat found {};
+    if (::stat(from.c_str(), &found) < 0) return;
+    // The group first: changing it takes special bits away. Foreign groups are refused, and that is
+    // fine.
+    if (::chown(to.c_str(), static_cast<uid_t>(-1), found.st_gid) < 0) found.st_mode &= ~07070U;
+    static_cast<void>(::chmod(to.c_str(), found.st_mode & 0777));
+}
+
+} // namespace
+
+Disk& real_disk() {
+    static Real_Disk disk;
+    return disk;
+}
+
+} // namespace files

@@ -1,0 +1,72 @@
+#include "platform/files/replace.h"
+
+namespace files {
+
+Replacement::Replacement(Disk& disk, const std::string& path)
+    : disk_(disk), path_(disk.resolve(path)) {
+    open_beside();
+}
+
+void Replacement::open_beside() {
+    // A crash may have left such a file, and another copy may be writing one: the next number is
+    // free.
+    for (int number = 1;; ++number) {
+        beside_ = path_ + ".new" + std::to_string(number);
+        try {
+            file_ = disk_.open(beside_, Access::create_new);
+            return;
+        } catch (const Error& error) {
+            if (error.kind != Failure::exists || number == 100) throw;
+        }
+    }
+}
+
+Replacement::~Replacement() {
+    if (!file_) return;
+    file_.reset();
+    try {
+        disk_.remove(beside_);
+    } catch (const Error&) {
+        // The failure that led here is the one worth telling.
+    }
+}
+
+void Replacement::write(std::span<const std::byte> bytes) {
+    file_->write_at(written_, bytes);
+    written_ += bytes.size();
+}
+
+void Replacement::finish() {
+    if (disk_.file_exists(path_)) disk_.copy_rights(path_, beside_);
+    file_->sync();
+    disk_.rename(beside_, path_);
+    file_.reset();
+    disk_.sync_folder(folder_of(path_));
+}
+
+void replace_file(Disk& disk, const std::string& path, std::span<const std::byte> bytes) {
+    Replacement replacement(disk, path);
+    replacement.write(bytes);
+    replacement.finish();
+}
+
+void copy_file(Disk& disk, const std::string& from, const std::string& to) {
+    const auto source = disk.open(from, Access::read);
+    Replacement copy(disk, to);
+    std::vector<std::byte> portion(std::size_t{1} << 20);
+    std::uint64_t offset = 0;
+    while (const std::size_t count = source->read_at(offset, portion)) {
+        copy.write(std::span(portion).first(count));
+        offset += count;
+    }
+    copy.finish();
+}
+
+std::vector<std::byte> read_file(Disk& disk, const std::string& path) {
+    const auto file = disk.open(path, Access::read);
+    std::vector<std::byte> bytes(file->size());
+    bytes.resize(file->read_at(0, bytes));
+    return bytes;
+}
+
+} // namespace files

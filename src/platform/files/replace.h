@@ -1,0 +1,43 @@
+#pragma once
+
+#include "platform/files/disk.h"
+
+namespace files {
+
+/// A new content for a name, written beside it and put in its place in one step. Until finish()
+/// returns the old file stands whole; given up (destroyed) before, nothing is left behind.
+class Replacement {
+public:
+    /// Follows links, so that the file behind a link is replaced and not the link.
+    Replacement(Disk& disk, const std::string& path);
+    ~Replacement();
+    Replacement(const Replacement&) = delete;
+    Replacement& operator=(const Replacement&) = delete;
+
+    /// Adds to the end.
+    void write(std::span<const std::byte> bytes);
+    /// Syncs the content, takes over the rights of the old file, renames, syncs the folder.
+    /// An Error of the last step leaves the new file in place, whole, but perhaps not yet on the
+    /// medium.
+    void finish();
+
+private:
+    void open_beside();
+
+    Disk& disk_;
+    std::string path_;
+    std::string beside_;
+    std::unique_ptr<File> file_;
+    std::uint64_t written_ = 0;
+};
+
+/// Gives the name a new content in one step; on any Error the old file stands whole.
+void replace_file(Disk& disk, const std::string& path, std::span<const std::byte> bytes);
+
+/// Copies in one step in the same sense, a portion at a time. The copy has the rights of a new
+/// file, or of the file that it replaces.
+void copy_file(Disk& disk, const std::string& from, const std::string& to);
+
+std::vector<std::byte> read_file(Disk& disk, const std::string& path);
+
+} // namespace files
