@@ -1,0 +1,33 @@
+#pragma once
+
+#include "platform/jet/value.h"
+
+#include <QString>
+
+#include <cstdint>
+#include <optional>
+#include <utility>
+#include <vector>
+
+namespace ado {
+
+/// What a field holds, in full fidelity, so that a row can be put back as it was.
+using Value = jet::Value;
+
+inline Value null() { return jet::Null{}; }
+inline Value value(std::int32_t number) { return number; }
+inline Value value(const QString& text) { return text.toStdU16String(); }
+
+inline bool is_null(const Value& value) { return jet::is_null(value); }
+
+/// Whole number nearest to a number of any type, or of a text that is one; nothing for null, for
+/// other types and beyond 32 bits. Boolean: 0 or -1.
+std::optional<std::int32_t> number(const Value& value);
+
+/// Text as it is, numbers in decimal; nothing for null and for other types.
+std::optional<QString> text(const Value& value);
+
+/// One row: the fields in the order of the table's columns, or those that are to be set.
+using Row = std::vector<std::pair<QString, Value>>;
+
+} // namespace ado

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "platform/ado/value.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace store {
+
+enum class Table { Sets, CVs, Scripte, Scriptstates };
+
+/// One row that was added (nothing before), changed or deleted (nothing after). Rows carry all
+/// columns of the table, those of other programs too, so that they can be put back as they were.
+struct Row_Change {
+    Table table = Table::Sets;
+    std::int32_t key = 0; ///< SetID, CVID, ScriptID or SSID
+    ado::Row before;
+    ado::Row after;
+};
+
+/// Everything that one outermost operation changed, in the order in which it happened.
+using Change_Record = std::vector<Row_Change>;
+
+/// Whoever keeps something in step with the library: undo, backups, the lists.
+class Change_Listener {
+public:
+    virtual ~Change_Listener() = default;
+    /// Called once after each outermost operation that changed something, when it is on disk; not
+    /// for one that was rolled back. The connection may be used again.
+    virtual void changed(const Change_Record& record) = 0;
+};
+
+} // namespace store

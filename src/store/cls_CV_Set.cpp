@@ -1,0 +1,27 @@
+#include "store/cls_CV_Set.h"
+
+namespace store {
+
+namespace {
+
+std::int32_t page_of(std::int16_t cv_number, std::int32_t page) {
+    if (cv_number >= 1 && cv_number <= 256) return 0;
+    if (cv_number >= 513 && cv_number <= 768) return 2;
+    if (cv_number >= 769 && cv_number <= 1024) return 3;
+    return page;
+}
+
+} // namespace
+
+void cls_CV_Set::Add_CV(std::int32_t page, std::int16_t CVNr, std::uint8_t Wert) {
+    const QString key = QString::number(page_of(CVNr, page));
+    Pointer home = find(key);
+    if (!home) {
+        home = std::make_shared<cls_CV_Page>();
+        home->PageNr = page_of(CVNr, page);
+        Add(home, key);
+    }
+    home->Add_CV(CVNr, Wert);
+}
+
+} // namespace store

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QString>
+
+#include <cstdint>
+
+namespace store {
+
+/// What kept an operation from doing what it was asked for.
+enum class Failure {
+    not_open,         ///< no database is open
+    no_set,           ///< no set is current
+    not_found,        ///< the file, row, table or column is not there (any more)
+    denied,           ///< the rights are missing to look at the file
+    not_a_database,   ///< another kind of file
+    unsupported,      ///< another generation of the format, a password, enciphered pages
+    damaged,          ///< the file; it is read-only from then on
+    read_only,        ///< and why, in the detail
+    locked_elsewhere, ///< another running copy or program holds the file
+    replaced,         ///< the path no longer names the file that was open; it has been closed
+    disk_full,
+    device, ///< any other failure of the medium
+    refused ///< for its data: too long, out of range, forbidden by a relation
+};
+
+/// The reason that an operation keeps where it must be silent; the window makes a sentence of it.
+struct Trouble {
+    Failure kind = Failure::device;
+    QString subject; ///< path, table, column or relation
+    QString detail;  ///< plain English, for the log
+};
+
+/// Why a library cannot be changed.
+enum class Blocked {
+    no,
+    write_protected, ///< the file or the medium
+    jet3,            ///< the format of Access 97 is only read
+    damaged,
+    foreign_index, ///< a table with an index whose keys we cannot compute
+    replaced       ///< the path no longer names the file that is open
+};
+
+/// How a library was found when it was opened.
+struct Opening {
+    bool jet3 = false; ///< else Jet 4 (Access 2000 to 2003)
+    Blocked blocked = Blocked::no;
+    QString blocked_detail;
+    bool recovered = false; ///< an interrupted change was undone
+    QString
+        journal_set_aside;   ///< new name of a journal that did not belong to the file, else empty
+    bool ldb_beside = false; ///< another program may have the file open
+};
+
+} // namespace store
