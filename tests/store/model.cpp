@@ -58,8 +58,8 @@ TEST(Model, clearing_and_removing_keep_the_indexes_of_the_others) {
     cls_Sets_Coll sets;
     sets.Clear();
     EXPECT_EQ(sets.Count(), 0);
-    for (const int id : {7, 8, 9})
-        EXPECT_EQ(sets.Add_CVSet(u"a"_s, 8, 1, id), static_cast<std::int16_t>(sets.Count()));
+    for (std::int16_t place = 1; place <= 3; ++place)
+        EXPECT_EQ(sets.Add_CVSet(u"a"_s, 8, 1, 6 + place), place);
     const auto held = sets.Item(2);
     sets.Remove(2);
     EXPECT_EQ(held->SetID, 8);
