@@ -1,8 +1,8 @@
 #include "app/mod_main.h"
 
-#include "app/copy_file.h"
 #include "app/mod_fileverwaltung.h"
 #include "platform/desktop/folders.h"
+#include "platform/files/replace.h"
 
 #include <algorithm>
 
@@ -111,7 +111,8 @@ std::optional<files::Error> Check_Database_File(files::Disk& disk) {
     try {
         make_folders(disk, globals.Database_Path);
         if (!FileExists(disk, current_database())) {
-            copy_file(disk, globals.EmptyDBTemplate, current_database());
+            files::copy_file(disk, globals.EmptyDBTemplate.toStdString(),
+                             current_database().toStdString());
         }
         return {};
     } catch (const files::Error& error) {

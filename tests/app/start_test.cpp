@@ -1,0 +1,176 @@
+#include "app/diagnostic_log.h"
+#include "app/mod_fileverwaltung.h"
+#include "app/mod_main.h"
+#include "app/sequences.h"
+
+#include "platform/files/memory_disk.h"
+#include "support/scripted_desktop.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+using namespace app;
+using testing::ElementsAre;
+
+namespace {
+
+files::Memory_Disk::Bytes bytes(std::string_view text) {
+    const auto view = std::as_bytes(std::span(text));
+    return {view.begin(), view.end()};
+}
+
+std::string text(const files::Memory_Disk& disk, const std::string& path) {
+    const auto content = disk.bytes(path);
+    return {reinterpret_cast<const char*>(content.data()), content.size()};
+}
+
+const std::string template_path = "/usr/share/KELDA/TRV/CV-Sets_leer.mdb";
+const std::string default_path = "/home/anna/Dokumente/KELDA/CV-Sets/CV-Sets.mdb";
+
+struct Start : testing::Test {
+    Start() {
+        reset_globals();
+        for (const char* folder : {"/home", "/home/anna", "/home/anna/Dokumente", "/usr",
+                                   "/usr/share", "/usr/share/KELDA", "/usr/share/KELDA/TRV"}) {
+            disk.make_folder(folder);
+        }
+    }
+    ~Start() override { reset_globals(); }
+
+    files::Memory_Disk disk;
+    support::Scripted_Desktop desktop;
+};
+
+struct Noting_Window : Main_Window {
+    std::vector<std::string> calls;
+    void Fill_Last_Files_Menu() override { calls.emplace_back("recent files"); }
+    void Redraw_Script_List() override { calls.emplace_back("scripts"); }
+    void Open_Database() override { calls.push_back("open " + current_database().toStdString()); }
+    void choose_decoder_family(int index) override {
+        calls.push_back("family " + std::to_string(index));
+    }
+    void close_other_windows() override { calls.emplace_back("close windows"); }
+    void Connection_Close() override { calls.emplace_back("close database"); }
+    void no_default_database(const files::Error& reason) override {
+        calls.push_back("missing: " + reason.subject);
+    }
+};
+
+} // namespace
+
+TEST_F(Start, first_on_a_clean_computer_copies_the_template) {
+    disk.set_bytes(template_path, bytes("template"));
+    Noting_Window window;
+    start_up(window, desktop, disk);
+    EXPECT_EQ(text(disk, default_path), "template");
+    EXPECT_TRUE(disk.folder_exists("/home/anna/.local/share/KELDA/TRV"));
+    EXPECT_THAT(window.calls,
+                ElementsAre("recent files", "scripts", "open " + default_path, "family 0"));
+    EXPECT_EQ(globals.EmptyDBTemplate.toStdString(), template_path); // not the first data folder
+    EXPECT_EQ(globals.FKeyNames[29], QStringLiteral("MAN"));
+    window.calls.clear();
+    shut_down(window);
+    EXPECT_THAT(window.calls, ElementsAre("close windows", "close database"));
+}
+
+TEST_F(Start, goes_on_without_a_database_and_says_why) {
+    Noting_Window window;
+    start_up(window, desktop, disk); // no template anywhere
+    EXPECT_EQ(window.calls.back(), "missing: /opt/share/KELDA/TRV/CV-Sets_leer.mdb");
+    EXPECT_FALSE(disk.file_exists(default_path));
+
+    disk.set_bytes(template_path, bytes("template"));
+    disk.protect_folder("/home/anna/Dokumente/KELDA/CV-Sets");
+    window.calls.clear();
+    start_up(window, desktop, disk);
+    EXPECT_THAT(window.calls.back(), testing::StartsWith("missing: /home/anna/Dokumente/KELDA"));
+    EXPECT_THAT(disk.paths(), ElementsAre(template_path)) << "a half copy stayed behind";
+}
+
+TEST_F(Start, falls_back_to_the_standard_folder_and_overwrites_nothing) {
+    disk.set_bytes(template_path, bytes("template"));
+    Init_Paths(desktop, disk);
+    const struct {
+        const char* name;
+        QString StdSetdir;
+        std::string found;
+    } cases[] = {
+        {"no standard folder chosen", {}, default_path},
+        {"a chosen folder that is missing", QStringLiteral("/home/anna/neu/tief/"),
+         "/home/anna/neu/tief/CV-Sets.mdb"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        globals.StdSetdir = c.StdSetdir;
+        set_current_database(QStringLiteral("/home/anna/weg/Anlage.mdb"));
+        EXPECT_FALSE(Check_Database_File(disk));
+        EXPECT_EQ(current_database().toStdString(), c.found);
+        EXPECT_EQ(text(disk, c.found), "template");
+
+        disk.set_bytes(c.found, bytes("mine"));
+        set_current_database(QStringLiteral("/home/anna/weg/Anlage.mdb"));
+        EXPECT_FALSE(Check_Database_File(disk));
+        EXPECT_EQ(text(disk, c.found), "mine");
+    }
+    disk.set_bytes("/home/anna/Anlage.mdb", bytes("current"));
+    set_current_database(QStringLiteral("/home/anna/Anlage.mdb"));
+    EXPECT_FALSE(Check_Database_File(disk));
+    EXPECT_EQ(current_database(), QStringLiteral("/home/anna/Anlage.mdb"));
+}
+
+TEST_F(Start, folders_are_made_with_those_above_them) {
+    disk.set_bytes("/home/datei", bytes("x"));
+    const struct {
+        const char* path;
+        bool made;
+    } cases[] = {
+        {"/home/a/b/c", true},  {"/home/a/b/c/", true},       {"/home", true},        {"/", true},
+        {"/home/datei", false}, {"/home/datei/unter", false}, {"ohne_wurzel", false},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(EnsureFolder(disk, QString::fromUtf8(c.path)), c.made) << c.path;
+    }
+    EXPECT_TRUE(disk.folder_exists("/home/a/b/c"));
+    EXPECT_FALSE(FileExists(disk, QStringLiteral("/home/a"))) << "a folder is no file";
+}
+
+TEST(Paths, split_at_the_last_separator) {
+    const struct {
+        const char* path;
+        const char* folder;
+        const char* file;
+    } cases[] = {
+        {"/a/b.mdb", "/a/", "b.mdb"}, {"b.mdb", "", "b.mdb"}, {"/a/", "/a/", ""}, {"", "", ""}};
+    for (const auto& c : cases) {
+        EXPECT_EQ(PathOf(QString::fromUtf8(c.path)).toStdString(), c.folder);
+        EXPECT_EQ(FileOf(QString::fromUtf8(c.path)).toStdString(), c.file);
+    }
+}
+
+TEST_F(Start, a_recent_file_moves_to_the_end_and_is_there_once) {
+    const auto path = [](const char* name) { return QString::fromUtf8(name); };
+    globals.LastFiles = {path("/a.mdb"), path("/A.mdb"), path("/a.mdb"), path("/b.mdb")};
+    Add_Last_File(path("/a.mdb"));
+    EXPECT_EQ(globals.LastFiles, QStringList({path("/A.mdb"), path("/b.mdb"), path("/a.mdb")}));
+    EXPECT_EQ(last_files_newest_first().first(), path("/a.mdb"));
+    EXPECT_TRUE(is_database_name(path("/X.Mdb")));
+    EXPECT_FALSE(is_database_name(path("/x.vqx")));
+}
+
+TEST_F(Start, the_log_keeps_its_newer_half_and_whole_lines) {
+    const std::string path = "/home/anna/log.txt";
+    Diagnostic_Log log(disk, QString::fromStdString(path),
+                       [] { return QDateTime(QDate(2026, 5, 4), QTime(3, 2, 1)); });
+    log.write(QStringLiteral("ein\nSatz"));
+    EXPECT_EQ(text(disk, path), "2026-05-04 03:02:01 ein Satz\n");
+    const QString filler(1000, u'ä');
+    for (int i = 0; i < 600; ++i) log.write(QString::number(i) + u' ' + filler);
+    const std::string kept = text(disk, path);
+    EXPECT_LE(kept.size(), Diagnostic_Log::max_size);
+    EXPECT_GT(kept.size(), Diagnostic_Log::max_size / 2);
+    EXPECT_THAT(kept, testing::StartsWith("2026-05-04 03:02:01 "));
+    EXPECT_THAT(kept, testing::HasSubstr(" 599 "));
+    EXPECT_THAT(kept, testing::Not(testing::HasSubstr(" ein Satz")));
+    disk.protect(path);
+    log.write(QStringLiteral("nobody hears this")); // and nothing is thrown
+}
