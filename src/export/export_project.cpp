@@ -1,0 +1,64 @@
+#include "export/export_project.h"
+
+#include "export/cls_VQX_QL.h"
+#include "export/findings.h"
+#include "export/msgpack/error.h"
+#include "scripts/cls_Script_Sets.h"
+#include "store/cls_Sets_Coll.h"
+
+#include <map>
+
+namespace vqx_export {
+namespace {
+
+/// The script sets whose set exists, with the number that it has in the library.
+std::shared_ptr<scripts::cls_Script_Sets> living(const scripts::cls_Script_Sets& script_sets,
+                                                 const store::cls_Sets_Coll& sets, Report& report) {
+    std::map<std::int32_t, std::int32_t> numbers;
+    for (const auto& set : sets) numbers[set->SetID] = set->Nummer;
+    auto kept = std::make_shared<scripts::cls_Script_Sets>();
+    for (const auto& scripts : script_sets) {
+        const auto number = numbers.find(scripts->SetID);
+        if (number == numbers.end()) {
+            report.left_out_scripts += scripts->Count();
+            continue;
+        }
+        scripts->Nummer = number->second;
+        kept->Add(scripts, QString::number(scripts->SetID));
+    }
+    return kept;
+}
+
+void write(Report& report, cls_VQX_QL file, const std::string& path, cls_QL_project& project) {
+    try {
+        file.Write_VQX(path, project);
+        report.written = true;
+    } catch (const files::Error& error) {
+        report.failure = error;
+    }
+}
+
+} // namespace
+
+Report export_project(const store::cls_Sets_Coll& sets, const scripts::cls_Script_Sets& script_sets,
+                      File_Type type, files::Disk& disk, const std::string& path) {
+    Report report;
+    const auto kept = living(script_sets, sets, report);
+    report.sets = sets.Count();
+    report.sets_with_scripts = kept->Count();
+    report.equal_keys = find_equal_keys(sets, *kept);
+    report.refusals = find_refusals(sets, *kept);
+    if (!report.refusals.empty()) return report;
+    try {
+        cls_QL_project project;
+        project.file_type = type;
+        report.left_out_cvs = project.Set_DCC_Set(sets);
+        project.Set_Script_Set(kept);
+        write(report, cls_VQX_QL(disk), path, project);
+    } catch (const msgpack::Error&) {
+        report.refusals.emplace_back(); // the reason of a refusal without a place is the size
+    }
+    return report;
+}
+
+} // namespace vqx_export
