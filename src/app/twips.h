@@ -34,4 +34,13 @@ struct Rectangle {
     constexpr Twips height() const { return bottom - top; }
 };
 
+/// Place of a window: left and top of its frame, height and width of what is inside.
+struct Window_Place {
+    Twips height;
+    Twips width;
+    Twips left;
+    Twips top;
+    bool operator==(const Window_Place&) const = default;
+};
+
 } // namespace app

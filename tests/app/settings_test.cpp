@@ -1,0 +1,185 @@
+#include "app/code_page.h"
+#include "app/mod_main.h"
+#include "app/mod_save_settings.h"
+#include "app/text_records.h"
+#include "platform/files/memory_disk.h"
+#include "platform/files/replace.h"
+
+#include <gmock/gmock.h>
+
+using namespace app;
+
+namespace {
+
+constexpr Window_Place design{{8000}, {15945}, {100}, {200}};
+
+class Settings : public testing::Test {
+protected:
+    void SetUp() override {
+        reset_globals();
+        if (!disk.folder_exists("/u")) disk.make_folder("/u");
+        globals.UserDataDir = QStringLiteral("/u/");
+        globals.Database_Path = QStringLiteral("/std/");
+        globals.Database_File = QStringLiteral("CV-Sets.mdb");
+        globals.VirtualScreen = {{0}, {0}, from_pixels(1920), from_pixels(1080)};
+    }
+    void TearDown() override { reset_globals(); }
+
+    void load(const QByteArray& bytes) {
+        files::replace_file(disk, "/u/CVSets_Inits.ini", std::as_bytes(std::span(bytes)));
+        Load_Settings(disk, place);
+    }
+    QByteArray saved() {
+        EXPECT_FALSE(Save_Settings(disk, place));
+        const auto bytes = files::read_file(disk, "/u/CVSets_Inits.ini");
+        return QByteArray(reinterpret_cast<const char*>(bytes.data()),
+                          static_cast<qsizetype>(bytes.size()));
+    }
+
+    files::Memory_Disk disk;
+    Window_Place place = design;
+};
+
+TEST_F(Settings, are_written_in_their_order_and_read_back) {
+    globals.comport = 7;
+    globals.StdSetdir = QString::fromUtf8("/home/Jörg \"Lok\"/Züge/");
+    globals.Script_Window_Max = true;
+    globals.LastFiles = {QStringLiteral("/a,b.mdb"), QString::fromUtf8("/日本.mdb")};
+    const QByteArray bytes = saved();
+    EXPECT_EQ(bytes,
+              QByteArray("\"Version\",1\r\n\"comport\",7\r\n"
+                         "\"StdSetdir\",\"/home/Jörg \"\"Lok\"\"/Züge/\"\r\n"
+                         "\"Database_Path\",\"/std/\"\r\n\"Database_File\",\"CV-Sets.mdb\"\r\n"
+                         "\"Main_Window_Height\",8000\r\n\"Main_Window_Width\",15945\r\n"
+                         "\"Main_Window_Left\",100\r\n\"Main_Window_Top\",200\r\n"
+                         "\"Script_Window_Height\",13665\r\n\"Scriptwindow_Width\",12285\r\n"
+                         "\"Scriptwindow_Left\",8250\r\n\"Scriptwindow_Top\",2175\r\n"
+                         "\"Scriptwindow_Max\",#TRUE#\r\n\"Script_Info_Off\",#FALSE#\r\n"
+                         "\"LastScriptdir\",\"\"\r\n\"Last_mdb_file\",\"/a,b.mdb\"\r\n"
+                         "\"Last_mdb_file\",\"/日本.mdb\"\r\n"));
+    reset_globals();
+    globals.UserDataDir = QStringLiteral("/u/");
+    place = {};
+    Load_Settings(disk, place);
+    EXPECT_EQ(place, design);
+    EXPECT_EQ(saved(), bytes);
+}
+
+TEST_F(Settings, only_the_thirty_newest_files_are_written) {
+    for (int i = 1; i <= 35; ++i) globals.LastFiles.append(QString::number(i));
+    globals.LastFiles[10] = QStringLiteral("line\nend"); // would come back as another path
+    const QByteArray bytes = saved();
+    EXPECT_FALSE(bytes.contains("\"5\""));
+    EXPECT_TRUE(bytes.contains("\"Last_mdb_file\",\"6\"\r\n"));
+    EXPECT_TRUE(bytes.endsWith("\"Last_mdb_file\",\"35\"\r\n"));
+    EXPECT_EQ(bytes.count("Last_mdb_file"), 29);
+}
+
+TEST_F(Settings, a_hand_made_or_damaged_file_is_read_as_far_as_it_goes) {
+    const struct {
+        const char* what;
+        QByteArray bytes;
+        int comport;
+        const char* file;
+    } cases[] = {
+        {"LF line ends", "\"comport\",5\n\"Database_File\",\"x.mdb\"\n", 5, "x.mdb"},
+        {"a byte-order mark", "\xEF\xBB\xBF\"comport\",5\r\n", 5, "CV-Sets.mdb"},
+        {"no quotes", "comport, 5\r\nDatabase_File, x.mdb \r\n", 5, "x.mdb"},
+        {"Windows-1252", "\"Database_File\",\"Z\xFCge\x80.mdb\"\r\n", 1, "Züge€.mdb"},
+        {"an unknown key", "\"Farbe\",\"comport\",9\r\n\"Database_File\",\"x.mdb\"\r\n", 9,
+         "x.mdb"},
+        {"keys are case-sensitive", "\"Comport\",9\r\n", 1, "CV-Sets.mdb"},
+        {"garbage in the middle",
+         QByteArray("\"comport\",5\r\n\0\xFF,,\"\"\"\r\n\"Database_File\",\"x.mdb\"", 45), 5,
+         "x.mdb"},
+        {"text for a number", "\"comport\",drei\r\n\"Database_File\",\"x.mdb\"\r\n", 1, "x.mdb"},
+        {"a port that cannot be", "\"comport\",65\r\n", 1, "CV-Sets.mdb"},
+        {"a huge number", "\"comport\",1e300\r\n\"Database_File\",\"x.mdb\"", 1, "x.mdb"},
+        {"an open quote ends with its line", "\"Database_File\",\"x.mdb\r\n\"comport\",5\r\n", 5,
+         "x.mdb"},
+        {"cut off in a key", "\"comport\",5\r\n\"Datab", 5, "CV-Sets.mdb"},
+        {"cut off before a value", "\"comport\"", 1, "CV-Sets.mdb"},
+        {"nothing", "", 1, "CV-Sets.mdb"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        SetUp();
+        load(c.bytes);
+        EXPECT_EQ(globals.comport, c.comport);
+        EXPECT_EQ(globals.Database_File, QString::fromUtf8(c.file));
+    }
+}
+
+TEST_F(Settings, old_project_paths_are_recent_files_and_doubles_stay) {
+    load("\"Last_mdb_file\",\"a\"\r\n\"Last_vqx_file\",\"b\"\r\n\"Last_mdb_file\",\"a\"\r\n");
+    EXPECT_EQ(globals.LastFiles,
+              (QStringList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("a")}));
+    EXPECT_TRUE(saved().contains("\"Last_mdb_file\",\"b\"\r\n"));
+}
+
+TEST_F(Settings, every_cut_and_every_changed_byte_leaves_a_program_that_starts) {
+    globals.LastFiles = {QStringLiteral("/a.mdb")};
+    const QByteArray whole = saved();
+    for (qsizetype at = 0; at < whole.size(); ++at) {
+        load(whole.left(at));
+        QByteArray changed = whole;
+        changed[at] = static_cast<char>(changed[at] ^ 0x81);
+        load(changed);
+        ASSERT_GE(globals.comport, 1);
+        ASSERT_LE(globals.comport, 64);
+    }
+}
+
+TEST_F(Settings, a_missing_folder_is_reported_when_saving) {
+    globals.UserDataDir = QStringLiteral("/nowhere/");
+    EXPECT_TRUE(Save_Settings(disk, place));
+}
+
+TEST_F(Settings, the_window_is_kept_on_the_screen) {
+    const int width = 1920 * 15;
+    const struct {
+        const char* what;
+        int left, top, expected_left, expected_top;
+    } cases[] = {{"inside", 100, 200, 100, 200},
+                 {"beyond the right edge", 30000, 0, width - design.width.value, 0},
+                 {"beyond the bottom", 0, 99999, 0, 1080 * 15 - design.height.value},
+                 {"negative", -5, -7, 0, 0}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        const Window_Place kept = keep_on_screen({design.height, design.width, {c.left}, {c.top}});
+        EXPECT_EQ(kept.left.value, c.expected_left);
+        EXPECT_EQ(kept.top.value, c.expected_top);
+    }
+    EXPECT_EQ(keep_on_screen({{99999}, {99999}, {10}, {10}}).left.value, 0)
+        << "larger than the screen";
+}
+
+TEST(Records, texts_over_several_lines_end_at_their_quote_or_end_the_reading) {
+    const QString longest(255, u'x');
+    const struct {
+        QString written;
+        std::optional<QString> text;
+    } cases[] = {{QStringLiteral("\"a\r\nb\",1"), QStringLiteral("a\r\nb")},
+                 {QStringLiteral("\"a\"\"b\""), QStringLiteral("a\"b")},
+                 {QStringLiteral("\"\""), QString()},
+                 {QStringLiteral("\"a\" junk,1"), QStringLiteral("a")},
+                 {u'"' + longest + u'"', longest},
+                 {u'"' + longest + QStringLiteral("x\""), std::nullopt},
+                 {QStringLiteral("\"open"), std::nullopt}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.written.toStdString());
+        EXPECT_EQ(Record_Reader(c.written, Record_Reader::Text_End::quote).text(), c.text);
+    }
+}
+
+TEST(Records, code_page_keeps_every_byte_and_counts_what_it_lacks) {
+    QByteArray all;
+    for (int byte = 0; byte < 256; ++byte) all += static_cast<char>(byte);
+    int replaced = 0;
+    EXPECT_EQ(to_code_page(from_code_page(all), replaced), all);
+    EXPECT_EQ(replaced, 0);
+    EXPECT_EQ(to_code_page(QString::fromUtf8("aМ€😀"), replaced), QByteArray("a?\x80?"));
+    EXPECT_EQ(replaced, 2);
+}
+
+} // namespace
