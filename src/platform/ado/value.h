@@ -18,7 +18,7 @@ inline Value null() { return jet::Null{}; }
 inline Value value(std::int32_t number) { return number; }
 inline Value value(const QString& text) { return text.toStdU16String(); }
 
-inline bool is_null(const Value& value) { return jet::is_null(value); }
+using jet::is_null;
 
 /// Whole number nearest to a number of any type, or of a text that is one; nothing for null, for
 /// other types and beyond 32 bits. Boolean: 0 or -1.

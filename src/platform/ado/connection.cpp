@@ -1,0 +1,76 @@
+#include "platform/ado/connection.h"
+
+#include "platform/ado/translated.h"
+
+namespace ado {
+
+namespace {
+
+QString head() { return QStringLiteral("Provider=Microsoft.Jet.OLEDB.4.0;Data Source="); }
+QString tail() { return QStringLiteral(";Persist Security Info=False"); }
+
+} // namespace
+
+QString Connection::string_for(const QString& path) { return head() + path + tail(); }
+
+void Connection::open(const QString& connection_string) {
+    close();
+    if (!connection_string.startsWith(head()) || !connection_string.endsWith(tail()))
+        throw Error(Failure::statement, connection_string,
+                    QStringLiteral("this connection string is not understood"));
+    const QString path =
+        connection_string.sliced(head().size()).chopped(tail().size()); // may hold a semicolon
+    session_ = translated([&] {
+        return std::make_unique<Session>(
+            jet::Database::open(disk_, path.toStdString(), jet::Mode::read_write));
+    });
+    session_->watcher = watcher_;
+}
+
+void Connection::close() { session_.reset(); }
+
+Status Connection::status() const { return session().database().status(); }
+
+Blocked Connection::blocked(const QString& table) const {
+    return translated([&] {
+        const auto found = session().database().table(table.toStdU16String());
+        return found ? found->blocked() : session().database().status().blocked;
+    });
+}
+
+void Connection::watch(Row_Watcher* watcher) {
+    watcher_ = watcher;
+    if (session_) session_->watcher = watcher;
+}
+
+Session& Connection::session() const {
+    if (!session_)
+        throw Error(Failure::closed, QStringLiteral("connection"), QStringLiteral("is not open"));
+    return *session_;
+}
+
+Transaction::Transaction(Connection& connection) : session_(connection.session()) {
+    translated([&] { changes_.emplace(session_.database()); });
+    session_.enter(Extent::some);
+}
+
+Transaction::~Transaction() {
+    changes_.reset();
+    session_.leave();
+}
+
+void Transaction::commit() {
+    translated([&] { changes_->commit(); });
+}
+
+Reading::Reading(Connection& connection, Extent extent) : session_(connection.session()) {
+    translated([&] { guard_.emplace(session_.database()); });
+    session_.enter(extent);
+}
+
+Reading::~Reading() {
+    guard_.reset();
+    session_.leave();
+}
+
+} // namespace ado

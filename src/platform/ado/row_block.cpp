@@ -1,0 +1,95 @@
+#include "platform/ado/row_block.h"
+
+namespace ado {
+
+Row_Block::Row_Block(std::vector<Column> columns)
+    : columns_(std::move(columns)), cells_(columns_.size()) {}
+
+std::optional<std::size_t> Row_Block::column(QStringView name) const {
+    for (std::size_t i = 0; i < columns_.size(); ++i)
+        if (name.compare(columns_[i].name, Qt::CaseInsensitive) == 0) return i;
+    return std::nullopt;
+}
+
+void Row_Block::reserve(std::size_t rows) {
+    ids_.reserve(rows);
+    for (std::size_t i = 0; i < columns_.size(); ++i)
+        if (columns_[i].whole) cells_[i].numbers.reserve(rows);
+}
+
+void Row_Block::Cells::put(std::size_t row, std::int32_t number, bool null) {
+    if (row == numbers.size())
+        numbers.push_back(number);
+    else
+        numbers[row] = number;
+    if (!null && row >= nulls.size()) return;
+    if (row >= nulls.size()) nulls.resize(row + 1);
+    nulls[row] = null;
+}
+
+void Row_Block::append(const jet::Cursor& row) {
+    for (std::size_t i = 0; i < columns_.size(); ++i) {
+        if (!columns_[i].source) continue;
+        const std::size_t source = *columns_[i].source;
+        if (columns_[i].whole) {
+            const std::int32_t number = row.integer(source);
+            cells_[i].put(ids_.size(), number, number == 0 && row.is_null(source));
+        } else {
+            cells_[i].values.push_back(row.value(source));
+        }
+    }
+    ids_.push_back(row.id());
+}
+
+void Row_Block::append(jet::Row_Id id, std::span<const Value> values) {
+    ids_.push_back(id);
+    for (std::size_t i = 0; i < columns_.size(); ++i)
+        if (columns_[i].source && !columns_[i].whole) cells_[i].values.emplace_back();
+    replace(ids_.size() - 1, values);
+}
+
+void Row_Block::replace(std::size_t row, std::span<const Value> values) {
+    for (std::size_t i = 0; i < columns_.size(); ++i) {
+        if (!columns_[i].source) continue;
+        const Value& value = values[*columns_[i].source];
+        if (columns_[i].whole)
+            cells_[i].put(row, ado::number(value).value_or(0), is_null(value));
+        else
+            cells_[i].values[row] = value;
+    }
+}
+
+bool Row_Block::null(std::size_t row, std::size_t column) const {
+    if (!columns_[column].source) return true;
+    const Cells& cells = cells_[column];
+    if (columns_[column].whole) return row < cells.nulls.size() && cells.nulls[row];
+    return is_null(cells.values[row]);
+}
+
+std::optional<std::int32_t> Row_Block::number(std::size_t row, std::size_t column) const {
+    if (null(row, column)) return std::nullopt;
+    return columns_[column].whole ? whole(row, column) : ado::number(cells_[column].values[row]);
+}
+
+Value Row_Block::value(std::size_t row, std::size_t column) const {
+    if (null(row, column)) return ado::null();
+    return columns_[column].whole ? Value(whole(row, column)) : cells_[column].values[row];
+}
+
+int Row_Block::compare(std::size_t one, std::size_t other, std::size_t column) const {
+    const bool whole_column = columns_[column].whole && cells_[column].nulls.empty();
+    if (whole_column) {
+        const std::int32_t left = whole(one, column);
+        const std::int32_t right = whole(other, column);
+        return left < right ? -1 : left > right ? 1 : 0;
+    }
+    const auto left = number(one, column);
+    const auto right = number(other, column);
+    if (left || right || null(one, column) || null(other, column))
+        return left < right ? -1 : left > right ? 1 : 0;
+    const auto left_text = ado::text(cells_[column].values[one]).value_or(QString());
+    return left_text.compare(ado::text(cells_[column].values[other]).value_or(QString()),
+                             Qt::CaseInsensitive);
+}
+
+} // namespace ado

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "platform/ado/value.h"
+#include "platform/jet/database.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+namespace ado {
+
+/// Rows of one table in memory, column by column. Whole numbers take four bytes, so that a whole
+/// table of them can be held.
+class Row_Block {
+public:
+    struct Column {
+        QString name;
+        /// Place in the table; nothing: completed in memory only and null in every row.
+        std::optional<std::size_t> source;
+        bool whole = false; ///< Byte, Integer or Long
+    };
+
+    explicit Row_Block(std::vector<Column> columns);
+
+    const std::vector<Column>& columns() const { return columns_; }
+    std::optional<std::size_t> column(QStringView name) const; ///< without regard to case
+
+    void reserve(std::size_t rows);
+    std::size_t size() const { return ids_.size(); }
+    void append(const jet::Cursor& row);
+    /// @param values all of the table
+    void append(jet::Row_Id id, std::span<const Value> values);
+    void replace(std::size_t row, std::span<const Value> values);
+
+    jet::Row_Id id(std::size_t row) const { return ids_[row]; }
+    bool null(std::size_t row, std::size_t column) const;
+    /// Value of a whole column, null as 0.
+    std::int32_t whole(std::size_t row, std::size_t column) const {
+        return cells_[column].numbers[row];
+    }
+    std::optional<std::int32_t> number(std::size_t row, std::size_t column) const;
+    Value value(std::size_t row, std::size_t column) const;
+    /// Negative, 0 or positive; null comes first.
+    int compare(std::size_t one, std::size_t other, std::size_t column) const;
+
+private:
+    struct Cells {
+        std::vector<std::int32_t> numbers; ///< of a whole column
+        std::vector<bool> nulls;           ///< of a whole column; shorter: the rest is not null
+        std::vector<Value> values;         ///< of any other column
+        void put(std::size_t row, std::int32_t number, bool null);
+    };
+
+    std::vector<Column> columns_;
+    std::vector<Cells> cells_;
+    std::vector<jet::Row_Id> ids_;
+};
+
+} // namespace ado

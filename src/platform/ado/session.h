@@ -1,0 +1,109 @@
+#pragma once
+
+#include "platform/ado/row_block.h"
+#include "platform/ado/statement.h"
+#include "platform/jet/database.h"
+
+#include <QString>
+
+#include <cstddef>
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+namespace ado {
+
+/// Told of every row that is added (nothing before), changed or deleted (nothing after), with all
+/// columns of its table.
+class Row_Watcher {
+public:
+    virtual ~Row_Watcher() = default;
+    virtual void row_changed(const QString& table, const Row& before, const Row& after) = 0;
+};
+
+/// How much a guard is going to read.
+enum class Extent {
+    some, ///< a set, a script
+    whole ///< table after table: equality goes through a lookup in memory, index or not
+};
+
+/// What a query found: places in a block, in the order asked for.
+struct Found_Rows {
+    std::shared_ptr<Row_Block> block;
+    std::vector<std::uint32_t> order;
+};
+
+/// An open database as the objects of this folder share it: rows are found and changed here.
+///
+/// While a guard is open, tables whose rows are asked for again and again by a column without an
+/// index are held in memory with a lookup per column, so that loading a library set by set is not
+/// quadratic. Own changes keep them right, nobody else's can happen meanwhile, and they go with the
+/// last guard.
+class Session {
+public:
+    explicit Session(jet::Database database) : database_(std::move(database)) {}
+
+    jet::Database& database() { return database_; }
+    Row_Watcher* watcher = nullptr;
+
+    void enter(Extent extent);
+    void leave();
+
+    /// Tables and columns that exist for reading only, without rows and values.
+    void complete_in_memory(const QString& table, const std::vector<QString>& columns);
+    /// Names of the columns, as they stand; throws not_found.
+    std::vector<QString> columns(const QString& table);
+    std::vector<QString> tables();
+
+    /// @param wanted columns that are going to be read; none: all
+    Found_Rows select(const Statement& statement, const std::vector<QString>& wanted);
+    /// A block for rows that are going to be added.
+    Found_Rows nothing_of(const QString& table);
+    /// Adds a row and appends it to `block`. @return its place there.
+    std::uint32_t insert(const QString& table, Row_Block& block, const Row& cells);
+    void update(const QString& table, Row_Block& block, std::uint32_t row, const Row& cells);
+    void erase(const QString& table, Row_Block& block, std::uint32_t row);
+
+private:
+    struct Shape { // a table with the columns that are completed in memory
+        QString name;
+        std::optional<jet::Table> table;
+        std::vector<Row_Block::Column> columns;
+        std::optional<std::size_t> column(const QString& name) const;
+    };
+    using Lookup = std::unordered_map<std::int32_t, std::vector<std::uint32_t>>;
+    struct Held_Table {
+        std::shared_ptr<Row_Block> block;
+        std::map<std::size_t, Lookup> lookups; // by column of the block
+        void add(std::uint32_t row);
+        void remove(std::uint32_t row);
+    };
+
+    Shape shape(const QString& table);
+    jet::Table stored_table(const QString& table);
+    static std::vector<Row_Block::Column> chosen(const Shape& shape, const Statement& statement,
+                                                 const std::vector<QString>& wanted);
+    bool worth_holding(const Shape& shape, const Statement& statement);
+    Held_Table& held(const Shape& shape, const std::vector<Row_Block::Column>& columns);
+    Found_Rows select_held(const Shape& shape, const Statement& statement,
+                           const std::vector<Row_Block::Column>& columns);
+    static Found_Rows select_stored(const Shape& shape, const Statement& statement,
+                                    std::vector<Row_Block::Column> columns);
+    static void scan(const Shape& shape, const Statement& statement, Row_Block& block);
+    static void sort(const Shape& shape, const Statement& statement, Found_Rows& found);
+    Found_Rows select_joined(const Statement& statement);
+    Held_Table* held_with(const QString& table, const Row_Block& block);
+    void tell(const jet::Table& table, const std::vector<Value>& before,
+              const std::vector<Value>& after) const;
+
+    jet::Database database_;
+    std::map<QString, std::vector<QString>> completed_; // by table, lower case
+    std::map<QString, Held_Table> held_;                // by table, lower case
+    std::map<QString, int> asked_;                      // statements without an index
+    int guards_ = 0;
+    bool whole_ = false;
+};
+
+} // namespace ado

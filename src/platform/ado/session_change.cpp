@@ -1,0 +1,129 @@
+// Changing rows, each told to the watcher, with the tables held in memory kept right.
+
+#include "platform/ado/session.h"
+#include "platform/ado/translated.h"
+
+#include <algorithm>
+
+namespace ado {
+
+namespace {
+
+struct As_Type { // libraries of others hold our numbers in columns of other types
+    jet::Column_Type type;
+
+    Value operator()(std::int32_t number) const {
+        switch (type) {
+        case jet::Column_Type::boolean:
+            return number != 0;
+        case jet::Column_Type::currency:
+            return jet::Currency{number * std::int64_t{10000}};
+        case jet::Column_Type::single_float:
+        case jet::Column_Type::double_float:
+            return static_cast<double>(number);
+        case jet::Column_Type::text:
+        case jet::Column_Type::memo:
+            return QString::number(number).toStdU16String();
+        default:
+            return number;
+        }
+    }
+    template <class Other>
+    Value operator()(const Other& other) const {
+        return other;
+    }
+};
+
+std::vector<jet::Cell> cells_of(const jet::Table& table, const Row& row) {
+    std::vector<jet::Cell> cells;
+    for (const auto& [name, value] : row) {
+        const auto column = table.column(name.toStdU16String());
+        if (!column)
+            throw Error(Failure::not_found, name, QStringLiteral("no such column in the file"));
+        cells.push_back({*column, std::visit(As_Type{table.columns()[*column].type}, value)});
+    }
+    return cells;
+}
+
+std::vector<Value> values_of(const jet::Table& table, jet::Row_Id id) {
+    if (auto values = table.row(id)) return *std::move(values);
+    throw Error(Failure::not_found, QString::fromStdU16String(table.name()),
+                QStringLiteral("the row is gone"));
+}
+
+Row row_of(const jet::Table& table, const std::vector<Value>& values) {
+    Row row;
+    for (std::size_t i = 0; i < values.size(); ++i)
+        row.emplace_back(QString::fromStdU16String(table.columns()[i].name), values[i]);
+    return row;
+}
+
+} // namespace
+
+void Session::Held_Table::add(std::uint32_t row) {
+    for (auto& [column, lookup] : lookups)
+        if (const auto number = block->number(row, column)) lookup[*number].push_back(row);
+}
+
+void Session::Held_Table::remove(std::uint32_t row) {
+    for (auto& [column, lookup] : lookups)
+        if (const auto number = block->number(row, column)) std::erase(lookup[*number], row);
+}
+
+Session::Held_Table* Session::held_with(const QString& table, const Row_Block& block) {
+    const auto found = held_.find(table.toLower());
+    if (found == held_.end()) return nullptr;
+    if (found->second.block.get() == &block) return &found->second;
+    held_.erase(found); // rows of another block: where they stand in this one is not known
+    return nullptr;
+}
+
+void Session::tell(const jet::Table& table, const std::vector<Value>& before,
+                   const std::vector<Value>& after) const {
+    if (watcher != nullptr)
+        watcher->row_changed(QString::fromStdU16String(table.name()), row_of(table, before),
+                             row_of(table, after));
+}
+
+Found_Rows Session::nothing_of(const QString& table) {
+    return {std::make_shared<Row_Block>(translated([&] { return shape(table); }).columns), {}};
+}
+
+std::uint32_t Session::insert(const QString& table, Row_Block& block, const Row& cells) {
+    return translated([&] {
+        const jet::Table stored = stored_table(table);
+        const auto id = stored.insert(cells_of(stored, cells)).id;
+        const auto after = values_of(stored, id);
+        const auto row = static_cast<std::uint32_t>(block.size());
+        block.append(id, after);
+        if (Held_Table* const held = held_with(table, block)) held->add(row);
+        tell(stored, {}, after);
+        return row;
+    });
+}
+
+void Session::update(const QString& table, Row_Block& block, std::uint32_t row, const Row& cells) {
+    translated([&] {
+        const jet::Table stored = stored_table(table);
+        const auto before = values_of(stored, block.id(row));
+        stored.update(block.id(row), cells_of(stored, cells));
+        const auto after = values_of(stored, block.id(row));
+        Held_Table* const held = held_with(table, block);
+        if (held != nullptr) held->remove(row);
+        block.replace(row, after);
+        if (held != nullptr) held->add(row);
+        tell(stored, before, after);
+    });
+}
+
+void Session::erase(const QString& table, Row_Block& block, std::uint32_t row) {
+    translated([&] {
+        const jet::Table stored = stored_table(table);
+        const auto before = values_of(stored, block.id(row));
+        stored.erase(block.id(row));
+        if (Held_Table* const held = held_with(table, block)) held->remove(row);
+        tell(stored, before, {});
+    });
+}
+
+} // namespace ado
