@@ -1,0 +1,30 @@
+#include "app/mod_main.h"
+#include "platform/desktop/end_signals.h"
+#include "platform/files/disk.h"
+#include "store/clsDBConn.h"
+#include "ui/desktop/german.h"
+#include "ui/desktop/qt_desktop.h"
+#include "ui/main/Frm_Main.h"
+
+#include <QApplication>
+#include <QIcon>
+
+int main(int argc, char** argv) {
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("cv-sets"));
+    QApplication::setDesktopFileName(QStringLiteral("cv-sets"));
+    ui_desktop::speak_german();
+
+    ui_desktop::Qt_Desktop desktop;
+    ui_main::Frm_Main window(desktop, files::real_disk(), store::DBConn());
+    const desktop::End_Signals signals([&window] {
+        window.close();
+        QCoreApplication::quit();
+    });
+    // Logging off ends the program without closing its windows.
+    QObject::connect(&application, &QCoreApplication::aboutToQuit, &window,
+                     &ui_main::Frm_Main::unload);
+    window.load();
+    window.show();
+    return QApplication::exec();
+}

@@ -1,0 +1,188 @@
+#include "ui/main/Frm_Main.h"
+
+#include "app/mod_fileverwaltung.h"
+#include "scripts/cls_script_coll.h"
+#include "ui/main/UC_Scripte.h"
+#include "ui/main/main_form.h"
+#include "ui/main/status_line.h"
+#include "ui/main/texts.h"
+
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QMenu>
+#include <QMenuBar>
+#include <QScopedValueRollback>
+#include <QSignalBlocker>
+#include <QStatusBar>
+
+namespace ui_main {
+
+Frm_Main::Frm_Main(desktop::Desktop& desktop, files::Disk& disk, store::clsDBConn& database)
+    : desktop_(desktop), disk_(disk), database_(database), form_(new Main_Form(this)),
+      cv_panel_(std::make_unique<Cv_Panel>(*form_, database, *this)),
+      status_(new Status_Line(this)), write_protected_(new QLabel(this)) {
+    setObjectName(QStringLiteral("Frm_Main"));
+    setCentralWidget(form_);
+    status_->setObjectName(QStringLiteral("lab_status"));
+    write_protected_->setObjectName(QStringLiteral("lab_schreibschutz"));
+    write_protected_->setText(text(Text::write_protected));
+    write_protected_->hide();
+    statusBar()->setSizeGripEnabled(false);
+    statusBar()->addWidget(status_, 1);
+    statusBar()->addPermanentWidget(write_protected_);
+    build_menus();
+    wire();
+    setFixedWidth(to_pixels(app::Twips{Main_Form::width_twips}));
+    setMinimumHeight(to_pixels(app::Twips{Main_Form::least_height_twips}));
+    show_title();
+}
+
+Frm_Main::~Frm_Main() = default;
+
+void Frm_Main::wire() {
+    Entry_List* sets = form_->lst_sets;
+    connect(sets, &Entry_List::selection_changed, this, &Frm_Main::set_selected);
+    connect(sets, &Entry_List::delete_pressed, this, &Frm_Main::delete_set_at_once);
+    connect(sets, &QListView::doubleClicked, this, &Frm_Main::rename_set);
+    connect(sets, &Entry_List::context_menu_wanted, this,
+            [this](const QPoint& place) { mnu_cv_set_->popup(place); });
+    connect(form_->lst_CVs, &Entry_List::context_menu_wanted, this,
+            [this](const QPoint& place) { mnu_copymenu_->popup(place); });
+    for (int i = 0; i < 2; ++i) {
+        const auto index = static_cast<std::size_t>(i);
+        connect(form_->opt_rescv[index], &QRadioButton::toggled, this, [this, i](bool chosen) {
+            if (chosen) choose_reset_cv(i);
+        });
+        connect(form_->opt_dec[index], &QRadioButton::toggled, this, [this, i](bool chosen) {
+            if (chosen) choose_decoder_family(i);
+        });
+    }
+}
+
+void Frm_Main::load() { app::start_up(*this, desktop_, disk_); }
+
+void Frm_Main::unload() {
+    if (std::exchange(unloaded_, true)) return;
+    app::shut_down(*this);
+}
+
+void Frm_Main::closeEvent(QCloseEvent* event) {
+    unload();
+    event->accept();
+}
+
+void Frm_Main::end_program() {
+    close();
+    QCoreApplication::quit();
+}
+
+// Sets
+
+void Frm_Main::fill_sets() {
+    form_->lst_sets->refill([this](store::List_Filler& list) {
+        database_.Fill_Sets_in_Listbox(list, app::globals.AktResCV);
+    });
+}
+
+void Frm_Main::select_set(std::int32_t SetID) {
+    if (const auto row = form_->lst_sets->row_of(SetID))
+        form_->lst_sets->select_row(*row);
+    else
+        set_selected();
+}
+
+void Frm_Main::select_first_set() { select_set(form_->lst_sets->key(0)); }
+
+void Frm_Main::Refresh_Sets() {
+    fill_sets();
+    select_first_set();
+    show_title();
+}
+
+void Frm_Main::set_selected() {
+    const std::int32_t SetID = form_->lst_sets->selected_key();
+    if (SetID != 0) {
+        Show_CVs(SetID);
+        database_.DB_Load_Scripts();
+    } else {
+        database_.AktCVSetID(0);
+        form_->lst_CVs->refill([](store::List_Filler&) {});
+        scripts::AktScripts().Clear();
+    }
+    Redraw_Script_List();
+    say_trouble();
+}
+
+void Frm_Main::Show_CVs(std::int32_t SetID) {
+    std::int16_t count = 0;
+    form_->lst_CVs->refill(
+        [&](store::List_Filler& list) { count = database_.Fill_CVs_in_Listbox(list, SetID); });
+    form_->lab_Anz_CVs->setText(QString::number(count));
+}
+
+void Frm_Main::Redraw_Script_List() {
+    if (redrawing_scripts_) return;
+    const QScopedValueRollback guard(redrawing_scripts_, true);
+    form_->UC_Scripte1->refill();
+}
+
+// Options
+
+void Frm_Main::choose_reset_cv(int index) {
+    app::globals.AktResCV = index == 0 ? 8 : 265;
+    fill_sets();
+    select_first_set();
+}
+
+void Frm_Main::Show_Page_Fields(bool visible) { form_->Show_Page_Fields(visible); }
+
+void Frm_Main::choose_decoder_family(int index) {
+    family_ = index;
+    if (index == 1) {
+        const QSignalBlocker blocker(form_->opt_rescv[0]);
+        form_->opt_rescv[0]->setChecked(true);
+        choose_reset_cv(0); // also when it was chosen already
+        for (Number_Field* page : form_->txt_cv_page) page->set_number(0);
+        form_->txt_cv_page[1]->set_number(1);
+    }
+    Show_Page_Fields(index == 0);
+    form_->Frame_Reset->setVisible(index == 0);
+    enable_commands();
+}
+
+// Window
+
+void Frm_Main::show_title() {
+    setWindowTitle(database_.Connection_Active()
+                       ? text(Text::title_open).arg(app::current_database())
+                       : text(Text::title_closed));
+    const bool blocked = database_.Connection_Active() && !database_.writable();
+    write_protected_->setVisible(blocked);
+    write_protected_->setToolTip(reason(database_.opening().blocked));
+}
+
+QString Frm_Main::status() const { return status_->text(); }
+
+void Frm_Main::close_other_windows() {}
+
+void Frm_Main::Connection_Close() { database_.Connection_Close(); }
+
+void Frm_Main::say(const QString& sentence) { status_->say(sentence); }
+
+bool Frm_Main::say_trouble() {
+    const std::optional<store::Trouble> trouble = database_.take_trouble();
+    if (!trouble) return false;
+    say_and_log(sentence(*trouble), trouble->subject + u": "_qs + trouble->detail);
+    return true;
+}
+
+void Frm_Main::say_and_log(const QString& sentence, const QString& reason) {
+    say(sentence);
+    log().write(reason.isEmpty() ? sentence : sentence + u" ["_qs + reason + u']');
+}
+
+app::Diagnostic_Log Frm_Main::log() {
+    return app::Diagnostic_Log(disk_, app::globals.UserDataDir + u"CV-Sets.log"_qs);
+}
+
+} // namespace ui_main

@@ -1,0 +1,148 @@
+#include "ui/main/entry_list.h"
+
+#include <QContextMenuEvent>
+#include <QHelpEvent>
+#include <QKeyEvent>
+#include <QScopedValueRollback>
+#include <QScrollBar>
+#include <QToolTip>
+#include <algorithm>
+#include <array>
+#include <utility>
+
+namespace ui_main {
+namespace {
+
+constexpr std::array plain_ways{Qt::Key_Up,  Qt::Key_Down,   Qt::Key_Home,
+                                Qt::Key_End, Qt::Key_PageUp, Qt::Key_PageDown};
+
+bool is_plain_way(const QKeyEvent& event) {
+    const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
+    return modifiers == Qt::NoModifier &&
+           std::find(plain_ways.begin(), plain_ways.end(), event.key()) != plain_ways.end();
+}
+
+struct Collector final : store::List_Filler {
+    std::vector<Entry_Model::Entry> entries;
+    void clear() override { entries.clear(); }
+    void add(const QString& text, std::int32_t key) override { entries.push_back({text, key}); }
+};
+
+} // namespace
+
+int Entry_Model::rowCount(const QModelIndex& parent) const {
+    return parent.isValid() ? 0 : static_cast<int>(entries_.size());
+}
+
+QVariant Entry_Model::data(const QModelIndex& index, int role) const {
+    if (role != Qt::DisplayRole || !checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
+    return entries_[static_cast<std::size_t>(index.row())].text;
+}
+
+void Entry_Model::replace(std::vector<Entry> entries) {
+    beginResetModel();
+    entries_ = std::move(entries);
+    endResetModel();
+}
+
+Entry_List::Entry_List(QWidget* parent) : QListView(parent) {
+    setModel(&model_);
+    setUniformItemSizes(true);
+    setEditTriggers(NoEditTriggers);
+    setTextElideMode(Qt::ElideRight);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollMode(ScrollPerItem);
+}
+
+void Entry_List::refill(const std::function<void(store::List_Filler&)>& fill) {
+    const QScopedValueRollback guard(refilling_, true);
+    Collector collector;
+    fill(collector);
+    const int place = verticalScrollBar()->value();
+    model_.replace(std::move(collector.entries));
+    doItemsLayout();
+    verticalScrollBar()->setValue(place);
+}
+
+int Entry_List::count() const { return model_.rowCount(); }
+
+std::int32_t Entry_List::key(int row) const {
+    const auto& entries = model_.entries();
+    return row >= 0 && row < count() ? entries[static_cast<std::size_t>(row)].key : 0;
+}
+
+std::optional<int> Entry_List::row_of(std::int32_t key) const {
+    const auto& entries = model_.entries();
+    const auto found = std::find_if(entries.begin(), entries.end(),
+                                    [&](const auto& entry) { return entry.key == key; });
+    if (found == entries.end()) return {};
+    return static_cast<int>(found - entries.begin());
+}
+
+int Entry_List::current_row() const { return currentIndex().row(); }
+
+bool Entry_List::is_selected(int row) const {
+    return selectionModel()->isSelected(model_.index(row));
+}
+
+std::vector<int> Entry_List::selected_rows() const {
+    std::vector<int> rows;
+    for (const QModelIndex& index : selectionModel()->selectedIndexes())
+        rows.push_back(index.row());
+    std::sort(rows.begin(), rows.end());
+    return rows;
+}
+
+std::int32_t Entry_List::selected_key() const {
+    return is_selected(current_row()) ? key(current_row()) : 0;
+}
+
+void Entry_List::select_row(int row) {
+    selectionModel()->setCurrentIndex(model_.index(row), QItemSelectionModel::ClearAndSelect);
+    scrollTo(currentIndex());
+}
+
+void Entry_List::go_to_row(int row) {
+    selectionModel()->setCurrentIndex(model_.index(row), QItemSelectionModel::Clear);
+    scrollTo(currentIndex());
+}
+
+void Entry_List::selectionChanged(const QItemSelection& now, const QItemSelection& before) {
+    QListView::selectionChanged(now, before);
+    if (!refilling_) Q_EMIT selection_changed();
+}
+
+void Entry_List::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Delete) {
+        Q_EMIT delete_pressed();
+    } else if (event->matches(QKeySequence::Copy)) {
+        event->ignore(); // the view would put the text of one row on the clipboard
+    } else {
+        QListView::keyPressEvent(event);
+        if (is_plain_way(*event) && currentIndex().isValid()) Q_EMIT chosen();
+    }
+}
+
+void Entry_List::mouseReleaseEvent(QMouseEvent* event) {
+    QListView::mouseReleaseEvent(event);
+    if (event->button() == Qt::LeftButton && currentIndex().isValid()) Q_EMIT chosen();
+}
+
+void Entry_List::contextMenuEvent(QContextMenuEvent* event) {
+    const bool by_key = event->reason() == QContextMenuEvent::Keyboard;
+    const QPoint place = visualRect(currentIndex()).bottomLeft();
+    Q_EMIT context_menu_wanted(by_key ? viewport()->mapToGlobal(place) : event->globalPos());
+}
+
+// The full text where the row has no room for it.
+bool Entry_List::viewportEvent(QEvent* event) {
+    if (event->type() != QEvent::ToolTip) return QListView::viewportEvent(event);
+    const auto* help = static_cast<QHelpEvent*>(event);
+    const QModelIndex index = indexAt(help->pos());
+    const bool cut = sizeHintForIndex(index).width() > visualRect(index).width();
+    QToolTip::showText(help->globalPos(), cut ? index.data().toString().toHtmlEscaped() : QString(),
+                       viewport());
+    return true;
+}
+
+} // namespace ui_main

@@ -1,0 +1,157 @@
+#include "app/mod_fileverwaltung.h"
+#include "export/export_project.h"
+#include "platform/files/replace.h"
+#include "scripts/cls_Script_Sets.h"
+#include "ui/main/Frm_Main.h"
+#include "ui/main/main_form.h"
+#include "ui/main/project_texts.h"
+#include "ui/main/texts.h"
+
+#include <QApplication>
+#include <QMenu>
+#include <QStringList>
+
+namespace ui_main {
+namespace {
+
+const QString database_extension = QStringLiteral(".mdb");
+const QString project_extension = QStringLiteral(".vqx");
+
+/// Shows the pointer of a busy program while it lives.
+class Busy {
+public:
+    Busy() { QGuiApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~Busy() { QGuiApplication::restoreOverrideCursor(); }
+    Busy(const Busy&) = delete;
+    Busy& operator=(const Busy&) = delete;
+};
+
+desktop::File_Choice database_choice(const QString& file) {
+    return {app::globals.Database_Path, file, database_extension, text(Text::database_filter)};
+}
+
+void append_count(QStringList& parts, Text form, int count) {
+    if (count > 0) parts.append(text(form).arg(count));
+}
+
+} // namespace
+
+void Frm_Main::Open_Database() {
+    const Busy busy;
+    const QString path = app::current_database();
+    app::Add_Last_File(path);
+    Fill_Last_Files_Menu();
+    database_.Connection_Start(path);
+    const std::optional<store::Trouble> trouble = database_.take_trouble();
+    Refresh_Sets();
+    if (database_.Connection_Active())
+        say_opening();
+    else if (trouble)
+        say(sentence(*trouble));
+    say_and_log(status(), trouble ? path + u": "_qs + trouble->detail : path);
+}
+
+void Frm_Main::say_opening() {
+    const store::Opening opening = database_.opening();
+    QStringList parts{
+        text(Text::opened).arg(app::globals.Database_File).arg(database_.Get_Anz_CVSets())};
+    if (!database_.writable()) {
+        parts.append(text(Text::write_protected) + u": "_qs + reason(opening.blocked));
+    }
+    if (opening.recovered) parts.append(text(Text::recovered));
+    if (!opening.journal_set_aside.isEmpty()) {
+        parts.append(text(Text::journal_set_aside).arg(app::FileOf(opening.journal_set_aside)));
+    }
+    if (opening.ldb_beside) parts.append(text(Text::ldb_beside));
+    append_count(parts, Text::sets_in_no_view, database_.sets_in_no_view());
+    append_count(parts, Text::sets_completed, database_.sets_completed_in_memory());
+    say(parts.join(u' '));
+}
+
+void Frm_Main::open_database() {
+    const auto path = desktop_.ask_open_file(database_choice(app::globals.Database_File));
+    if (!path) return;
+    app::set_current_database(*path);
+    Open_Database();
+}
+
+void Frm_Main::reopen(int entry) {
+    const QString path = mnu_open_last_->actions().at(entry)->data().toString();
+    if (!app::is_database_name(path)) {
+        say(text(Text::not_a_database_name).arg(app::FileOf(path)));
+        return;
+    }
+    app::set_current_database(path);
+    Open_Database();
+}
+
+void Frm_Main::create_database() {
+    const auto path = desktop_.ask_save_file(database_choice({}));
+    if (!path) return;
+    if (app::FileExists(disk_, *path) &&
+        !desktop_.ask_yes_no(text(Text::attention), text(Text::ask_overwrite_database))) {
+        return;
+    }
+    if (!make_database(*path)) return;
+    app::set_current_database(*path);
+    Open_Database();
+}
+
+// The open library must not be overwritten while it is held open: it is closed first, and opened
+// again when the copy fails.
+bool Frm_Main::make_database(const QString& path) {
+    const bool over_itself = database_.Connection_Active() && path == app::current_database();
+    if (over_itself) database_.Connection_Close();
+    try {
+        files::copy_file(disk_, app::globals.EmptyDBTemplate.toStdString(), path.toStdString());
+        return true;
+    } catch (const files::Error& error) {
+        if (over_itself) Open_Database();
+        say_and_log(sentence(error, app::FileOf(path), app::globals.EmptyDBTemplate),
+                    QString::fromUtf8(error.what()));
+        return false;
+    }
+}
+
+void Frm_Main::no_default_database(const files::Error& reason) {
+    say_and_log(sentence(reason, app::globals.Database_File, app::globals.EmptyDBTemplate),
+                QString::fromUtf8(reason.what()));
+}
+
+void Frm_Main::export_oem() { export_project(false); }
+
+void Frm_Main::export_user() { export_project(true); }
+
+void Frm_Main::export_project(bool user) {
+    if (!database_.Connection_Active()) {
+        say(sentence({store::Failure::not_open, {}, {}}));
+        return;
+    }
+    const QString proposed = app::globals.Database_File.chopped(3) + u"vqx"_qs;
+    const auto path = desktop_.ask_save_file(
+        {app::globals.Database_Path, proposed, project_extension, text(Text::project_filter)});
+    if (!path) return;
+    if (app::FileExists(disk_, *path) &&
+        !desktop_.ask_yes_no(text(Text::attention), text(Text::ask_overwrite_file))) {
+        return;
+    }
+    write_project(*path, user ? vqx_export::File_Type::user : vqx_export::File_Type::oem);
+}
+
+// What could not be read in full is not exported: a project without some of its sets would look
+// like a whole one.
+void Frm_Main::write_project(const QString& path, vqx_export::File_Type type) {
+    const Busy busy;
+    scripts::cls_Script_Sets script_sets;
+    database_.Fill_Sets_in_SetObj(store::SetsObj());
+    database_.Fill_Scripts_in_ScriptsObj(script_sets);
+    if (say_trouble()) return;
+    const vqx_export::Report report =
+        vqx_export::export_project(store::SetsObj(), script_sets, type, disk_, path.toStdString());
+    say_and_log(sentence(app::FileOf(path), report),
+                report.failure ? QString::fromUtf8(report.failure->what()) : path);
+    if (report.refusals.empty()) return;
+    desktop_.inform(text(Text::information), sentences(report.refusals));
+}
+
+} // namespace ui_main

@@ -1,0 +1,95 @@
+#include "ui/main/project_texts.h"
+
+#include "ui/main/texts.h"
+
+#include <QStringList>
+#include <algorithm>
+
+namespace ui_main {
+namespace {
+
+using vqx_export::Reason;
+using vqx_export::Refusal;
+
+struct Entry {
+    Reason reason;
+    const char16_t* german; ///< %1 value, %2 parameter
+};
+
+constexpr Entry table[] = {
+    {Reason::set_number_negative, u"die Set-Nummer ist %1, erlaubt ist 0 oder mehr"},
+    {Reason::reset_cv_negative, u"die Reset-CV ist %1, erlaubt ist 0 oder mehr"},
+    {Reason::set_number_above_255, u"die Set-Nummer ist %1, mit Scripten erlaubt ist bis 255"},
+    {Reason::too_many_scripts, u"das Set hat %1 Scripte, erlaubt sind 16"},
+    {Reason::too_many_lines, u"das Script hat %1 Zeilen, erlaubt sind 256"},
+    {Reason::command, u"der Befehl ist %1, erlaubt ist 0 bis 255"},
+    {Reason::parameter, u"der Parameter %2 ist %1, erlaubt ist 0 bis 255"},
+    {Reason::too_large, u"die Bibliothek ist zu groß für eine Projektdatei"},
+};
+
+constexpr std::size_t most_lines = 12;
+
+QString words(const Refusal& refusal) {
+    for (const Entry& entry : table) {
+        if (entry.reason != refusal.reason) continue;
+        return QString::fromUtf16(entry.german)
+            .replace(u"%1"_qs, QString::number(refusal.value))
+            .replace(u"%2"_qs, QString::number(refusal.parameter));
+    }
+    return {};
+}
+
+QString joined(const std::vector<QString>& names) {
+    QStringList quoted;
+    for (const QString& name : names) quoted.append(u"„%1“"_qs.arg(name));
+    return quoted.join(u", "_qs);
+}
+
+std::int64_t count(const vqx_export::Left_Out_CVs& cvs) {
+    return cvs.out_of_range + cvs.covered + cvs.repeated;
+}
+
+} // namespace
+
+QString sentence(const Refusal& refusal) {
+    QString place;
+    if (refusal.SetID != 0) {
+        place = u"Set %1 „%2“"_qs.arg(refusal.set_number).arg(refusal.set_name);
+    }
+    if (refusal.script > 0) place += u", Script %1"_qs.arg(refusal.script);
+    if (refusal.line >= 0) place += u", Zeile %1"_qs.arg(refusal.line);
+    return place.isEmpty() ? words(refusal) + u'.' : place + u": "_qs + words(refusal) + u'.';
+}
+
+QString sentences(const std::vector<Refusal>& refusals) {
+    QStringList lines{text(Text::project_refused)};
+    const std::size_t shown = std::min(refusals.size(), most_lines);
+    for (std::size_t i = 0; i < shown; ++i) lines.append(sentence(refusals[i]));
+    if (shown < refusals.size()) {
+        lines.append(u"... und weitere: %1."_qs.arg(refusals.size() - shown));
+    }
+    return lines.join(u'\n');
+}
+
+QString sentence(const QString& file, const vqx_export::Report& report) {
+    if (report.failure) {
+        return text(Text::project_failed).arg(file, reason(report.failure->kind));
+    }
+    if (!report.written) return text(Text::project_refused);
+    QStringList parts{
+        text(Text::project_written).arg(file).arg(report.sets).arg(report.sets_with_scripts)};
+    if (const auto cvs = count(report.left_out_cvs); cvs > 0) {
+        parts.append(text(Text::project_left_out_cvs).arg(cvs));
+    }
+    if (report.left_out_scripts > 0) {
+        parts.append(text(Text::project_left_out_scripts).arg(report.left_out_scripts));
+    }
+    for (const vqx_export::Equal_Keys& equal : report.equal_keys) {
+        const bool cvs = equal.map == vqx_export::Equal_Keys::Map::cvs;
+        parts.append(text(cvs ? Text::project_equal_keys : Text::project_equal_scripts)
+                         .arg(joined(equal.set_names)));
+    }
+    return parts.join(u' ');
+}
+
+} // namespace ui_main

@@ -1,0 +1,94 @@
+#include "app/mod_main.h"
+#include "ui/main/Frm_Main.h"
+#include "ui/main/frm_get_2_string.h"
+#include "ui/main/main_form.h"
+#include "ui/main/texts.h"
+
+#include <algorithm>
+
+namespace ui_main {
+namespace {
+
+std::int16_t set_number(const QString& digits) {
+    return static_cast<std::int16_t>(
+        std::min(leading_number(digits), frm_get_2_string::highest_set_number));
+}
+
+} // namespace
+
+QString Frm_Main::shown_set() const { return form_->lst_sets->currentIndex().data().toString(); }
+
+// A cut name is the user's text changed: that is said where he looks next, too.
+QString Frm_Main::with_cut(const QString& sentence, const frm_get_2_string& dialog) const {
+    if (!dialog.name_was_cut()) return sentence;
+    return sentence + u' ' + text(Text::name_cut).arg(database_.set_name_width());
+}
+
+void Frm_Main::add_set() {
+    if (!database_.Connection_Active()) {
+        say(sentence({store::Failure::not_open, {}, {}}));
+        return;
+    }
+    frm_get_2_string dialog(this, database_.set_name_width());
+    dialog.set_texts(text(Text::new_set), {}, {});
+    const Two_Strings given = dialog.Get_2_Strings();
+    if (given.first.isEmpty()) return;
+    std::int16_t number = set_number(given.second);
+    const std::int32_t SetID = database_.DB_Add_CVSet(given.first, number, app::globals.AktResCV);
+    if (SetID == 0) {
+        say_trouble();
+        return;
+    }
+    fill_sets();
+    select_set(SetID);
+    if (!say_trouble()) say(with_cut(text(Text::set_added).arg(shown_set()), dialog));
+}
+
+void Frm_Main::rename_set() {
+    const std::int32_t SetID = form_->lst_sets->selected_key();
+    if (SetID == 0) {
+        say(text(Text::no_set_selected));
+        return;
+    }
+    frm_get_2_string dialog(this, database_.set_name_width());
+    const QString name = database_.Get_Set_Name(SetID);
+    const std::int16_t number = database_.Get_Set_Nummer(SetID);
+    dialog.set_texts(text(Text::rename_set), name, QString::number(number));
+    const Two_Strings given = dialog.Get_2_Strings();
+    if (given.first.isEmpty()) return;
+    const std::int16_t wanted = set_number(given.second);
+    database_.DB_Rename_CVSet(given.first, wanted == number ? std::int16_t{0} : wanted);
+    fill_sets();
+    select_set(SetID);
+    if (!say_trouble()) say(with_cut(text(Text::set_renamed).arg(shown_set()), dialog));
+}
+
+void Frm_Main::delete_set() {
+    if (form_->lst_sets->selected_key() == 0) {
+        say(text(Text::no_set_selected));
+        return;
+    }
+    const std::int32_t SetID = form_->lst_sets->selected_key();
+    if (desktop_.ask_yes_no(text(Text::attention), text(Text::ask_delete_set))) Delete_Set(SetID);
+}
+
+void Frm_Main::delete_set_at_once() {
+    const std::int32_t SetID = form_->lst_sets->selected_key();
+    if (SetID != 0)
+        Delete_Set(SetID);
+    else
+        say(text(Text::no_set_selected));
+}
+
+void Frm_Main::Delete_Set(std::int32_t SetID) {
+    const QString shown = shown_set();
+    if (!database_.DB_Del_CVSet(SetID)) {
+        say_trouble();
+        return;
+    }
+    fill_sets();
+    select_first_set();
+    if (!say_trouble()) say(text(Text::set_deleted).arg(shown));
+}
+
+} // namespace ui_main

@@ -1,0 +1,27 @@
+#include "ui/main/status_line.h"
+
+#include <QPainter>
+#include <QStyle>
+
+namespace ui_main {
+
+Status_Line::Status_Line(QWidget* parent) : QLabel(parent) {
+    setTextFormat(Qt::PlainText);
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    setIndent(4);
+}
+
+void Status_Line::say(const QString& sentence) {
+    setText(sentence);
+    setToolTip(sentence.toHtmlEscaped());
+}
+
+void Status_Line::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    const QRect place = contentsRect().adjusted(indent(), 0, -indent(), 0);
+    const QString shown = fontMetrics().elidedText(text(), Qt::ElideRight, place.width());
+    style()->drawItemText(&painter, place, Qt::AlignVCenter | Qt::AlignLeft, palette(), isEnabled(),
+                          shown, foregroundRole());
+}
+
+} // namespace ui_main

@@ -1,0 +1,186 @@
+#include "ui/main/texts.h"
+
+#include "app/mod_fileverwaltung.h"
+
+#include <QHash>
+
+namespace ui_main {
+namespace {
+
+struct Entry {
+    Text which;
+    const char16_t* german;
+};
+
+constexpr Entry table[] = {
+    {Text::frame_sets, u"Sets"},
+    {Text::frame_cvs, u"CVs"},
+    {Text::frame_scripts, u"Scripte"},
+    {Text::frame_reset, u"Reset-CV"},
+    {Text::frame_decoder, u"Decoder"},
+    {Text::cv8, u"CV8"},
+    {Text::cv265, u"CV265"},
+    {Text::qr, u"QR"},
+    {Text::qd, u"QD"},
+    {Text::cv_number, u"CV-Nr"},
+    {Text::cv_value, u"Wert"},
+    {Text::cv_page_hi, u"CV31:"},
+    {Text::cv_page_lo, u"CV32:"},
+    {Text::cv_count, u"Anzahl CVs im Set:"},
+    {Text::list_of_sets, u"CV-Sets"},
+    {Text::list_of_cvs, u"CVs des Sets"},
+    {Text::list_of_scripts, u"Scripte des Sets"},
+    {Text::script_name, u"Name"},
+    {Text::script_lines, u"Zeilen"},
+    {Text::script_add, u"Hinzufügen"},
+    {Text::script_import, u"Importieren"},
+    {Text::script_export, u"Exportieren"},
+    {Text::title_open, u"CV-Sets Datenbank: %1"},
+    {Text::title_closed, u"CV-Sets (keine Datenbank geöffnet)"},
+    {Text::attention, u"Achtung"},
+    {Text::information, u"Information"},
+    {Text::database_filter, u"Datenbank (*.mdb)"},
+    {Text::project_filter, u"VQX Datei (*.vqx)"},
+    {Text::ask_overwrite_database, u"Datenbank vorhanden! Überschreiben?"},
+    {Text::ask_overwrite_file, u"Datei vorhanden! Überschreiben?"},
+    {Text::ask_delete_set, u"CV-Set löschen?"},
+    {Text::new_set, u"Neues CV-Set"},
+    {Text::rename_set, u"CV-Set umbenennen"},
+    {Text::new_set_name, u"Neuer Set-Name:"},
+    {Text::set_number, u"Set-Nummer:"},
+    {Text::ok, u"OK"},
+    {Text::cancel, u"Cancel"},
+    {Text::name_cut, u"Der Name wurde auf %1 Zeichen gekürzt."},
+    {Text::number_too_high, u"Die Set-Nummer geht bis %1."},
+
+    {Text::opened, u"„%1“ geöffnet, CV-Sets: %2."},
+    {Text::recovered, u"Eine unterbrochene Änderung wurde zurückgenommen."},
+    {Text::journal_set_aside, u"Ein fremdes Änderungsprotokoll liegt jetzt unter „%1“."},
+    {Text::ldb_beside, u"Vielleicht hat auch ein anderes Programm die Datei offen (.ldb)."},
+    {Text::sets_in_no_view, u"Sets mit anderer Reset-CV als 8 und 265, nicht gezeigt: %1."},
+    {Text::sets_completed, u"Nur in der Anzeige ergänzte Nummern oder Reset-CVs: %1."},
+    {Text::script_states_left_out, u"Script-Zeilen außerhalb 0 bis 255, nicht geladen: %1."},
+    {Text::write_protected, u"schreibgeschützt"},
+    {Text::blocked_write_protected, u"Datei oder Ordner erlauben kein Schreiben."},
+    {Text::blocked_jet3, u"Das Format von Access 97 wird nur gelesen."},
+    {Text::blocked_damaged, u"Die Datei ist beschädigt; bitte eine Sicherung benutzen."},
+    {Text::blocked_foreign_index, u"Eine Tabelle hat einen Index, den wir nicht pflegen können."},
+    {Text::blocked_replaced, u"Die Datei wurde von außen ersetzt; bitte neu öffnen."},
+
+    {Text::no_set_selected, u"Es ist kein CV-Set gewählt."},
+    {Text::set_added, u"CV-Set „%1“ hinzugefügt."},
+    {Text::set_renamed, u"CV-Set „%1“ umbenannt."},
+    {Text::set_deleted, u"CV-Set „%1“ gelöscht."},
+    {Text::name_empty, u"Ohne Namen wurde nichts geändert."},
+    {Text::cv_stored, u"CV %1 = %2 gespeichert."},
+    {Text::cv_number_beyond, u"Nichts gespeichert: CV-Nummern gehen von 1 bis 1024."},
+    {Text::cv_value_beyond, u"Nichts gespeichert: CV-Werte gehen von 0 bis 255."},
+    {Text::number_beyond, u"Nichts gespeichert: Zahlen über 32767 gibt es hier nicht."},
+    {Text::page_beyond, u"Nichts gespeichert: CV31 und CV32 gehen von 0 bis 255."},
+    {Text::cvs_deleted, u"Gelöschte CVs: %1."},
+    {Text::no_cv_selected, u"Es ist keine CV gewählt."},
+    {Text::not_a_database_name, u"„%1“ ist keine Datenbank (.mdb)."},
+
+    {Text::template_missing,
+     u"Die leere Datenbank „%1“ fehlt; bitte das Programm neu installieren."},
+    {Text::database_not_made, u"„%1“ konnte nicht angelegt werden: %2"},
+    {Text::reason_denied, u"In diesem Ordner darf nicht geschrieben werden."},
+    {Text::reason_full, u"Der Datenträger ist voll."},
+    {Text::reason_other, u"Der Ordner ist nicht benutzbar."},
+
+    {Text::project_written, u"„%1“ gespeichert: CV-Sets %2, davon mit Scripten %3."},
+    {Text::project_left_out_cvs, u"Nicht darstellbare CVs, weggelassen: %1."},
+    {Text::project_left_out_scripts, u"Scripte ohne Set, weggelassen: %1."},
+    {Text::project_equal_keys, u"Gleiche Reset-CV und Nummer: %1."},
+    {Text::project_equal_scripts, u"Gleiche Nummer bei Sets mit Scripten: %1."},
+    {Text::project_failed, u"„%1“ konnte nicht gespeichert werden: %2"},
+    {Text::project_refused, u"Es wurde keine Datei geschrieben."},
+};
+
+struct Trouble_Entry {
+    store::Failure kind;
+    const char16_t* german; ///< %1 file or other subject
+};
+
+constexpr Trouble_Entry troubles[] = {
+    {store::Failure::not_open, u"Es ist keine Datenbank geöffnet."},
+    {store::Failure::no_set, u"Es ist kein CV-Set gewählt."},
+    {store::Failure::not_found, u"„%1“ ist nicht (mehr) vorhanden."},
+    {store::Failure::denied, u"„%1“ darf nicht gelesen werden: Die Rechte fehlen."},
+    {store::Failure::not_a_database, u"„%1“ ist keine Datenbank."},
+    {store::Failure::unsupported,
+     u"„%1“ kann nicht geöffnet werden: Kennwort, Verschlüsselung oder anderes Format."},
+    {store::Failure::damaged, u"„%1“ ist beschädigt und bleibt unverändert; "
+                              u"bitte eine Sicherung benutzen."},
+    {store::Failure::read_only, u"„%1“ ist schreibgeschützt; es wurde nichts geändert."},
+    {store::Failure::locked_elsewhere,
+     u"„%1“ wird gerade von einem anderen Programm benutzt; bitte noch einmal versuchen."},
+    {store::Failure::replaced, u"„%1“ wurde von außen ersetzt und ist geschlossen; "
+                               u"bitte neu öffnen."},
+    {store::Failure::disk_full, u"Der Datenträger von „%1“ ist voll; es wurde nichts geändert."},
+    {store::Failure::device, u"Der Datenträger von „%1“ meldet einen Fehler; "
+                             u"es wurde nichts geändert."},
+    {store::Failure::refused, u"Die Datenbank nimmt diese Angaben nicht an („%1“)."},
+};
+
+} // namespace
+
+QString text(Text which) {
+    static const QHash<int, QString> texts = [] {
+        QHash<int, QString> made;
+        for (const Entry& entry : table) {
+            made[static_cast<int>(entry.which)] = QString::fromUtf16(entry.german);
+        }
+        return made;
+    }();
+    return texts.value(static_cast<int>(which));
+}
+
+QString sentence(const store::Trouble& trouble) {
+    for (const Trouble_Entry& entry : troubles) {
+        if (entry.kind != trouble.kind) continue;
+        const QString form = QString::fromUtf16(entry.german);
+        return form.contains(u"%1") ? form.arg(app::FileOf(trouble.subject)) : form;
+    }
+    return trouble.detail;
+}
+
+QString reason(files::Failure failure) {
+    switch (failure) {
+    case files::Failure::denied:
+    case files::Failure::read_only:
+        return text(Text::reason_denied);
+    case files::Failure::disk_full:
+        return text(Text::reason_full);
+    default:
+        return text(Text::reason_other);
+    }
+}
+
+QString reason(store::Blocked blocked) {
+    switch (blocked) {
+    case store::Blocked::no:
+        return {};
+    case store::Blocked::write_protected:
+        return text(Text::blocked_write_protected);
+    case store::Blocked::jet3:
+        return text(Text::blocked_jet3);
+    case store::Blocked::damaged:
+        return text(Text::blocked_damaged);
+    case store::Blocked::foreign_index:
+        return text(Text::blocked_foreign_index);
+    case store::Blocked::replaced:
+        return text(Text::blocked_replaced);
+    }
+    return {};
+}
+
+QString sentence(const files::Error& error, const QString& database, const QString& template_path) {
+    const QString subject = QString::fromStdString(error.subject);
+    if (error.kind == files::Failure::not_found && subject == template_path) {
+        return text(Text::template_missing).arg(app::FileOf(template_path));
+    }
+    return text(Text::database_not_made).arg(database, reason(error.kind));
+}
+
+} // namespace ui_main
