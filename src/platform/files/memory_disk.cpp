@@ -144,9 +144,22 @@ std::vector<std::string> Memory_Disk::files_in(const std::string& folder) {
 
 Memory_Disk::Bytes Memory_Disk::bytes(const std::string& path) const { return node(path)->bytes; }
 
-void Memory_Disk::set_bytes(const std::string& path, Bytes content) {
-    const auto file = open(path, Access::create_or_empty);
-    file->write_at(0, content);
+void Memory_Disk::set_bytes(const std::string& path, const Bytes& content) {
+    open(path, Access::create_or_empty)->write_at(0, content);
+}
+
+void Memory_Disk::restore(const std::string& path, const Bytes& content, Identity identity) {
+    files_[path] = std::make_shared<Node>();
+    files_[path]->inode = identity.inode;
+    files_[path]->bytes = content;
+    last_inode_ = std::max(last_inode_, identity.inode);
+}
+
+Memory_Disk Memory_Disk::copy() const {
+    Memory_Disk result;
+    result.folders_ = folders_;
+    for (const auto& [path, file] : files_) result.restore(path, file->bytes, {1, file->inode});
+    return result;
 }
 
 void Memory_Disk::protect(const std::string& path) { node(path)->write_protected = true; }

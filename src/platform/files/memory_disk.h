@@ -15,6 +15,12 @@ class Memory_Disk : public Disk {
 public:
     using Bytes = std::vector<std::byte>;
 
+    Memory_Disk() = default;
+    Memory_Disk(Memory_Disk&&) = default;
+    Memory_Disk& operator=(Memory_Disk&&) = default;
+    /// A disk of its own with the same files and identities.
+    Memory_Disk copy() const;
+
     std::unique_ptr<File> open(const std::string& path, Access access) override;
     std::optional<Identity> identity(const std::string& path) override;
     bool folder_exists(const std::string& path) override;
@@ -26,8 +32,10 @@ public:
 
     /// The whole content; throws Error (not_found).
     Bytes bytes(const std::string& path) const;
-    /// Puts a file there at once, the same file with new content when the name is taken.
-    void set_bytes(const std::string& path, Bytes content);
+    /// Puts a file there, the same file with new content when the name is taken.
+    void set_bytes(const std::string& path, const Bytes& content);
+    /// Puts a new file of this identity there.
+    void restore(const std::string& path, const Bytes& content, Identity identity);
     /// Opening it for writing is refused with `denied` from now on.
     void protect(const std::string& path);
     /// Making, removing and renaming in the folder is refused with `denied` from now on.

@@ -1,17 +1,17 @@
 #pragma once
 
+#include "platform/jet/journal_recovery.h"
 #include "platform/jet/pager_cache.h"
-
-#include <map>
 
 namespace jet {
 
-/// A page of an operation: as it was in the file (null for an appended one) and as it becomes.
-struct Changed_Page {
-    Page before;
-    std::shared_ptr<Page_Bytes> after;
+/// What must be unchanged for pages to stay in the cache from one operation to the next.
+struct Cache_Mark {
+    std::uint64_t salt = 0;
+    std::uint64_t counter = 0;
+    std::uint64_t stamp = 0;
+    bool operator==(const Cache_Mark&) const = default;
 };
-using Changed_Pages = std::map<Page_Number, Changed_Page>;
 
 /// The pager over a file of a disk.
 class File_Pager final : public Pager {
@@ -38,13 +38,28 @@ public:
 private:
     void open_file(Open_Mode mode);
     void read_header();
+    void prepare();
+    void make_journal();
     void take(files::Lock wanted);
     void release() noexcept;
+    bool still_named() {
+        return disk_.identity(path_) == identity_ && disk_.identity(real_path_) == identity_;
+    }
     void check_still_named();
-    void notice_size();
+    void check_may_write() const;
+    bool must_settle() const;
+    void enter_reading();
+    void enter_writing();
+    void settle();
+    void set_aside();
+    void show_settled();
+    void notice_state();
+    std::optional<Cache_Mark> mark_now();
     void store();
     void drop_unchanged();
+    void write_journal();
     void write_pages();
+    void put_back() noexcept;
     void keep_written();
     void forget_changes() noexcept;
     void check_number(Page_Number number) const;
@@ -52,8 +67,12 @@ private:
 
     files::Disk& disk_;
     std::string path_;
+    std::string real_path_; ///< links resolved
     std::chrono::milliseconds patience_;
     std::unique_ptr<files::File> file_;
+    files::Identity identity_;
+    bool file_writable_ = false;
+    Journal journal_;
     std::size_t page_size_ = 0;
     Page_Number page_count_ = 0; ///< with the appended ones
     Page_Number count_in_file_ = 0;
@@ -61,7 +80,9 @@ private:
     int write_depth_ = 0;
     bool doomed_ = false; ///< rolled back at an inner level
     Page_Cache cache_{4096};
+    std::optional<Cache_Mark> cached_at_;
     Changed_Pages changed_;
+    std::optional<Journal_Finding> shown_; ///< what a file that we may not write is to look like
     Pager_Report report_;
 };
 

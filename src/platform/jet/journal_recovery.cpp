@@ -1,0 +1,145 @@
+#include "platform/jet/journal_recovery.h"
+
+namespace jet {
+namespace {
+
+using Verdict = Journal_Finding::Verdict;
+
+Page_Bytes read_whole(files::File& file, std::uint64_t offset, std::size_t count) {
+    Page_Bytes bytes(count);
+    bytes.resize(file.read_at(offset, bytes));
+    return bytes;
+}
+
+class Examination {
+public:
+    Examination(Journal& journal, files::File& database, std::size_t page_size)
+        : journal_(journal.file()), head_(journal.head()), database_(database),
+          page_size_(page_size), size_now_(database.size()) {}
+
+    Journal_Finding result() {
+        const bool known = head_.database.inode == database_.identity().inode;
+        Journal_Finding finding = judged();
+        // Copied together with its database, or on a medium that numbers its files anew when it is
+        // attached, a journal names another file and is still needed: the pages prove it. Where
+        // they leave nothing to do, it may be the one that another file is waiting for, and is
+        // kept.
+        if (!known && finding.verdict == Verdict::settled) finding.verdict = Verdict::foreign;
+        return finding;
+    }
+
+private:
+    Journal_Finding judged();
+    bool fits() const;
+    bool read_table();
+    bool page_0_fits();
+    void compare_pages();
+    void compare_page(const Journal_Entry& entry);
+    bool collect_old_pages(Journal_Finding& finding);
+    bool explained(const Journal_Entry& entry, const Page_Bytes& before);
+    bool appended(const Journal_Entry& entry) const {
+        return std::uint64_t{entry.number} * page_size_ >= head_.size_before;
+    }
+    Page_Bytes page_now(Page_Number number) {
+        return read_whole(database_, std::uint64_t{number} * page_size_, page_size_);
+    }
+
+    files::File& journal_;
+    const Journal_Head& head_;
+    files::File& database_;
+    std::size_t page_size_;
+    std::uint64_t size_now_;
+    std::vector<Journal_Entry> table_;
+    bool all_old_ = true;
+    bool all_new_ = true;
+};
+
+bool Examination::fits() const {
+    return head_.page_size == page_size_ && head_.size_before <= size_now_ &&
+           size_now_ <= head_.size_after;
+}
+
+bool Examination::read_table() {
+    const std::uint64_t length = std::uint64_t{head_.entries} * journal_entry_size(page_size_);
+    if (length > journal_.size()) return false;
+    const Page_Bytes bytes = read_whole(journal_, journal_sector, length);
+    if (bytes.size() != length || journal_checksum(bytes) != head_.table) return false;
+    table_ = decode_table(bytes, page_size_);
+    return true;
+}
+
+bool Examination::page_0_fits() {
+    const bool changed = !table_.empty() && table_.front().number == 0;
+    return changed || journal_checksum(page_now(0)) == head_.page_0;
+}
+
+void Examination::compare_page(const Journal_Entry& entry) {
+    const Page_Bytes now = page_now(entry.number);
+    const bool whole = now.size() == page_size_;
+    all_new_ = all_new_ && whole && sector_checksums(now) == entry.after;
+    all_old_ = all_old_ && (appended(entry) ? now.empty() : journal_checksum(now) == entry.before);
+}
+
+void Examination::compare_pages() {
+    for (const Journal_Entry& entry : table_) compare_page(entry);
+    all_new_ = all_new_ && size_now_ == head_.size_after;
+    all_old_ = all_old_ && size_now_ == head_.size_before;
+}
+
+bool Examination::explained(const Journal_Entry& entry, const Page_Bytes& before) {
+    const auto now = sector_checksums(page_now(entry.number));
+    const auto old = sector_checksums(before);
+    for (std::size_t i = 0; i < now.size(); ++i)
+        if (now[i] != old[i] && now[i] != entry.after[i]) return false;
+    return true;
+}
+
+bool Examination::collect_old_pages(Journal_Finding& finding) {
+    std::uint64_t offset = journal_pages_at(table_.size(), page_size_);
+    for (const Journal_Entry& entry : table_) {
+        if (appended(entry)) continue;
+        auto before = std::make_shared<Page_Bytes>(read_whole(journal_, offset, page_size_));
+        if (journal_checksum(*before) != entry.before || !explained(entry, *before)) return false;
+        finding.pages[entry.number] = before;
+        offset += page_size_;
+    }
+    return true;
+}
+
+Journal_Finding Examination::judged() {
+    Journal_Finding finding;
+    finding.size = head_.size_before;
+    finding.verdict = Verdict::foreign; // J6
+    if (!fits()) return finding;
+    if (!read_table()) { // J4
+        // The size after: the next operation was overwriting the table of a complete one whose
+        // emptying was lost with the power.
+        if (size_now_ == head_.size_before || size_now_ == head_.size_after)
+            finding.verdict = Verdict::settled;
+        return finding;
+    }
+    if (!page_0_fits()) return finding;
+    compare_pages();
+    const bool may_stay = head_.state != Journal_State::take_back; // J7
+    if (may_stay && (all_old_ || all_new_))                        // J3
+        finding.verdict = Verdict::settled;
+    else if (collect_old_pages(finding)) // J6
+        finding.verdict = Verdict::take_back;
+    return finding;
+}
+
+} // namespace
+
+Journal_Finding examine(Journal& journal, files::File& database, std::size_t page_size) {
+    if (journal.state() == Journal::State::unreadable) return {Verdict::foreign, {}, 0};
+    return Examination(journal, database, page_size).result();
+}
+
+void take_back(const Journal_Finding& finding, files::File& database, std::size_t page_size) {
+    for (const auto& [number, page] : finding.pages)
+        database.write_at(std::uint64_t{number} * page_size, *page);
+    if (database.size() > finding.size) database.resize(finding.size);
+    database.sync(); // J2
+}
+
+} // namespace jet
