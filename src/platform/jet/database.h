@@ -2,6 +2,7 @@
 
 #include "platform/files/disk.h"
 #include "platform/jet/error.h"
+#include "platform/jet/pager.h"
 #include "platform/jet/schema.h"
 #include "platform/jet/value.h"
 
@@ -24,7 +25,7 @@ struct Report;
 }
 class Engine; // what stands behind this face
 
-enum class Mode { read_only, read_write };
+using Mode = Open_Mode;
 
 /// The place of a row in the file. Holds as long as the row exists and no other copy of the program
 /// changes the file; keys hold longer.

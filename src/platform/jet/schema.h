@@ -15,8 +15,9 @@ struct Column {
     Column_Type type = Column_Type::long_integer;
     /// Text: largest number of characters (1..255). Binary: of bytes (1..510). Others: 0.
     std::size_t length = 0;
-    bool auto_number = false; ///< Long only; filled by the database on insert
-    bool required = false;    ///< null is refused
+    bool auto_number =
+        false;             ///< Long (or GUID, in files of others); filled by the database on insert
+    bool required = false; ///< null is refused
     /// Text and Memo: an empty text may be stored; where false it becomes null.
     bool allow_zero_length = false;
     /// The expression as stored, e.g. `0` or `"new"`; empty: none.

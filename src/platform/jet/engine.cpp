@@ -1,0 +1,262 @@
+#include "platform/jet/engine.h"
+
+#include "platform/jet/check/check.h"
+#include "platform/jet/text.h"
+
+#include <algorithm>
+#include <ctime>
+
+namespace jet {
+namespace {
+
+Blocked blocked_by(Failure refusal) {
+    if (refusal == Failure::unsupported) return Blocked::jet3;
+    return refusal == Failure::replaced ? Blocked::replaced : Blocked::write_protected;
+}
+
+std::string first_fault(const check::Report& report) {
+    for (const auto& finding : report.findings)
+        if (finding.grade == check::Finding::Grade::fault) return finding.sentence;
+    return "the file cannot be read as a whole";
+}
+
+constexpr double days_from_1899_to_1970 = 25569;
+constexpr double seconds_of_a_day = 86400;
+
+} // namespace
+
+Engine::Engine(files::Disk& disk, std::string path, std::unique_ptr<Pager> pager, bool fresh)
+    : disk_(disk), path_(std::move(path)), pager_(std::move(pager)), checked_(fresh) {
+    const Reading reading(*this);
+    header_ = read_header(*pager_);
+    check_tables();
+}
+
+Engine::~Engine() {
+    while (writing()) rollback();
+}
+
+Status Engine::status() const {
+    const auto report = pager_->report();
+    Status status;
+    status.jet3 = layout().jet3;
+    status.recovered = report.recovery != Pager_Report::Recovery::none;
+    status.set_aside = report.set_aside;
+    if (blocked_ != Blocked::no) {
+        status.blocked = blocked_;
+        status.detail = blocked_detail_;
+    } else if (report.refusal) {
+        status.blocked = blocked_by(report.refusal->kind);
+        status.detail = report.refusal->detail;
+    }
+    return status;
+}
+
+/// The definitions of all user tables are read once: one that is broken makes the file read-only,
+/// the other tables are shown all the same.
+void Engine::check_tables() {
+    for (const auto& object : objects()) {
+        if (!object.table() || object.system()) continue;
+        try {
+            table(object.page());
+        } catch (const Error& error) {
+            if (error.kind != Failure::damaged) throw;
+            note_damage(error);
+        }
+    }
+}
+
+void Engine::note_damage(const Error& error) noexcept {
+    if (blocked_ != Blocked::no) return;
+    blocked_ = Blocked::damaged;
+    blocked_detail_ = error.what();
+}
+
+void Engine::begin_read() {
+    const bool outermost = read_depth_ + write_depth_ == 0;
+    if (read_depth_ == 0) pager_->begin_read();
+    ++read_depth_;
+    if (outermost) refresh();
+}
+
+void Engine::end_read() noexcept {
+    if (--read_depth_ == 0) pager_->end_read();
+}
+
+void Engine::refresh() {
+    if (pager_->generation() == generation_) return;
+    generation_ = pager_->generation();
+    ++changes_;
+    forget();
+}
+
+void Engine::ensure_writable() const {
+    const auto now = status();
+    if (now.blocked != Blocked::no) throw Error(Failure::read_only, path_, now.detail);
+}
+
+/// Runs with the exclusive lock, so nobody changes the file meanwhile.
+void Engine::check_once() {
+    if (checked_) return;
+    const auto report = check();
+    if (!report.readable || !report.sound()) {
+        const Error error(Failure::damaged, path_, first_fault(report));
+        note_damage(error);
+        throw error;
+    }
+    checked_ = true;
+}
+
+void Engine::begin_write() {
+    if (write_depth_ > 0) {
+        if (unfit_) throw *unfit_;
+        ++write_depth_;
+        return;
+    }
+    ensure_writable();
+    pager_->begin_write();
+    try {
+        if (read_depth_ == 0) refresh();
+        check_once();
+    } catch (...) {
+        pager_->rollback();
+        throw;
+    }
+    ++changes_;
+    write_depth_ = 1;
+}
+
+void Engine::commit() {
+    if (write_depth_ > 1) {
+        --write_depth_;
+        return;
+    }
+    if (const auto reason = unfit_) {
+        rollback();
+        throw *reason;
+    }
+    write_depth_ = 0;
+    try {
+        pager_->commit();
+    } catch (...) {
+        ++changes_;
+        forget();
+        throw;
+    }
+    generation_ = pager_->generation();
+}
+
+void Engine::rollback() noexcept {
+    if (--write_depth_ > 0) return;
+    pager_->rollback();
+    unfit_.reset();
+    ++changes_;
+    forget();
+}
+
+/// What was refused for its data was refused before anything was changed; after any other failure
+/// pages may have been changed in part.
+void Engine::end_refused(const Error& error) noexcept {
+    const bool harmless = error.kind == Failure::refused || error.kind == Failure::not_found ||
+                          error.kind == Failure::read_only;
+    if (!harmless) unfit_ = error;
+    if (error.kind == Failure::damaged) note_damage(error);
+    rollback();
+}
+
+void Engine::forget() {
+    objects_known_ = false;
+    for (auto& [id, state] : tables_) state.definition.reset();
+}
+
+void Engine::forget_table(Page_Number id) {
+    const auto found = tables_.find(id);
+    if (found != tables_.end()) found->second.definition.reset();
+    if (id == objects_page) objects_known_ = false;
+}
+
+const std::vector<Object>& Engine::objects() {
+    if (objects_known_) return objects_;
+    const Reading reading(*this);
+    if (!objects_known_) load_objects();
+    return objects_;
+}
+
+void Engine::load_objects() {
+    objects_definition_ =
+        std::make_shared<const Definition>(read_definition(*pager_, layout(), objects_page));
+    objects_ = read_objects(*pager_, *objects_definition_);
+    std::erase_if(tables_, [&](const auto& entry) {
+        return std::none_of(objects_.begin(), objects_.end(), [&](const Object& object) {
+            return object.table() && object.page() == entry.first;
+        });
+    });
+    for (const auto& object : objects_)
+        if (object.table()) tables_[object.page()].object = object;
+    objects_known_ = true;
+}
+
+const Object* Engine::object(std::u16string_view name, std::int32_t parent) {
+    for (const auto& object : objects())
+        if (object.parent == parent && same_name(object.name, name)) return &object;
+    return nullptr;
+}
+
+const Table_State& Engine::table(Page_Number id) {
+    const Reading reading(*this);
+    objects();
+    const auto found = tables_.find(id);
+    if (found == tables_.end())
+        throw Error(Failure::not_found, path_, "the table is no longer there");
+    if (!found->second.definition) load(found->second);
+    return found->second;
+}
+
+const Table_State& Engine::system_table(std::u16string_view name) {
+    const auto* found = object(name, object_ids::tables);
+    if (found == nullptr || !found->table())
+        throw damaged(objects_page, "the catalogue lacks " + to_utf8(name));
+    return table(found->page());
+}
+
+void Engine::load(Table_State& state) {
+    auto definition = read_definition(*pager_, layout(), state.object.page());
+    const auto properties = read_properties(*pager_, *objects_definition_, state.object.row);
+    state.columns = described_columns(definition, properties);
+    state.indexes = described_indexes(definition);
+    state.shapes.clear();
+    for (const auto& real : definition.reals) state.shapes.push_back(key_shape(definition, real));
+    state.computable = std::all_of(state.shapes.begin(), state.shapes.end(),
+                                   [](const Key_Shape& shape) { return can_compute(shape); });
+    state.definition = std::make_shared<const Definition>(std::move(definition));
+}
+
+std::vector<Relation> Engine::relations() {
+    const Reading reading(*this);
+    if (object(u"MSysRelationships", object_ids::tables) == nullptr) return {};
+    return read_relations(*pager_, *system_table(u"MSysRelationships").definition);
+}
+
+std::uint64_t Engine::change_count() {
+    const Reading reading(*this);
+    return changes_;
+}
+
+check::Report Engine::check() {
+    try {
+        const Reading reading(*this);
+        return check::check(*disk_.open(path_, files::Access::read));
+    } catch (const files::Error& error) {
+        throw Error(Failure::device, error.subject, error.what());
+    }
+}
+
+double Engine::now() const {
+    if (date_) return *date_;
+    const std::time_t clock = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&clock, &local);
+    return days_from_1899_to_1970 + static_cast<double>(clock + local.tm_gmtoff) / seconds_of_a_day;
+}
+
+} // namespace jet

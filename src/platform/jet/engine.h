@@ -1,0 +1,140 @@
+#pragma once
+
+#include "platform/jet/catalogue.h"
+#include "platform/jet/database.h"
+#include "platform/jet/header.h"
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace jet {
+
+/// A table as far as it is known; taken apart when it is first needed.
+struct Table_State {
+    Object object;
+    std::shared_ptr<const Definition> definition; ///< nothing: not read yet
+    std::vector<Column> columns;
+    std::vector<Index> indexes;
+    std::vector<Key_Shape> shapes; ///< one per real index
+    bool computable = true;        ///< we know the keys of all its indexes
+};
+
+/// What stands behind Database: the pager, what is known of catalogue and tables, and the state of
+/// reading and writing. What is known is forgotten when another copy has changed the file.
+class Engine {
+public:
+    Engine(files::Disk& disk, std::string path, std::unique_ptr<Pager> pager, bool fresh);
+    Engine(const Engine&) = delete;
+    Engine& operator=(const Engine&) = delete;
+    ~Engine();
+
+    Pager& pager() { return *pager_; }
+    const Layout& layout() const { return *header_.layout; }
+    const std::string& path() const { return path_; }
+    Status status() const;
+
+    /// Reading and writing nest; only the outermost acts on the file.
+    void begin_read();
+    void end_read() noexcept;
+    void begin_write();
+    /// Throws when a failure has left the transaction unfit; it is rolled back then.
+    void commit();
+    void rollback() noexcept;
+    bool writing() const { return write_depth_ > 0; }
+
+    /// Runs one statement in a transaction of its own, or in the open one. A statement refuses
+    /// before it changes anything; after any other failure the transaction can only be rolled back.
+    template <typename Statement>
+    void change(Statement statement) {
+        begin_write();
+        try {
+            statement();
+        } catch (const Error& error) {
+            end_refused(error);
+            throw;
+        } catch (const std::exception& error) {
+            end_refused(Error(Failure::device, path_, error.what()));
+            throw;
+        }
+        commit();
+    }
+    /// Runs something that reads; damage that it meets makes the file read-only for the run.
+    template <typename Look>
+    auto watch(Look look) {
+        try {
+            return look();
+        } catch (const Error& error) {
+            if (error.kind == Failure::damaged) note_damage(error);
+            throw;
+        }
+    }
+
+    const std::vector<Object>& objects();
+    const Object* object(std::u16string_view name, std::int32_t parent);
+    /// Throws not_found when there is no such table (any more), damaged.
+    const Table_State& table(Page_Number id);
+    const Table_State& system_table(std::u16string_view name);
+    std::vector<Relation> relations();
+
+    /// What was known of tables and catalogue no longer holds.
+    void forget();
+    void forget_table(Page_Number id);
+
+    std::uint64_t changes() const { return changes_; }
+    std::uint64_t change_count();
+    check::Report check();
+
+    /// The date for rows of the catalogue: the clock's, or the one that create() was given.
+    double now() const;
+    void set_date(std::optional<double> days) { date_ = days; }
+
+private:
+    void refresh();
+    void check_tables();
+    void ensure_writable() const;
+    void check_once();
+    void end_refused(const Error& error) noexcept;
+    void note_damage(const Error& error) noexcept;
+    void load_objects();
+    void load(Table_State& state);
+
+    files::Disk& disk_;
+    std::string path_;
+    std::unique_ptr<Pager> pager_;
+    Header header_;
+    bool checked_; ///< the file was made by us or has passed check()
+    Blocked blocked_ = Blocked::no;
+    std::string blocked_detail_;
+    int read_depth_ = 0;
+    int write_depth_ = 0;
+    std::optional<Error> unfit_; ///< why the open transaction can only be rolled back
+    std::uint64_t changes_ = 0;
+    std::uint64_t generation_ = 0;
+    bool objects_known_ = false;
+    std::shared_ptr<const Definition> objects_definition_;
+    std::vector<Object> objects_;
+    std::map<Page_Number, Table_State> tables_;
+    std::optional<double> date_;
+};
+
+/// begin_read and end_read as one.
+class Reading {
+public:
+    explicit Reading(Engine& engine) : engine_(&engine) { engine.begin_read(); }
+    Reading(Reading&& other) noexcept : engine_(std::exchange(other.engine_, nullptr)) {}
+    Reading(const Reading&) = delete;
+    Reading& operator=(const Reading&) = delete;
+    Reading& operator=(Reading&&) = delete;
+    ~Reading() {
+        if (engine_ != nullptr) engine_->end_read();
+    }
+
+private:
+    Engine* engine_;
+};
+
+} // namespace jet

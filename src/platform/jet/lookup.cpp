@@ -1,0 +1,89 @@
+#include "platform/jet/lookup.h"
+
+#include "platform/jet/cell.h"
+#include "platform/jet/scan.h"
+
+#include <algorithm>
+#include <numeric>
+
+namespace jet {
+namespace {
+
+/// Orders rows by their values: null first, numbers by size, texts by their units.
+bool before(const std::vector<Value>& one, const std::vector<Value>& other) {
+    for (std::size_t i = 0; i < one.size(); ++i) {
+        if (one[i] == other[i]) continue;
+        if (one[i].index() != other[i].index()) return one[i].index() < other[i].index();
+        if (const auto* number = std::get_if<std::int32_t>(&one[i]))
+            return *number < std::get<std::int32_t>(other[i]);
+        if (const auto* number = std::get_if<double>(&one[i]))
+            return *number < std::get<double>(other[i]);
+        if (const auto* text = std::get_if<std::u16string>(&one[i]))
+            return *text < std::get<std::u16string>(other[i]);
+    }
+    return false;
+}
+
+/// For trees that cannot be walked: reads all keys and sorts them.
+std::vector<Row_Id> rows_sorted(Engine& engine, const Definition& definition,
+                                const Real_Index& index) {
+    std::vector<std::pair<std::vector<Value>, Row_Id>> keyed;
+    for_each_row(engine.pager(), definition, [&](Row_Source& source) {
+        std::vector<Value> values;
+        for (const auto& part : index.columns)
+            values.push_back(value_at(source, position_of(definition, part.column)));
+        keyed.emplace_back(std::move(values), source.id());
+    });
+    std::stable_sort(keyed.begin(), keyed.end(),
+                     [](const auto& a, const auto& b) { return before(a.first, b.first); });
+    std::vector<Row_Id> rows;
+    for (const auto& entry : keyed) rows.push_back(entry.second);
+    return rows;
+}
+
+} // namespace
+
+std::size_t position_of(const Definition& definition, std::uint16_t column_number) {
+    const auto* column = definition.by_number(column_number);
+    return static_cast<std::size_t>(column - definition.columns.data());
+}
+
+Value value_at(const Row_Source& source, std::size_t column) {
+    const auto& record = source.definition().columns.at(column);
+    if (record.boolean()) return source.row().has(record);
+    if (!source.row().has(record)) return Null{};
+    return decode_cell(source.pager(), *source.definition().layout, record,
+                       source.row().cell(record));
+}
+
+std::optional<std::vector<Row_Id>> rows_in_key_order(Engine& engine, const Table_State& table) {
+    const auto& definition = *table.definition;
+    const auto* primary = definition.primary_key();
+    if (primary == nullptr) return std::nullopt;
+    return rows_sorted(engine, definition, definition.reals[primary->real]);
+}
+
+std::optional<Access_Path> access_path(const Table_State& table,
+                                       std::span<const std::size_t> columns) {
+    const auto& definition = *table.definition;
+    std::optional<Access_Path> best;
+    for (std::size_t real = 0; real < definition.reals.size(); ++real) {
+        if (definition.layout->jet3 || !can_compute(table.shapes[real])) continue;
+        Access_Path path{real, {}};
+        for (const auto& part : definition.reals[real].columns) {
+            const auto position = position_of(definition, part.column);
+            if (std::find(columns.begin(), columns.end(), position) == columns.end()) break;
+            path.columns.push_back(position);
+        }
+        if (definition.reals[real].ignores_nulls() || path.columns.empty()) continue;
+        if (!best || path.columns.size() > best->columns.size()) best = std::move(path);
+    }
+    return best;
+}
+
+std::vector<Row_Id> rows_with_key(Engine&, const Table_State&, std::size_t,
+                                  std::span<const Value>) {
+    return {};
+}
+
+} // namespace jet
