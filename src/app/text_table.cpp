@@ -61,13 +61,16 @@ constexpr Row rows[] = {
     {536, {u"Timer-Wert", u"Timer value", u"Timer valeur"}},
 };
 
+std::size_t place(int number, std::size_t language) {
+    return language * Text_Table::texts_per_language + static_cast<std::size_t>(number);
+}
+
 } // namespace
 
 void Text_Table::fill() {
     for (const auto& row : rows) {
         for (std::size_t language = 0; language < languages; ++language) {
-            const auto entry = language * texts_per_language + static_cast<std::size_t>(row.number);
-            texts_[entry] = QString::fromUtf16(row.texts[language]);
+            texts_[place(row.number, language)] = QString::fromUtf16(row.texts[language]);
         }
     }
 }
@@ -77,7 +80,7 @@ QString Text_Table::text(int number) const { return text(number, globals.Languag
 QString Text_Table::text(int number, int language) const {
     if (number < 0 || number >= texts_per_language || language < 0 || language >= languages)
         return {};
-    return texts_[static_cast<std::size_t>(language * texts_per_language + number)];
+    return texts_[place(number, static_cast<std::size_t>(language))];
 }
 
 } // namespace app

@@ -21,7 +21,8 @@ public:
     QString text(int number, int language) const;
 
 private:
-    std::array<QString, languages * texts_per_language> texts_; ///< k of language L at L * 541 + k
+    std::array<QString, std::size_t{languages} * texts_per_language>
+        texts_; ///< k of language L at L * 541 + k
 };
 
 inline Text_Table TextTable; ///< filled by the main window before anything else

@@ -48,7 +48,9 @@ struct Equal_Keys {
 struct Report {
     bool written = false;
     std::vector<Refusal> refusals; ///< not empty: no file was written, an old one stands as it was
-    std::optional<files::Error> failure; ///< of disk or folder; an old file stands as it was
+    /// Of disk or folder. An old file stands as it was, or, when only the last sync of the folder
+    /// was refused, the new one stands whole.
+    std::optional<files::Error> failure;
     Left_Out_CVs left_out_cvs;
     std::int32_t left_out_scripts = 0; ///< of sets that are gone
     std::vector<Equal_Keys> equal_keys;
