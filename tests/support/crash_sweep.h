@@ -50,8 +50,9 @@ inline std::vector<Power_Loss> power_losses(std::size_t pending, unsigned seed, 
         add("lost only", Fate::kept, Fate::lost, Fate::kept);
         add("torn only", Fate::kept, Fate::torn, Fate::kept);
         add("kept only", Fate::lost, Fate::kept, Fate::lost);
+        add("torn, others lost", Fate::lost, Fate::torn, Fate::lost);
     }
-    for (unsigned i = 0; i < (thorough ? 20U : 3U); ++i) {
+    for (unsigned i = 0; i < (thorough ? 40U : 4U); ++i) {
         auto random = std::make_shared<std::mt19937>(seed * 1000 + i);
         losses.push_back({"random " + std::to_string(seed * 1000 + i),
                           [=](std::size_t) { return static_cast<Fate>((*random)() % 3); }});

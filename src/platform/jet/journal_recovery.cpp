@@ -33,7 +33,6 @@ private:
     bool fits() const;
     bool read_table();
     bool page_0_fits();
-    void compare_pages();
     void compare_page(const Journal_Entry& entry);
     bool collect_old_pages(Journal_Finding& finding);
     bool explained(const Journal_Entry& entry, const Page_Bytes& before);
@@ -80,12 +79,6 @@ void Examination::compare_page(const Journal_Entry& entry) {
     all_old_ = all_old_ && (appended(entry) ? now.empty() : journal_checksum(now) == entry.before);
 }
 
-void Examination::compare_pages() {
-    for (const Journal_Entry& entry : table_) compare_page(entry);
-    all_new_ = all_new_ && size_now_ == head_.size_after;
-    all_old_ = all_old_ && size_now_ == head_.size_before;
-}
-
 bool Examination::explained(const Journal_Entry& entry, const Page_Bytes& before) {
     const auto now = sector_checksums(page_now(entry.number));
     const auto old = sector_checksums(before);
@@ -119,7 +112,7 @@ Journal_Finding Examination::judged() {
         return finding;
     }
     if (!page_0_fits()) return finding;
-    compare_pages();
+    for (const Journal_Entry& entry : table_) compare_page(entry);
     const bool may_stay = head_.state != Journal_State::take_back; // J7
     if (may_stay && (all_old_ || all_new_))                        // J3
         finding.verdict = Verdict::settled;

@@ -89,6 +89,33 @@ TEST(Journal_Crash, a_crash_while_taking_back_does_no_harm) {
         });
 }
 
+/// What was seen after the program was killed and started again must still be there when the power
+/// goes then: killed programs leave their writes in memory, so finding them is no proof that they
+/// arrived.
+TEST(Journal_Crash, what_was_seen_after_a_restart_stays) {
+    Script script(7);
+    bool struck = true;
+    for (int nth = 1; struck; nth += support::long_tests() ? 1 : 3) {
+        SCOPED_TRACE(nth);
+        Memory_Disk before = disk_with(7);
+        files::Crash_Disk disk(before);
+        files::Faulty_Disk killing(disk);
+        killing.set_fault({{}, nth, files::Failure::device, true});
+        try {
+            script.run(killing);
+        } catch (const jet::Error&) {
+        }
+        struck = killing.struck();
+        const auto seen = content(*open_pager(disk, name, Open_Mode::read_write));
+        for (const auto& loss : support::power_losses(disk.pending(), 1, false)) {
+            SCOPED_TRACE(loss.name);
+            std::mt19937 torn(1);
+            Memory_Disk found = disk.after_power_loss(loss.fates, torn);
+            ASSERT_EQ(content(*open_pager(found, name, Open_Mode::read_write)), seen);
+        }
+    }
+}
+
 TEST(Journal_Crash, every_refused_call_leaves_the_state_before) {
     Script script(7);
     const Memory_Disk before = disk_with(7);
