@@ -9,10 +9,23 @@
 #include <QApplication>
 #include <QIcon>
 
+namespace {
+
+QIcon program_icon() {
+    QIcon icon;
+    for (const int size : {16, 32, 48, 128}) {
+        icon.addFile(QStringLiteral(":/icons/cv-sets-%1.png").arg(size), QSize(size, size));
+    }
+    return icon;
+}
+
+} // namespace
+
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("cv-sets"));
     QApplication::setDesktopFileName(QStringLiteral("cv-sets"));
+    QApplication::setWindowIcon(program_icon());
     ui_desktop::speak_german();
 
     ui_desktop::Qt_Desktop desktop;

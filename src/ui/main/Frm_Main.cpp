@@ -16,6 +16,11 @@
 #include <QStatusBar>
 
 namespace ui_main {
+namespace {
+
+constexpr int first_height = 720; ///< of a window that nobody has sized yet, in pixels
+
+} // namespace
 
 Frm_Main::Frm_Main(desktop::Desktop& desktop, files::Disk& disk, store::clsDBConn& database)
     : desktop_(desktop), disk_(disk), database_(database), form_(new Main_Form(this)),
@@ -34,6 +39,7 @@ Frm_Main::Frm_Main(desktop::Desktop& desktop, files::Disk& disk, store::clsDBCon
     wire();
     setFixedWidth(to_pixels(app::Twips{Main_Form::width_twips}));
     setMinimumHeight(to_pixels(app::Twips{Main_Form::least_height_twips}));
+    resize(width(), first_height);
     show_title();
 }
 

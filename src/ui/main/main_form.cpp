@@ -117,6 +117,9 @@ void Main_Form::build_cvs() {
     txt_cv_wert = field("txt_cv_wert", lab_cv_wert, cv_fields_);
     txt_cv_wert->select_on_click();
 
+    txt_cv_page[0]->set_number(0);
+    txt_cv_page[1]->set_number(1);
+
     auto* grid = new QGridLayout(cv_fields_);
     grid->setContentsMargins(0, 0, 0, 0);
     grid->setHorizontalSpacing(6);
@@ -127,7 +130,7 @@ void Main_Form::build_cvs() {
                                                                {lab_cv_wert, txt_cv_wert}}};
     for (int i = 0; i < 4; ++i) {
         const auto& [caption, box] = columns[static_cast<std::size_t>(i)];
-        grid->addWidget(caption, 0, i);
+        grid->addWidget(caption, 0, i, Qt::AlignBottom);
         grid->addWidget(box, 1, i);
         grid->setColumnStretch(i, 1);
     }
