@@ -50,10 +50,10 @@ private:
             return refuse(What::definition_page, page, "lies beyond the file");
         if (inspection_.ledger.owner(page) == owner || pages_.size() == most_pages)
             return refuse(What::definition_loop, page, "makes the chain go in a circle");
-        if (!inspection_.ledger.claim(page, owner)) return false;
         const Page held = inspection_.pages.page(page);
         if (held.bytes.u16(0) != (0x100 | page_type::definition))
             return refuse(What::definition_page, page, "is no definition page");
+        if (!inspection_.ledger.claim(page, owner)) return false;
         const Bytes part = pages_.empty() ? held.bytes : held.bytes.from(chain_head);
         joined_.insert(joined_.end(), part.span().begin(), part.span().end());
         pages_.push_back(page);

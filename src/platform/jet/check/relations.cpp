@@ -60,20 +60,19 @@ private:
                          words("The ", side.words(), " belongs to a relation with index ",
                                side.index.partner_number, " of table ",
                                quoted(other->definition.name), ", which does not name it back."));
-        if (side.index.side == Logical_Index::referencing)
-            check_pair(side, {*other, *partner});
-        else if (side.index.side != Logical_Index::referenced ||
-                 partner->side != Logical_Index::referencing)
-            fault(What::relation_side, page,
-                  words("The ", side.words(), " and its partner are not the two sides of a ",
-                        "relation."));
+        if (side.index.side + partner->side !=
+                Logical_Index::referenced + Logical_Index::referencing ||
+            side.index.side == 0 || partner->side == 0)
+            return fault(What::relation_side, page,
+                         words("The ", side.words(), " and its partner are not the two sides of ",
+                               "a relation."));
+        if (side.index.side == Logical_Index::referencing) check_pair(side, {*other, *partner});
     }
 
     void check_pair(const Side& foreign, const Side& primary) {
         const std::uint32_t page = foreign.table.definition.page;
         const std::string who =
             words("The ", foreign.words(), " and its partner, the ", primary.words());
-        if (primary.index.side != Logical_Index::referenced) return;
         if (foreign.index.cascade_update != primary.index.cascade_update ||
             foreign.index.cascade_delete != primary.index.cascade_delete)
             fault(What::relation_cascade, page, who + ", differ in what they cascade.");

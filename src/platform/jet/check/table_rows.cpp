@@ -31,6 +31,7 @@ std::vector<Tree_State> Table_Check::run(const Row_Visitor& visit) {
         check_row(row, place);
         if (visit) visit(*this, row, place);
     });
+    if (!rows_complete_) inspection_.all_seen = false;
     report_unreached();
     check_trees();
     check_counts();

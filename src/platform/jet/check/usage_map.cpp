@@ -29,7 +29,7 @@ public:
             return false;
         }
         for (std::size_t k = 0; references_at + 4 * k + 4 <= row.size(); ++k)
-            follow(row.u32(references_at + 4 * k), k);
+            if (!follow(row.u32(references_at + 4 * k), k)) return false;
         return true;
     }
 
@@ -37,25 +37,25 @@ public:
     std::uint32_t first_page() const { return first_page_; }
 
 private:
-    void follow(std::uint32_t page, std::size_t position) {
-        if (page == 0) return;
+    bool follow(std::uint32_t page, std::size_t position) {
+        if (page == 0) return true;
         if (!inspection_.ledger.exists(page)) {
             inspection_.findings.warning(What::map_reference, seen_on_,
                                          words("The map of ", subject_, " on page ", seen_on_,
                                                " refers to page ", page, " beyond the file."));
-            return;
+            return true;
         }
-        const std::uint64_t first =
-            std::uint64_t{inspection_.format.pages_per_map_page()} * position;
-        if (!inspection_.ledger.claim(page, {.use = Owner::Use::map_bits})) return;
+        if (!inspection_.ledger.claim(page, {.use = Owner::Use::map_bits})) return false;
         const Page held = inspection_.pages.page(page);
         if (held.bytes.u16(0) != (0x100 | page_type::map)) {
             inspection_.findings.fault(What::page_kind, page,
                                        words("Page ", page, " holds bits of the map of ", subject_,
                                              " but has type ", held.bytes.u8(0), "."));
-            return;
+            return false;
         }
-        add_bits(held.bytes.from(map_page_bits_at), first);
+        add_bits(held.bytes.from(map_page_bits_at),
+                 std::uint64_t{inspection_.format.pages_per_map_page()} * position);
+        return true;
     }
 
     void add_bits(Bytes bits, std::uint64_t first) {

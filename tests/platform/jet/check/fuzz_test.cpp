@@ -1,0 +1,132 @@
+#include "platform/jet/check/samples.h"
+
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <ctime>
+#include <new>
+#include <random>
+
+namespace {
+
+// Counted for the whole program, so that a test can tell how much memory a call took at most.
+std::size_t memory_now = 0, memory_peak = 0;
+constexpr std::size_t head = alignof(std::max_align_t);
+
+} // namespace
+
+void* operator new(std::size_t size) {
+    auto* block = static_cast<std::byte*>(std::malloc(size + head));
+    if (block == nullptr) throw std::bad_alloc();
+    *reinterpret_cast<std::size_t*>(block) = size;
+    memory_now += size;
+    memory_peak = std::max(memory_peak, memory_now);
+    return block + head;
+}
+
+void operator delete(void* at) noexcept {
+    if (at == nullptr) return;
+    auto* block = static_cast<std::byte*>(at) - head;
+    memory_now -= *reinterpret_cast<std::size_t*>(block);
+    std::free(block);
+}
+
+void operator delete(void* at, std::size_t) noexcept { operator delete(at); }
+
+namespace jet::check {
+namespace {
+
+using Random = std::mt19937;
+
+std::size_t below(Random& random, std::size_t end) {
+    return std::uniform_int_distribution<std::size_t>(0, end - 1)(random);
+}
+
+// Half of the changes go where pages keep their structure: heads, slot tables, masks.
+void change_bytes(Random& random, File_Bytes& file) {
+    constexpr std::size_t page = 2048, structure = 64;
+    const std::size_t changes = 1 + below(random, 20);
+    for (std::size_t i = 0; i < changes && !file.empty(); ++i) {
+        std::size_t at = below(random, file.size());
+        if (below(random, 2) == 0)
+            at = std::min(at / page * page + at % structure, file.size() - 1);
+        const std::byte edge[] = {std::byte{0}, std::byte{1}, std::byte{0x7F}, std::byte{0xFF}};
+        file[at] = below(random, 2) == 0 ? edge[below(random, 4)] : std::byte(below(random, 256));
+    }
+}
+
+void change_length(Random& random, File_Bytes& file) {
+    if (below(random, 2) == 0)
+        file.resize(below(random, file.size()));
+    else
+        file.resize(file.size() + below(random, 20000), std::byte(below(random, 256)));
+}
+
+// A page in the place of another: every pointer to it then leads to the wrong kind of thing.
+void copy_page(Random& random, File_Bytes& file) {
+    constexpr std::size_t page = 4096;
+    const std::size_t pages = file.size() / page;
+    const auto from = file.begin() + static_cast<std::ptrdiff_t>(below(random, pages) * page);
+    std::copy_n(from, page,
+                file.begin() + static_cast<std::ptrdiff_t>(below(random, pages) * page));
+}
+
+void mutate(Random& random, File_Bytes& file) {
+    if (below(random, 8) == 0) copy_page(random, file);
+    change_bytes(random, file);
+    if (below(random, 10) == 0) change_length(random, file);
+}
+
+double seconds() { return static_cast<double>(std::clock()) / CLOCKS_PER_SEC; }
+
+struct Subject {
+    const char* name;
+    int runs; ///< by default; with LONG_TESTS a hundred times as many for small files
+};
+
+class Check_Fuzz : public ::testing::TestWithParam<Subject> {};
+
+// Any bytes end in a report: no crash, no endless walk, no memory beyond the size of the file.
+TEST_P(Check_Fuzz, any_bytes_end_in_a_report) {
+    const File_Bytes original = sample(GetParam().name);
+    if (original.empty()) GTEST_SKIP() << "no samples";
+    const double before = seconds();
+    ASSERT_TRUE(check(original).sound());
+    const double patience = 0.5 + 20 * (seconds() - before);
+    const int runs = GetParam().runs * (std::getenv("LONG_TESTS") != nullptr ? 30 : 1);
+    int faulty = 0;
+    for (int seed = 0; seed < runs; ++seed) {
+        SCOPED_TRACE("seed " + std::to_string(seed));
+        Random random(static_cast<Random::result_type>(seed));
+        File_Bytes file = original;
+        mutate(random, file);
+        const std::size_t memory = memory_now;
+        memory_peak = memory_now;
+        const double start = seconds();
+        const Report report = check(file);
+        ASSERT_LT(seconds() - start, patience);
+        ASSERT_LT(memory_peak - memory, 4U << 20);
+        if (!report.sound()) ++faulty;
+    }
+    EXPECT_GT(faulty, runs / 4) << "the changes hit nothing";
+}
+
+INSTANTIATE_TEST_SUITE_P(samples, Check_Fuzz,
+                         ::testing::Values(Subject{"adox_jet4", 1200}, Subject{"testV1997", 600},
+                                           Subject{"old_library", 300},
+                                           Subject{"overflowTestV2000", 300},
+                                           Subject{"indexTestV2000", 150},
+                                           Subject{"library_2003", 60},
+                                           Subject{"worn_library", 20}),
+                         [](const auto& tested) { return std::string(tested.param.name); });
+
+TEST(Check_Fuzz, no_file_at_all) {
+    for (std::size_t size : {0U, 1U, 20U, 24U, 160U, 2048U, 4096U, 12288U}) {
+        const Report report = check(File_Bytes(size));
+        EXPECT_FALSE(report.readable) << size;
+        EXPECT_EQ(report.findings.size(), 1U) << size;
+    }
+}
+
+} // namespace
+} // namespace jet::check
