@@ -19,7 +19,11 @@ struct Row_Change {
 };
 
 /// Everything that one outermost operation changed, in the order in which it happened.
-using Change_Record = std::vector<Row_Change>;
+struct Change_Record {
+    std::vector<Row_Change> rows;
+    /// Nobody asked for it: listing stored numbers and reset CVs that were missing.
+    bool upkeep = false;
+};
 
 /// Whoever keeps something in step with the library: undo, backups, the lists.
 class Change_Listener {

@@ -54,6 +54,8 @@ public:
         return *found;
     }
 
+    bool contains(const QString& key) const { return keyed_.contains(key); }
+
     void Remove(std::int32_t position) { remove_at(place(position)); }
     void Remove(const QString& key) {
         const auto found = std::find(children_.begin(), children_.end(), Item(key));

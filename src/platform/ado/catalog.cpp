@@ -2,6 +2,10 @@
 
 #include "platform/ado/translated.h"
 
+#include <algorithm>
+
+using namespace Qt::Literals::StringLiterals;
+
 namespace ado {
 
 namespace {
@@ -42,6 +46,16 @@ jet::Relation made(const Foreign_Key& key, const QString& table) {
     return made;
 }
 
+bool is(const std::u16string& name, const QString& other) {
+    return other.compare(QStringView(name), Qt::CaseInsensitive) == 0;
+}
+
+bool forbids_deletion(const jet::Relation& relation, const QString& table, const QString& column) {
+    return relation.enforced && !relation.cascade_delete && !relation.null_on_delete &&
+           is(relation.table, table) && relation.columns.size() == 1 &&
+           is(relation.columns.front(), column);
+}
+
 } // namespace
 
 std::vector<QString> Catalog::tables() const { return connection_.session().tables(); }
@@ -58,6 +72,25 @@ std::size_t Catalog::text_width(const QString& table, const QString& column) con
         const jet::Column& stored = found->columns()[*place];
         if (stored.type == jet::Column_Type::memo) return 255;
         return stored.type == jet::Column_Type::text ? stored.length : 0;
+    });
+}
+
+void Catalog::refuse_if_referred(const QString& table, const QString& column, std::int32_t key,
+                                 const std::vector<QString>& known) const {
+    jet::Database& database = connection_.session().database();
+    translated([&] {
+        for (const jet::Relation& relation : database.relations()) {
+            const auto other = database.table(relation.foreign_table);
+            const bool is_known = std::any_of(known.begin(), known.end(), [&](const QString& name) {
+                return is(relation.foreign_table, name);
+            });
+            if (is_known || !other || !forbids_deletion(relation, table, column)) continue;
+            const auto referring = other->column(relation.foreign_columns.front());
+            if (referring && other->find({{*referring, key}}).next())
+                throw Error(Failure::refused, QString::fromStdU16String(relation.name),
+                            u"rows of %1 refer to it"_s.arg(
+                                QString::fromStdU16String(relation.foreign_table)));
+        }
     });
 }
 

@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <cstddef>
+#include <cstdint>
 #include <vector>
 
 namespace ado {
@@ -21,7 +22,7 @@ struct Column {
     std::size_t length = 0; ///< of a text, in characters: 1..255
     bool nullable = true;
     bool auto_increment = false;
-    QString description;
+    QString description = {};
 };
 
 /// An index over one column.
@@ -41,9 +42,9 @@ struct Foreign_Key {
 
 struct Table {
     QString name;
-    std::vector<Column> columns;
-    std::vector<Index> indexes;
-    std::vector<Foreign_Key> keys;
+    std::vector<Column> columns = {};
+    std::vector<Index> indexes = {};
+    std::vector<Foreign_Key> keys = {};
 };
 
 /// The schema of an open database. Throws Error.
@@ -57,6 +58,11 @@ public:
     std::vector<QString> columns(const QString& table) const;
     /// Largest number of characters of a text column; 0 for any other, 255 for a memo.
     std::size_t text_width(const QString& table, const QString& column) const;
+
+    /// Throws Error (refused) when rows of another table than the `known` ones refer to the row
+    /// with this key and forbid to delete it.
+    void refuse_if_referred(const QString& table, const QString& column, std::int32_t key,
+                            const std::vector<QString>& known) const;
 
     /// Makes a table with its indexes and keys, all or nothing.
     void append(const Table& table);

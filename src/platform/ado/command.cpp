@@ -2,17 +2,19 @@
 
 #include "platform/ado/error.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace ado {
 
 Connection& Command::connection() const {
     if (connection_ != nullptr) return *connection_;
-    throw Error(Failure::closed, text, QStringLiteral("the command has no connection"));
+    throw Error(Failure::closed, text, u"the command has no connection"_s);
 }
 
 int Command::execute() const {
     const Statement statement = parse(text);
     if (statement.kind != Statement::Kind::erase)
-        throw Error(Failure::statement, text, QStringLiteral("a query is opened, not executed"));
+        throw Error(Failure::statement, text, u"a query is opened, not executed"_s);
     Transaction transaction(connection());
     Session& session = connection().session();
     const Found_Rows found = session.select(statement, {statement.where.front().column});

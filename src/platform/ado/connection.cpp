@@ -2,12 +2,14 @@
 
 #include "platform/ado/translated.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace ado {
 
 namespace {
 
-QString head() { return QStringLiteral("Provider=Microsoft.Jet.OLEDB.4.0;Data Source="); }
-QString tail() { return QStringLiteral(";Persist Security Info=False"); }
+QString head() { return u"Provider=Microsoft.Jet.OLEDB.4.0;Data Source="_s; }
+QString tail() { return u";Persist Security Info=False"_s; }
 
 } // namespace
 
@@ -17,7 +19,7 @@ void Connection::open(const QString& connection_string) {
     close();
     if (!connection_string.startsWith(head()) || !connection_string.endsWith(tail()))
         throw Error(Failure::statement, connection_string,
-                    QStringLiteral("this connection string is not understood"));
+                    u"this connection string is not understood"_s);
     const QString path =
         connection_string.sliced(head().size()).chopped(tail().size()); // may hold a semicolon
     session_ = translated([&] {
@@ -44,8 +46,7 @@ void Connection::watch(Row_Watcher* watcher) {
 }
 
 Session& Connection::session() const {
-    if (!session_)
-        throw Error(Failure::closed, QStringLiteral("connection"), QStringLiteral("is not open"));
+    if (!session_) throw Error(Failure::closed, u"connection"_s, u"is not open"_s);
     return *session_;
 }
 

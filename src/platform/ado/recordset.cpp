@@ -2,13 +2,15 @@
 
 #include "platform/ado/error.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace ado {
 
 void Recordset::open(const Command& command, std::vector<QString> wanted) {
     close();
     Statement statement = parse(command.text);
     if (statement.kind == Statement::Kind::erase)
-        throw Error(Failure::statement, command.text, QStringLiteral("has no rows to open"));
+        throw Error(Failure::statement, command.text, u"has no rows to open"_s);
     static_cast<void>(command.connection().session()); // throws when it is closed
     statement_ = std::move(statement);
     wanted_ = std::move(wanted);
@@ -19,7 +21,7 @@ void Recordset::close() { *this = Recordset(); }
 
 Session& Recordset::session() const {
     if (connection_ != nullptr) return connection_->session();
-    throw Error(Failure::closed, QStringLiteral("recordset"), QStringLiteral("is not open"));
+    throw Error(Failure::closed, u"recordset"_s, u"is not open"_s);
 }
 
 const Found_Rows& Recordset::rows() {
@@ -29,7 +31,7 @@ const Found_Rows& Recordset::rows() {
 
 std::uint32_t Recordset::current() {
     if (!at_end()) return rows_->order[position_];
-    throw Error(Failure::not_found, statement_.table, QStringLiteral("there is no current row"));
+    throw Error(Failure::not_found, statement_.table, u"there is no current row"_s);
 }
 
 int Recordset::record_count() { return static_cast<int>(rows().order.size()); }
@@ -45,7 +47,7 @@ void Recordset::move_next() {
 Recordset::Field Recordset::field(QStringView name) {
     if (const auto column = rows().block->column(name)) return {*column};
     throw Error(Failure::not_found, statement_.table + QLatin1Char('.') + name.toString(),
-                QStringLiteral("no such column"));
+                u"no such column"_s);
 }
 
 Value Recordset::value(Field field) { return rows().block->value(current(), field.column); }

@@ -1,6 +1,20 @@
 #include "platform/ado/row_block.h"
 
+#include <limits>
+
 namespace ado {
+
+bool fits(std::int32_t number, jet::Column_Type type) {
+    using Small = std::numeric_limits<std::int16_t>;
+    switch (type) {
+    case jet::Column_Type::byte:
+        return number >= 0 && number <= 255;
+    case jet::Column_Type::integer:
+        return number >= Small::min() && number <= Small::max();
+    default:
+        return true;
+    }
+}
 
 Row_Block::Row_Block(std::vector<Column> columns)
     : columns_(std::move(columns)), cells_(columns_.size()) {}

@@ -11,6 +11,9 @@
 
 namespace ado {
 
+/// Whether a column of this type can hold the number.
+bool fits(std::int32_t number, jet::Column_Type type);
+
 /// Rows of one table in memory, column by column. Whole numbers take four bytes, so that a whole
 /// table of them can be held.
 class Row_Block {

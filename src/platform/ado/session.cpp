@@ -2,6 +2,8 @@
 
 #include "platform/ado/translated.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace ado {
 
 namespace {
@@ -62,7 +64,7 @@ Session::Shape Session::shape(const QString& table) {
     shape.table = database_.table(table.toStdU16String());
     const auto completed = completed_.find(table.toLower());
     if (!shape.table && completed == completed_.end())
-        throw Error(Failure::not_found, table, QStringLiteral("no such table"));
+        throw Error(Failure::not_found, table, u"no such table"_s);
     if (shape.table) {
         const auto& columns = shape.table->columns();
         for (std::size_t i = 0; i < columns.size(); ++i)
@@ -77,7 +79,7 @@ Session::Shape Session::shape(const QString& table) {
 
 jet::Table Session::stored_table(const QString& table) {
     if (auto found = database_.table(table.toStdU16String())) return *found;
-    throw Error(Failure::not_found, table, QStringLiteral("no such table"));
+    throw Error(Failure::not_found, table, u"no such table"_s);
 }
 
 } // namespace ado

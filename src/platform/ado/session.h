@@ -59,6 +59,9 @@ public:
 
     /// @param wanted columns that are going to be read; none: all
     Found_Rows select(const Statement& statement, const std::vector<QString>& wanted);
+    /// Throws Error (refused) when a row could not hold these cells: text too long, number out of
+    /// range, null where it is required. Keys and relations are looked at by insert() and update().
+    void check(const QString& table, const Row& cells);
     /// A block for rows that are going to be added.
     Found_Rows nothing_of(const QString& table);
     /// Adds a row and appends it to `block`. @return its place there.

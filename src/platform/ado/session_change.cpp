@@ -3,7 +3,7 @@
 #include "platform/ado/session.h"
 #include "platform/ado/translated.h"
 
-#include <algorithm>
+using namespace Qt::Literals::StringLiterals;
 
 namespace ado {
 
@@ -38,8 +38,7 @@ std::vector<jet::Cell> cells_of(const jet::Table& table, const Row& row) {
     std::vector<jet::Cell> cells;
     for (const auto& [name, value] : row) {
         const auto column = table.column(name.toStdU16String());
-        if (!column)
-            throw Error(Failure::not_found, name, QStringLiteral("no such column in the file"));
+        if (!column) throw Error(Failure::not_found, name, u"no such column in the file"_s);
         cells.push_back({*column, std::visit(As_Type{table.columns()[*column].type}, value)});
     }
     return cells;
@@ -47,8 +46,7 @@ std::vector<jet::Cell> cells_of(const jet::Table& table, const Row& row) {
 
 std::vector<Value> values_of(const jet::Table& table, jet::Row_Id id) {
     if (auto values = table.row(id)) return *std::move(values);
-    throw Error(Failure::not_found, QString::fromStdU16String(table.name()),
-                QStringLiteral("the row is gone"));
+    throw Error(Failure::not_found, QString::fromStdU16String(table.name()), u"the row is gone"_s);
 }
 
 Row row_of(const jet::Table& table, const std::vector<Value>& values) {
@@ -58,7 +56,30 @@ Row row_of(const jet::Table& table, const std::vector<Value>& values) {
     return row;
 }
 
+/// What is wrong with a value for a column; empty: nothing.
+QString objection(const jet::Column& column, const Value& value) {
+    if (is_null(value)) return column.required ? u"a value is required"_s : QString();
+    const auto* const text = std::get_if<std::u16string>(&value);
+    if (column.type == jet::Column_Type::text && text != nullptr && text->size() > column.length)
+        return u"longer than %1 characters"_s.arg(column.length);
+    const auto* const number = std::get_if<std::int32_t>(&value);
+    if (number != nullptr && !fits(*number, column.type)) return u"out of range"_s;
+    return {};
+}
+
 } // namespace
+
+void Session::check(const QString& table, const Row& cells) {
+    translated([&] {
+        const jet::Table stored = stored_table(table);
+        for (const jet::Cell& cell : cells_of(stored, cells)) {
+            const jet::Column& column = stored.columns()[cell.column];
+            const QString fault = objection(column, cell.value);
+            if (!fault.isEmpty())
+                throw Error(Failure::refused, QString::fromStdU16String(column.name), fault);
+        }
+    });
+}
 
 void Session::Held_Table::add(std::uint32_t row) {
     for (auto& [column, lookup] : lookups)

@@ -4,8 +4,9 @@
 #include "platform/ado/translated.h"
 
 #include <algorithm>
-#include <limits>
 #include <set>
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace ado {
 
@@ -19,18 +20,6 @@ struct Test {
     std::int32_t number = 0;
     bool whole = false;
 };
-
-bool fits(std::int32_t number, jet::Column_Type type) {
-    using Small = std::numeric_limits<std::int16_t>;
-    switch (type) {
-    case jet::Column_Type::byte:
-        return number >= 0 && number <= 255;
-    case jet::Column_Type::integer:
-        return number >= Small::min() && number <= Small::max();
-    default:
-        return true;
-    }
-}
 
 /// Whether the table order can be had by sorting: the columns of the key are whole numbers.
 bool sortable_key(const jet::Table& table, const Columns& columns) {
@@ -87,7 +76,7 @@ Columns Session::chosen(const Shape& shape, const Statement& statement,
     for (const QString& name : names)
         if (!shape.column(name))
             throw Error(Failure::not_found, shape.name + QLatin1Char('.') + name,
-                        QStringLiteral("no such column"));
+                        u"no such column"_s);
     if (wanted.empty()) return shape.columns;
     const auto key = shape.table ? shape.table->key() : std::vector<std::size_t>();
     Columns columns;

@@ -1,0 +1,202 @@
+#include "store/clsDBConn.h"
+
+#include "scripts/cls_script_coll.h"
+#include "store/clsDBConn_inside.h"
+
+#include <utility>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace store {
+
+namespace {
+
+Failure translated(ado::Failure kind) {
+    switch (kind) {
+    case ado::Failure::closed:
+        return Failure::not_open;
+    case ado::Failure::not_found:
+        return Failure::not_found;
+    case ado::Failure::denied:
+        return Failure::denied;
+    case ado::Failure::not_a_database:
+        return Failure::not_a_database;
+    case ado::Failure::unsupported:
+        return Failure::unsupported;
+    case ado::Failure::damaged:
+        return Failure::damaged;
+    case ado::Failure::read_only:
+        return Failure::read_only;
+    case ado::Failure::locked_elsewhere:
+        return Failure::locked_elsewhere;
+    case ado::Failure::replaced:
+        return Failure::replaced;
+    case ado::Failure::disk_full:
+        return Failure::disk_full;
+    case ado::Failure::device:
+        return Failure::device;
+    case ado::Failure::statement:
+    case ado::Failure::refused:
+        return Failure::refused;
+    }
+    return Failure::device;
+}
+
+Blocked translated(ado::Blocked blocked) {
+    switch (blocked) {
+    case ado::Blocked::no:
+        return Blocked::no;
+    case ado::Blocked::write_protected:
+        return Blocked::write_protected;
+    case ado::Blocked::jet3:
+        return Blocked::jet3;
+    case ado::Blocked::damaged:
+        return Blocked::damaged;
+    case ado::Blocked::foreign_index:
+        return Blocked::foreign_index;
+    case ado::Blocked::replaced:
+        return Blocked::replaced;
+    }
+    return Blocked::damaged;
+}
+
+/// Other programs keep their locks in a file of this name while they have the library open.
+QString lock_file_of(const QString& file) {
+    const auto dot = file.lastIndexOf(QLatin1Char('.'));
+    return (dot < 0 ? file : file.first(dot)) + u".ldb"_s;
+}
+
+} // namespace
+
+clsDBConn::Inside::Inside(files::Disk& disk_)
+    : disk(disk_), connection(disk_), catalog(connection) {
+    connection.watch(this);
+}
+
+void clsDBConn::Inside::note(Failure kind, const QString& subject, const QString& detail) {
+    trouble = Trouble{kind, subject, detail};
+}
+
+void clsDBConn::Inside::note(const ado::Error& error) {
+    note(translated(error.kind), error.subject, error.detail);
+}
+
+ado::Error clsDBConn::Inside::gone(const QString& table, std::int32_t key) {
+    return {ado::Failure::not_found, table + QLatin1Char(' ') + QString::number(key),
+            u"the row is gone"_s};
+}
+
+Blocked clsDBConn::Inside::blocked() const {
+    try {
+        for (const QString& table : {u"Sets"_s, u"CVs"_s, u"Scripte"_s, u"Scriptstates"_s}) {
+            const Blocked found = translated(connection.blocked(table));
+            if (found != Blocked::no) return found;
+        }
+        return Blocked::no;
+    } catch (const ado::Error&) { // looking at a definition failed: what is there cannot be trusted
+        return Blocked::damaged;
+    }
+}
+
+int clsDBConn::Inside::width(QLatin1StringView table, QLatin1StringView column) {
+    std::size_t characters = 0;
+    reading(ado::Extent::some, [&] { characters = catalog.text_width(table, column); });
+    return static_cast<int>(characters);
+}
+
+void clsDBConn::Inside::close() {
+    recordset.close();
+    picture.clear();
+    completed.clear();
+    connection.close();
+    active = false;
+    akt_set = 0;
+    scripts::AktScripts().Clear();
+}
+
+ado::Recordset& clsDBConn::Inside::query(const QString& sql, std::vector<QString> wanted) {
+    commands[0].text = sql;
+    recordset.open(commands[0], std::move(wanted));
+    return recordset;
+}
+
+int clsDBConn::Inside::execute(const QString& sql) {
+    commands[1].text = sql;
+    return commands[1].execute();
+}
+
+clsDBConn::clsDBConn(files::Disk& disk) : inside_(std::make_unique<Inside>(disk)) {}
+
+clsDBConn::~clsDBConn() { inside_->connection.close(); }
+
+void clsDBConn::Connection_Start(const QString& FileName) {
+    Inside& inside = *inside_;
+    inside.file = FileName;
+    Connection_Close();
+    try {
+        inside.connection.open(ado::Connection::string_for(FileName));
+        for (ado::Command& command : inside.commands) command.bind(inside.connection);
+        inside.active = inside.connection.state() == ado::State::open;
+        inside.ldb_beside = inside.disk.file_exists(lock_file_of(FileName).toStdString());
+    } catch (const ado::Error& error) {
+        inside.note(error);
+    } catch (const files::Error& error) { // only looking for the lock file failed
+        inside.ldb_beside = false;
+    }
+    if (inside.active) inside.upgrade();
+}
+
+void clsDBConn::Connection_Close() { inside_->close(); }
+
+bool clsDBConn::Connection_Active() const { return inside_->active; }
+
+QString clsDBConn::database_file() const { return inside_->file; }
+
+Opening clsDBConn::opening() const {
+    if (!inside_->active) return {};
+    const ado::Status status = inside_->connection.status();
+    return {.jet3 = status.jet3,
+            .blocked = inside_->blocked(),
+            .blocked_detail = QString::fromStdString(status.detail),
+            .recovered = status.recovered,
+            .journal_set_aside = QString::fromStdString(status.set_aside),
+            .ldb_beside = inside_->ldb_beside};
+}
+
+bool clsDBConn::writable() const { return inside_->active && inside_->blocked() == Blocked::no; }
+
+std::int32_t clsDBConn::AktCVSetID() const { return inside_->akt_set; }
+
+void clsDBConn::AktCVSetID(std::int32_t SetID) { inside_->akt_set = SetID; }
+
+const std::optional<Trouble>& clsDBConn::last_trouble() const { return inside_->trouble; }
+
+std::optional<Trouble> clsDBConn::take_trouble() {
+    return std::exchange(inside_->trouble, std::nullopt);
+}
+
+int clsDBConn::script_states_left_out() const { return inside_->states_left_out; }
+
+int clsDBConn::sets_in_no_view() const { return inside_->sets_in_no_view; }
+
+int clsDBConn::sets_completed_in_memory() const { return inside_->sets_completed; }
+
+int clsDBConn::set_name_width() const { return inside_->width("Sets"_L1, "Name"_L1); }
+
+int clsDBConn::script_name_width() const { return inside_->width("Scripte"_L1, "ScriptName"_L1); }
+
+int clsDBConn::script_info_width() const { return inside_->width("Scriptstates"_L1, "Info"_L1); }
+
+void clsDBConn::listen(Change_Listener* listener) { inside_->listener = listener; }
+
+clsDBConn& DBConn() {
+    static clsDBConn connection;
+    return connection;
+}
+
+std::int16_t Get_CV_Wert(std::int16_t CVNr) {
+    CVRec rec{.CVPageHi = 0, .CVPageLo = 1, .CVNr = CVNr};
+    return DBConn().DB_Find_CV(rec) ? rec.CVWert : std::int16_t{0};
+}
+
+} // namespace store

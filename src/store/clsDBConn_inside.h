@@ -1,0 +1,150 @@
+#pragma once
+
+// What the parts of clsDBConn share.
+
+#include "platform/ado/catalog.h"
+#include "platform/ado/command.h"
+#include "platform/ado/connection.h"
+#include "platform/ado/error.h"
+#include "platform/ado/recordset.h"
+#include "store/clsDBConn.h"
+
+#include <array>
+#include <cstddef>
+#include <functional>
+#include <map>
+#include <optional>
+#include <vector>
+
+namespace scripts {
+class cls_script;
+class cls_script_coll;
+} // namespace scripts
+
+namespace store {
+
+/// A row of Sets, with what was completed in memory.
+struct Set_Row {
+    std::optional<std::int32_t> SetID;
+    QString Name;
+    std::optional<std::int32_t> Nummer;
+    std::optional<std::int32_t> ResCV;
+};
+
+struct clsDBConn::Inside : ado::Row_Watcher {
+    explicit Inside(files::Disk& disk_);
+
+    files::Disk& disk;
+    ado::Connection connection;
+    std::array<ado::Command, 3> commands; ///< for queries inside queries
+    ado::Recordset recordset;
+    ado::Catalog catalog;
+
+    bool active = false;
+    QString file;
+    std::int32_t akt_set = 0;
+    bool ldb_beside = false;
+
+    std::optional<Trouble> trouble;
+    int states_left_out = 0;
+    int sets_in_no_view = 0;
+    int sets_completed = 0;
+    /// Numbers and reset CVs that a library would hold if it could be written, by SetID.
+    std::map<std::int32_t, Set_Row> completed;
+
+    std::vector<CVRec> picture; ///< rows between DB_Open_CVs and DB_Close_CVs
+    std::size_t next_in_picture = 0;
+
+    void note(Failure kind, const QString& subject, const QString& detail);
+    void note(const ado::Error& error);
+    Blocked blocked() const;
+
+    // Operations; see clsDBConn_operation.cpp
+    Change_Listener* listener = nullptr;
+    std::optional<ado::Transaction> transaction;
+    Change_Record record;
+    int depth = 0;
+    bool spoiled = false;
+
+    bool begin(); ///< @return false: nothing can be changed, and why is noted
+    bool end(bool keep);
+    void row_changed(const QString& table, const ado::Row& before, const ado::Row& after) override;
+    void close();
+
+    /// Runs work under one shared lock; an error ends it and is noted. @return whether it ran to
+    /// its end.
+    template <class Work>
+    bool reading(ado::Extent extent, Work work) {
+        if (!active) return false;
+        try {
+            const ado::Reading guard(connection, extent);
+            work();
+            return true;
+        } catch (const ado::Error& error) {
+            note(error);
+            return false;
+        }
+    }
+
+    /// Runs work as one operation. A refusal ends it and keeps what was changed before; any other
+    /// error rolls everything back. @return whether it ran to its end and is kept.
+    template <class Work>
+    bool changing(Work work) {
+        if (!begin()) return false;
+        bool done = false;
+        try {
+            work();
+            done = true;
+        } catch (const ado::Error& error) {
+            note(error);
+            spoiled = spoiled || !is_refusal(error.kind);
+        }
+        return end(true) && done;
+    }
+    /// The same, if a set is current.
+    template <class Work>
+    bool changing_current_set(Work work) {
+        if (active && akt_set == 0) note(Failure::no_set, file, QStringLiteral("no current set"));
+        return akt_set != 0 && changing(work);
+    }
+    static bool is_refusal(ado::Failure kind);
+
+    /// Opens a query in the shared recordset.
+    ado::Recordset& query(const QString& sql, std::vector<QString> wanted = {});
+    int execute(const QString& sql);
+    int width(QLatin1StringView table, QLatin1StringView column);
+
+    void upgrade();
+    void make_current(std::int32_t SetID) {
+        if (SetID > 0) akt_set = SetID;
+    }
+
+    // Sets
+    Set_Row set_row(ado::Recordset& rows);
+    void visit_sets(const std::function<void(const Set_Row&)>& visit); ///< in table order
+    std::optional<Set_Row> find_set(std::int32_t id);
+    void store_repair(const Set_Row& repair);
+    void complete(const Set_Row& repair);
+    /// Throws when rows of other tables forbid to delete a set, before anything is deleted.
+    void refuse_if_referred(std::int32_t set_id);
+    static ado::Error gone(const QString& table, std::int32_t key);
+
+    // CVs
+    int fill_cvs(cls_CV_Set& set); ///< @return how many rows found no place in the model
+    std::vector<CVRec> cvs_of(std::int32_t set_id);
+    void delete_rows(const QString& sql);
+
+    // Scripts
+    void load_states(scripts::cls_script& script);
+    void load_scripts(scripts::cls_script_coll& into, std::int32_t set_id, bool with_names);
+    void delete_script(std::int32_t script_id);
+    void delete_scripts_of(std::int32_t set_id);
+    /// Runs work on a script of AktScripts as one operation of the current set.
+    bool changing_script(std::int32_t position,
+                         const std::function<void(scripts::cls_script&)>& work);
+};
+
+/// Columns that are read of each row of Sets.
+std::vector<QString> set_columns();
+
+} // namespace store

@@ -1,0 +1,96 @@
+// One public operation is one transaction and one change record; inner ones join the outer one.
+
+#include "store/clsDBConn_inside.h"
+
+#include <array>
+#include <utility>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace store {
+
+namespace {
+
+struct Table_Name {
+    Table table;
+    QLatin1StringView name;
+    QLatin1StringView key;
+};
+
+constexpr std::array table_names{
+    Table_Name{Table::Sets, "Sets"_L1, "SetID"_L1},
+    Table_Name{Table::CVs, "CVs"_L1, "CVID"_L1},
+    Table_Name{Table::Scripte, "Scripte"_L1, "ScriptID"_L1},
+    Table_Name{Table::Scriptstates, "Scriptstates"_L1, "SSID"_L1},
+};
+
+std::int32_t key_in(const ado::Row& row, QLatin1StringView key) {
+    for (const auto& [name, value] : row)
+        if (name.compare(key, Qt::CaseInsensitive) == 0) return ado::number(value).value_or(0);
+    return 0;
+}
+
+} // namespace
+
+bool clsDBConn::Inside::is_refusal(ado::Failure kind) {
+    return kind == ado::Failure::refused || kind == ado::Failure::not_found ||
+           kind == ado::Failure::statement;
+}
+
+bool clsDBConn::Inside::begin() {
+    if (!active) {
+        note(Failure::not_open, file, u"no database is open"_s);
+        return false;
+    }
+    if (depth == 0 && blocked() != Blocked::no) {
+        note(Failure::read_only, file, QString::fromStdString(connection.status().detail));
+        return false;
+    }
+    if (spoiled) return false;
+    try {
+        if (depth == 0) transaction.emplace(connection);
+        ++depth;
+        return true;
+    } catch (const ado::Error& error) {
+        note(error);
+        if (error.kind == ado::Failure::replaced) close();
+        return false;
+    }
+}
+
+bool clsDBConn::Inside::end(bool keep) {
+    spoiled = spoiled || !keep;
+    if (--depth > 0) return !spoiled;
+    bool kept = !std::exchange(spoiled, false);
+    try {
+        if (kept) transaction->commit();
+    } catch (const ado::Error& error) {
+        note(error);
+        kept = false;
+    }
+    transaction.reset();
+    const Change_Record done = std::exchange(record, {});
+    if (trouble && trouble->kind == Failure::replaced) close();
+    if (kept && !done.rows.empty() && listener != nullptr) listener->changed(done);
+    return kept;
+}
+
+void clsDBConn::Inside::row_changed(const QString& table, const ado::Row& before,
+                                    const ado::Row& after) {
+    for (const Table_Name& known : table_names) {
+        if (table.compare(known.name, Qt::CaseInsensitive) != 0) continue;
+        const std::int32_t key = key_in(after.empty() ? before : after, known.key);
+        record.rows.push_back({known.table, key, before, after});
+    }
+}
+
+Operation::Operation(clsDBConn& connection)
+    : inside_(*connection.inside_), open_(inside_.begin()) {}
+
+Operation::~Operation() {
+    if (open_) inside_.end(false);
+}
+
+bool Operation::keep() { return std::exchange(open_, false) && inside_.end(true); }
+
+} // namespace store

@@ -1,0 +1,116 @@
+// The tables and columns that a library needs, added to old files in place.
+
+#include "store/clsDBConn_inside.h"
+
+#include <algorithm>
+#include <array>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace store {
+
+namespace {
+
+using Names = std::vector<QString>;
+
+bool in_any_case(const Names& names, const QString& name) {
+    return std::any_of(names.begin(), names.end(), [&](const QString& other) {
+        return name.compare(other, Qt::CaseInsensitive) == 0;
+    });
+}
+
+ado::Column number(const QString& name, bool nullable = true) {
+    return {.name = name, .nullable = nullable};
+}
+
+ado::Column key(const QString& name) {
+    return {.name = name,
+            .nullable = false,
+            .auto_increment = true,
+            .description = u"unique identifier"_s};
+}
+
+ado::Column text(const QString& name) {
+    return {.name = name, .kind = ado::Column_Kind::text, .length = 255};
+}
+
+ado::Table scripte() {
+    return {.name = u"Scripte"_s,
+            .columns = {key(u"ScriptID"_s), number(u"SetID"_s, false), text(u"ScriptName"_s)},
+            .indexes = {{u"PrimaryKey"_s, true, u"ScriptID"_s}},
+            .keys = {{u"CVSetIDScripte"_s, u"Sets"_s, u"SetID"_s, u"SetID"_s}}};
+}
+
+ado::Table scriptstates() {
+    ado::Table table{.name = u"Scriptstates"_s,
+                     .columns = {key(u"SSID"_s)},
+                     .indexes = {{u"PrimaryKey"_s, true, u"SSID"_s}},
+                     .keys = {{u"ScriptIDScripte"_s, u"Scripte"_s, u"ScriptID"_s, u"ScriptID"_s}}};
+    for (const QString& name : {u"ScriptID"_s, u"State"_s, u"Command"_s})
+        table.columns.push_back(number(name, false));
+    for (const QString& name : {u"Par1"_s, u"Par2"_s, u"Par3"_s, u"Par4"_s})
+        table.columns.push_back(number(name));
+    table.columns.push_back(text(u"Info"_s));
+    return table;
+}
+
+/// What an old file lacks: a table, or a column of one that is there.
+struct Addition {
+    ado::Table table;
+    QString column; ///< empty: the whole table
+};
+
+// A name that stands there in another case cannot be added again, and need not be: queries find it.
+bool TableExists(const ado::Catalog& catalog, const QString& name) {
+    return in_any_case(catalog.tables(), name);
+}
+
+bool ColumnExists(const ado::Catalog& catalog, const QString& table, const QString& name) {
+    return in_any_case(catalog.columns(table), name);
+}
+
+/// In the order in which they must be made: the key of Scriptstates needs Scripte.
+std::vector<Addition> missing(const ado::Catalog& catalog) {
+    std::vector<Addition> found;
+    for (ado::Table& table : std::array{scripte(), scriptstates()})
+        if (!TableExists(catalog, table.name)) found.push_back({std::move(table), {}});
+    const QString sets = u"Sets"_s;
+    for (const QString& name : {u"Nummer"_s, u"ResCV"_s})
+        if (!ColumnExists(catalog, sets, name)) found.push_back({{.name = sets}, name});
+    return found;
+}
+
+void add(ado::Catalog& catalog, const Addition& addition) {
+    if (addition.column.isEmpty())
+        catalog.append(addition.table);
+    else
+        catalog.append(addition.table.name, number(addition.column));
+}
+
+void add_in_memory(ado::Catalog& catalog, const Addition& addition) {
+    if (addition.column.isEmpty())
+        catalog.append_in_memory(addition.table);
+    else
+        catalog.append_in_memory(addition.table.name, number(addition.column));
+}
+
+} // namespace
+
+void clsDBConn::Inside::upgrade() {
+    std::vector<Addition> lacks;
+    const bool is_library = reading(ado::Extent::some, [&] {
+        for (const QString& table : {u"Sets"_s, u"CVs"_s}) catalog.columns(table);
+        lacks = missing(catalog);
+    });
+    if (!is_library || lacks.empty()) return; // nothing is added to databases of other kinds
+    if (blocked() == Blocked::no && begin()) {
+        // one refused (a key that old files do not have) does not keep the others out
+        for (const Addition& addition : lacks) changing([&] { add(catalog, addition); });
+        end(true);
+    }
+    reading(ado::Extent::some, [&] {
+        for (const Addition& addition : missing(catalog)) add_in_memory(catalog, addition);
+    });
+}
+
+} // namespace store
