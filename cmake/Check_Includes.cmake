@@ -1,5 +1,7 @@
 # Holds every #include "..." of src against the floors: a file may include its own folder and, directly
 # or through them, what its target links. Run: cmake -DROOT=.. -DLINKS=.. -P Check_Includes.cmake
+cmake_minimum_required(VERSION 3.25)
+
 foreach(entry IN LISTS LINKS)
     if(entry MATCHES "^([^=]+)=(.*)$")
         set(current ${CMAKE_MATCH_1})
