@@ -56,18 +56,23 @@ private:
 } // namespace
 
 void Faulty_Disk::set_fault(const Fault& fault) {
-    fault_ = fault;
-    counted_ = 0;
+    faults_ = {{fault, 0}};
     struck_ = false;
+}
+
+bool Faulty_Disk::Counted_Fault::is_due(Call call) {
+    if (fault.call && *fault.call != call) return false;
+    ++counted;
+    return counted == fault.nth || (fault.lasting && counted > fault.nth);
 }
 
 void Faulty_Disk::pass(Call call, const std::string& path) {
     ++calls_[static_cast<std::size_t>(call)];
-    if (!fault_ || (fault_->call && *fault_->call != call)) return;
-    ++counted_;
-    if (counted_ != fault_->nth && !(fault_->lasting && counted_ > fault_->nth)) return;
-    struck_ = true;
-    throw Error(fault_->kind, path, "refused by the test");
+    for (Counted_Fault& counted : faults_) {
+        if (!counted.is_due(call)) continue;
+        struck_ = true;
+        throw Error(counted.fault.kind, path, "refused by the test");
+    }
 }
 
 void Faulty_Disk::take_room(std::uint64_t bytes, const std::string& path) {

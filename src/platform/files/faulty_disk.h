@@ -32,8 +32,9 @@ public:
 
     explicit Faulty_Disk(Disk& below) : below_(below) {}
 
-    void set_fault(const Fault& fault);
-    void clear_fault() { fault_.reset(); }
+    void set_fault(const Fault& fault); ///< in place of those set before
+    void add_fault(const Fault& fault) { faults_.push_back({fault, 0}); }
+    void clear_fault() { faults_.clear(); }
     /// Writing fails with disk_full when it would lengthen files by more than this, all together.
     void limit_room(std::uint64_t bytes) { room_ = bytes; }
     bool struck() const { return struck_; } ///< the fault has been met since it was set
@@ -58,8 +59,12 @@ public:
 
 private:
     Disk& below_;
-    std::optional<Fault> fault_;
-    int counted_ = 0;
+    struct Counted_Fault {
+        Fault fault;
+        int counted = 0;
+        bool is_due(Call call);
+    };
+    std::vector<Counted_Fault> faults_;
     bool struck_ = false;
     std::optional<std::uint64_t> room_;
     std::array<int, 11> calls_{};

@@ -151,7 +151,10 @@ void File_Pager::notice_state() {
     if ((size % page_size_ != 0 || size > largest_file) && !report_.refusal)
         report_.refusal = {Failure::damaged, "the length is no whole number of pages"};
     const auto mark = mark_now();
-    if (!mark || mark != cached_at_) cache_.clear(); // J10
+    if (!mark || mark != cached_at_) { // J10
+        cache_.clear();
+        ++generation_;
+    }
     cached_at_ = mark;
 }
 
@@ -298,7 +301,6 @@ void File_Pager::store() {
     drop_unchanged();
     if (changed_.empty()) return;
     check_still_named(); // J9
-    cached_at_.reset();
     write_journal(); // J1
     try {
         write_pages();

@@ -160,6 +160,23 @@ TEST(Journal_Crash, work_goes_on_after_a_refusal) {
     }
 }
 
+/// After a refused sync the pages read as new and may not be on the medium. When they cannot be put
+/// back either, whoever comes next must not take the operation for a complete one.
+TEST(Journal_Crash, pages_whose_sync_failed_are_not_believed) {
+    using Call = files::Faulty_Disk::Call;
+    Memory_Disk disk = disk_with(5);
+    {
+        files::Faulty_Disk faulty(disk);
+        const auto pager = open_pager(faulty, name, Open_Mode::read_write);
+        faulty.set_fault({Call::sync, 2, files::Failure::device, false});
+        faulty.add_fault(
+            {Call::write, 5, files::Failure::device, true}); // journal, page, page, mark, ...
+        EXPECT_THROW(put(*pager, {1, 3}, 1), jet::Error);
+        EXPECT_NE(disk.bytes(name), file_of(5));
+    }
+    EXPECT_EQ(content(*open_pager(disk, name, Open_Mode::read_write)), file_of(5));
+}
+
 TEST(Journal_Crash, a_full_disk_takes_the_operation_back) {
     for (std::uint64_t room = 0; room < 60000; room += 512) {
         Memory_Disk disk = disk_with(5);

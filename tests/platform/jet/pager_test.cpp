@@ -268,16 +268,22 @@ TEST(Pager, the_journal_goes_with_the_last_copy) {
 
 TEST(Pager, a_journal_that_was_deleted_by_hand_is_made_anew) {
     Memory_Disk disk = disk_with(4);
-    const auto one = open_pager(disk, name, Open_Mode::read_write);
+    auto one = open_pager(disk, name, Open_Mode::read_write);
     const auto two = open_pager(disk, name, Open_Mode::read_write);
+    auto three = open_pager(disk, name, Open_Mode::read_write);
     put(*one, {1}, 1);
     content(*two);
     disk.remove(journal_name);
     put(*one, {1}, 2);
-    EXPECT_TRUE(disk.file_exists(journal_name));
+    ASSERT_TRUE(disk.file_exists(journal_name));
     EXPECT_EQ(content(*two), disk.bytes(name));
+    const auto before = disk.bytes(journal_name);
     put(*two, {1}, 3);
+    EXPECT_NE(disk.bytes(journal_name), before); // not in the one that nobody would find
     EXPECT_EQ(content(*one), disk.bytes(name));
+    one.reset();
+    three.reset(); // knows only the deleted one, and must not remove the new one
+    EXPECT_TRUE(disk.file_exists(journal_name));
 }
 
 TEST(Page_Cache, the_longest_unused_page_goes_first) {
