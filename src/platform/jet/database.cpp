@@ -3,6 +3,7 @@
 #include "platform/jet/check/check.h"
 #include "platform/jet/engine.h"
 #include "platform/jet/lookup.h"
+#include "platform/jet/statement.h"
 #include "platform/jet/text.h"
 
 #include <algorithm>
@@ -59,6 +60,23 @@ std::optional<std::vector<Value>> Table::row(Row_Id id) const {
             values.push_back(value_at(source, i));
         return values;
     });
+}
+
+Inserted Table::insert(std::span<const Cell> cells) const {
+    Statement statement(*engine_);
+    Inserted inserted;
+    engine_->change([&] { statement.insert(id_, cells); }, [&] { inserted = statement.apply(); });
+    return inserted;
+}
+
+void Table::update(Row_Id id, std::span<const Cell> cells) const {
+    Statement statement(*engine_);
+    engine_->change([&] { statement.update(id_, id, cells); }, [&] { statement.apply(); });
+}
+
+void Table::erase(Row_Id id) const {
+    Statement statement(*engine_);
+    engine_->change([&] { statement.erase(id_, id); }, [&] { statement.apply(); });
 }
 
 Database::Database(std::unique_ptr<Engine> engine) : engine_(std::move(engine)) {}

@@ -11,6 +11,7 @@ namespace {
 
 Blocked blocked_by(Failure refusal) {
     if (refusal == Failure::unsupported) return Blocked::jet3;
+    if (refusal == Failure::damaged) return Blocked::damaged;
     return refusal == Failure::replaced ? Blocked::replaced : Blocked::write_protected;
 }
 
@@ -154,19 +155,16 @@ void Engine::rollback() noexcept {
     forget();
 }
 
-/// What was refused for its data was refused before anything was changed; after any other failure
-/// pages may have been changed in part.
-void Engine::end_refused(const Error& error) noexcept {
-    const bool harmless = error.kind == Failure::refused || error.kind == Failure::not_found ||
-                          error.kind == Failure::read_only;
-    if (!harmless) unfit_ = error;
+void Engine::fail(const Error& error) noexcept {
+    unfit_ = error;
     if (error.kind == Failure::damaged) note_damage(error);
-    rollback();
 }
 
 void Engine::forget() {
     objects_known_ = false;
     for (auto& [id, state] : tables_) state.definition.reset();
+    hints_.clear();
+    numbered_.clear();
 }
 
 void Engine::forget_table(Page_Number id) {

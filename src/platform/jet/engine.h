@@ -3,10 +3,12 @@
 #include "platform/jet/catalogue.h"
 #include "platform/jet/database.h"
 #include "platform/jet/header.h"
+#include "platform/jet/row_heap.h"
 
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -46,22 +48,36 @@ public:
     void rollback() noexcept;
     bool writing() const { return write_depth_ > 0; }
 
-    /// Runs one statement in a transaction of its own, or in the open one. A statement refuses
-    /// before it changes anything; after any other failure the transaction can only be rolled back.
-    template <typename Statement>
-    void change(Statement statement) {
+    /// Runs a change in a transaction of its own, or in the open one. What `plan` refuses leaves
+    /// everything as it was; when `apply` fails, the transaction can only be rolled back.
+    template <typename Plan, typename Apply>
+    void change(Plan plan, Apply apply) {
         begin_write();
         try {
-            statement();
+            plan();
         } catch (const Error& error) {
-            end_refused(error);
+            if (error.kind == Failure::damaged) fail(error);
+            rollback();
+            throw;
+        } catch (...) {
+            rollback();
+            throw;
+        }
+        try {
+            apply();
+        } catch (const Error& error) {
+            fail(error);
+            rollback();
             throw;
         } catch (const std::exception& error) {
-            end_refused(Error(Failure::device, path_, error.what()));
+            fail(Error(Failure::device, path_, error.what()));
+            rollback();
             throw;
         }
         commit();
     }
+    /// Nothing is written any more in this run.
+    void note_damage(const Error& error) noexcept;
     /// Runs something that reads; damage that it meets makes the file read-only for the run.
     template <typename Look>
     auto watch(Look look) {
@@ -84,6 +100,11 @@ public:
     void forget();
     void forget_table(Page_Number id);
 
+    Heap_Hints& hints() { return hints_; }
+    /// Whether the table gets its first autonumber since something may have been changed elsewhere;
+    /// afterwards its counter holds.
+    bool first_numbering(Page_Number table) { return numbered_.insert(table).second; }
+
     std::uint64_t changes() const { return changes_; }
     std::uint64_t change_count();
     check::Report check();
@@ -97,8 +118,7 @@ private:
     void check_tables();
     void ensure_writable() const;
     void check_once();
-    void end_refused(const Error& error) noexcept;
-    void note_damage(const Error& error) noexcept;
+    void fail(const Error& error) noexcept;
     void load_objects();
     void load(Table_State& state);
 
@@ -118,6 +138,8 @@ private:
     std::shared_ptr<const Definition> objects_definition_;
     std::vector<Object> objects_;
     std::map<Page_Number, Table_State> tables_;
+    Heap_Hints hints_;
+    std::set<Page_Number> numbered_;
     std::optional<double> date_;
 };
 

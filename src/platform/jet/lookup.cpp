@@ -1,6 +1,7 @@
 #include "platform/jet/lookup.h"
 
 #include "platform/jet/cell.h"
+#include "platform/jet/index_tree.h"
 #include "platform/jet/scan.h"
 
 #include <algorithm>
@@ -41,6 +42,11 @@ std::vector<Row_Id> rows_sorted(Engine& engine, const Definition& definition,
     return rows;
 }
 
+Index_Tree tree_of(Engine& engine, const Table_State& table, std::size_t real) {
+    const auto& index = table.definition->reals[real];
+    return {engine.pager(), table.object.page(), index.root, index.map};
+}
+
 } // namespace
 
 std::size_t position_of(const Definition& definition, std::uint16_t column_number) {
@@ -60,7 +66,16 @@ std::optional<std::vector<Row_Id>> rows_in_key_order(Engine& engine, const Table
     const auto& definition = *table.definition;
     const auto* primary = definition.primary_key();
     if (primary == nullptr) return std::nullopt;
-    return rows_sorted(engine, definition, definition.reals[primary->real]);
+    try {
+        std::vector<Row_Id> rows;
+        for (auto at = tree_of(engine, table, primary->real).first(); !at.at_end(); at.next())
+            rows.push_back({at.row().page, at.row().row});
+        return rows;
+    } catch (const Error& error) {
+        if (error.kind != Failure::damaged) throw;
+        engine.note_damage(error);
+        return rows_sorted(engine, definition, definition.reals[primary->real]);
+    }
 }
 
 std::optional<Access_Path> access_path(const Table_State& table,
@@ -81,9 +96,17 @@ std::optional<Access_Path> access_path(const Table_State& table,
     return best;
 }
 
-std::vector<Row_Id> rows_with_key(Engine&, const Table_State&, std::size_t,
-                                  std::span<const Value>) {
-    return {};
+std::vector<Row_Id> rows_with_key(Engine& engine, const Table_State& table, std::size_t real,
+                                  std::span<const Value> values) {
+    const auto wanted = key_of(table.shapes[real].columns, values);
+    std::vector<Row_Id> rows;
+    for (auto at = tree_of(engine, table, real).lower_bound(wanted); !at.at_end(); at.next()) {
+        const auto key = at.key();
+        if (key.size() < wanted.size() || !std::equal(wanted.begin(), wanted.end(), key.begin()))
+            break;
+        rows.push_back({at.row().page, at.row().row});
+    }
+    return rows;
 }
 
 } // namespace jet

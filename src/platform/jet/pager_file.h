@@ -34,6 +34,7 @@ public:
     std::span<std::byte> change(Page_Number number) override;
     Page_Number append() override;
     Pager_Report report() const override { return report_; }
+    std::uint64_t generation() const override { return generation_; }
 
 private:
     void open_file(Open_Mode mode);
@@ -79,6 +80,7 @@ private:
     int read_depth_ = 0;
     int write_depth_ = 0;
     bool doomed_ = false; ///< rolled back at an inner level
+    std::uint64_t generation_ = 0; ///< counts how often the cache had to start anew
     Page_Cache cache_{4096};
     std::optional<Cache_Mark> cached_at_;
     Changed_Pages changed_;

@@ -1,0 +1,78 @@
+#pragma once
+
+#include "platform/jet/engine.h"
+#include "platform/jet/table_writer.h"
+
+#include <deque>
+#include <map>
+#include <set>
+#include <span>
+#include <vector>
+
+namespace jet {
+
+/// One insert, update or delete with all that relations entail. First everything is planned, and
+/// whatever must be refused is refused; apply() then changes the file and can only fail when the
+/// file or the medium does.
+class Statement {
+public:
+    explicit Statement(Engine& engine) : engine_(engine) {}
+
+    void insert(Page_Number table, std::span<const Cell> cells);
+    void update(Page_Number table, Row_Id row, std::span<const Cell> cells);
+    void erase(Page_Number table, Row_Id row);
+    /// @return the row that was inserted, if any.
+    Inserted apply();
+
+private:
+    enum class Kind { insert, update, erase };
+    struct Planned {
+        Kind kind = Kind::insert;
+        Page_Number table = 0;
+        Row_Id row;
+        std::vector<Value> before; ///< the columns of indexes; others are null
+        std::vector<Value> values; ///< the same, and all that is set
+        std::vector<bool> changed;
+        std::optional<std::int32_t> auto_number;
+    };
+    /// A row that refers to one that goes or gets another key, in a relation without cascades.
+    struct Forbidding {
+        Page_Number table;
+        Row_Id row;
+        std::u16string relation;
+    };
+
+    const Table_State& writable_table(Page_Number id);
+    Table_Writer writer(const Table_State& table);
+    std::vector<Value> read_indexed(const Table_State& table, Row_Id row);
+    Planned* planned(Page_Number table, Row_Id row);
+    Planned& plan(const Table_State& table, Row_Id row, Kind kind);
+    void plan_update(const Table_State& table, Row_Id row, std::span<const Cell> cells);
+
+    void set_cell(const Table_State& table, Planned& row, std::size_t column, const Value& value);
+    void number_row(const Table_State& table, Planned& row);
+    std::int32_t highest_number(const Table_State& table, std::size_t column);
+
+    void finish_plan();
+    void follow_relations(Planned& row);
+    void follow(const Table_State& table, Planned& row, const Logical_Index& index);
+    void follow_to(const Table_State& child, Row_Id child_row, const Planned& row,
+                   const Logical_Index& index, const std::vector<Cell>& new_reference);
+    const Logical_Index& partner(const Logical_Index& index, const Table_State& other) const;
+
+    void check_row(const Planned& row);
+    void check_required(const Table_State& table, const Planned& row) const;
+    void check_length(const Table_State& table, const Planned& row) const;
+    void check_index(const Table_State& table, const Planned& row, std::size_t real);
+    void check_reference(const Table_State& table, const Planned& row, const Logical_Index& index);
+    bool planned_key(const Table_State& table, std::size_t real, const Bytes& key);
+
+    Engine& engine_;
+    std::deque<Planned> plan_; ///< references stay valid while it grows
+    std::map<std::pair<Page_Number, Row_Id>, std::size_t> places_;
+    std::deque<std::size_t> to_follow_;
+    std::vector<Forbidding> forbidding_;
+    std::map<std::pair<Page_Number, std::size_t>, std::set<Bytes>> new_keys_; ///< of unique indexes
+};
+
+} // namespace jet

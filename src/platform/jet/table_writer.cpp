@@ -1,0 +1,205 @@
+#include "platform/jet/table_writer.h"
+
+#include "platform/jet/long_value.h"
+#include "platform/jet/lookup.h"
+
+#include <algorithm>
+
+namespace jet {
+namespace {
+
+constexpr std::size_t longest_in_row = 64; ///< a long value beside its header
+constexpr std::size_t all_in_row = 1024;   ///< the same for all columns of a row together
+constexpr std::size_t longest_one_row = 4076;
+constexpr std::size_t longest_piece = 4072; ///< a pointer to the next one goes before it
+constexpr std::size_t unique_count_in_block = 4;
+
+Row_Pointer pointer(Row_Id id) { return {id.page, id.slot}; }
+Row_Id row_id(Row_Pointer at) { return {at.page, at.row}; }
+
+Bytes long_cell(std::size_t length, Long_Header::Kind kind, Row_Pointer first) {
+    Bytes cell(Long_Header::size);
+    store_u32(cell.data(), length | std::uint64_t{static_cast<std::uint8_t>(kind)} << 30U);
+    store_u32(cell.data() + 4, first.number());
+    return cell;
+}
+
+} // namespace
+
+Row_Heap Table_Writer::heap() const {
+    return {*pager_, space_, *hints_, definition_->page(), definition_->owned, definition_->free};
+}
+
+Row_Heap Table_Writer::long_heap(const Column_Record& column) const {
+    for (const auto& maps : definition_->long_maps)
+        if (maps.column == column.number && maps.owned.page != 0)
+            return {*pager_, space_, *hints_, Row_Heap::long_values, maps.owned, maps.free};
+    throw damaged(definition_->page(), "a column of long values without maps");
+}
+
+Index_Tree Table_Writer::tree(std::size_t real) const {
+    const auto& index = definition_->reals[real];
+    return {*pager_, definition_->page(), index.root, index.map};
+}
+
+std::optional<Bytes> Table_Writer::key(std::size_t real, const std::vector<Value>& values) const {
+    std::vector<Value> of_index;
+    for (const auto& part : definition_->reals[real].columns)
+        of_index.push_back(values[position_of(*definition_, part.column)]);
+    const auto& shape = table_->shapes[real];
+    if (null_rule(shape, of_index) == Null_Rule::left_out) return std::nullopt;
+    return key_of(shape.columns, of_index);
+}
+
+Bytes Table_Writer::store_long(const Column_Record& column, const Bytes& data) const {
+    using Kind = Long_Header::Kind;
+    auto rows = long_heap(column);
+    if (data.size() <= std::min(longest_in_row, all_in_row / definition_->long_maps.size())) {
+        auto cell = long_cell(data.size(), Kind::in_row, {});
+        cell.insert(cell.end(), data.begin(), data.end());
+        return cell;
+    }
+    if (data.size() <= longest_one_row)
+        return long_cell(data.size(), Kind::one_row, rows.add(data, Slot_Kind::live));
+    // The last piece goes first, since each one names the next. The first one takes a page of its
+    // own: the stamp of the page and that in the header are both 0 then.
+    Row_Pointer next;
+    for (auto at = (data.size() - 1) / longest_piece * longest_piece;; at -= longest_piece) {
+        const auto size = std::min(longest_piece, data.size() - at);
+        Bytes piece(4);
+        store_u32(piece.data(), next.number());
+        const auto begin = data.begin() + static_cast<std::ptrdiff_t>(at);
+        piece.insert(piece.end(), begin, begin + static_cast<std::ptrdiff_t>(size));
+        next = rows.add(piece, Slot_Kind::live, at == 0);
+        if (at == 0) return long_cell(data.size(), Kind::chain, next);
+    }
+}
+
+void Table_Writer::free_long(const Column_Record& column, const Bytes& cell) const {
+    const View view(cell, definition_->page());
+    const auto pieces = long_value_pieces(*pager_, jet4_layout, view);
+    if (pieces.empty()) return;
+    auto rows = long_heap(column);
+    for (const auto& piece : pieces) rows.remove(piece);
+}
+
+void Table_Writer::free_long_values(const Raw_Cells& cells) const {
+    for (std::size_t i = 0; i < cells.size(); ++i)
+        if (definition_->columns[i].long_value() && cells[i])
+            free_long(definition_->columns[i], *cells[i]);
+}
+
+Bytes Table_Writer::stored_cell(const Column_Record& column, const Value& value) const {
+    auto bytes = encode_cell(column, value);
+    return column.long_value() ? store_long(column, bytes) : bytes;
+}
+
+std::vector<Value> Table_Writer::values_of(const Row_Source& source) const {
+    std::vector<Value> values(definition_->columns.size());
+    for (const auto& real : definition_->reals)
+        for (const auto& part : real.columns) {
+            const auto position = position_of(*definition_, part.column);
+            values[position] = value_at(source, position);
+        }
+    return values;
+}
+
+void Table_Writer::add_to_count(std::size_t at, std::int32_t by) {
+    auto* field = pager_->change(definition_->page()).data() + at;
+    const auto count = load_u32(field);
+    if (by >= 0 || count > 0) store_u32(field, count + static_cast<std::uint32_t>(by));
+}
+
+void Table_Writer::add_entry(std::size_t real, const Bytes& key, Row_Id id) {
+    if (tree(real).insert(space_, key, pointer(id)))
+        add_to_count(
+            jet4_layout.blocks + jet4_layout.entry_count_size * real + unique_count_in_block, 1);
+}
+
+Row_Id Table_Writer::insert(const std::vector<Value>& values) {
+    Raw_Cells cells(values.size());
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const auto& column = definition_->columns[i];
+        const bool there = column.boolean() ? std::get<bool>(values[i]) : !is_null(values[i]);
+        if (there) cells[i] = stored_cell(column, values[i]);
+    }
+    const auto id = row_id(heap().add(encode_row(*definition_, cells), Slot_Kind::live));
+    for (std::size_t real = 0; real < definition_->reals.size(); ++real)
+        if (const auto entry = key(real, values)) add_entry(real, *entry, id);
+    add_to_count(jet4_layout.row_count, 1);
+    return id;
+}
+
+void Table_Writer::replace_row(Row_Id id, Row_Id place, const Bytes& row) {
+    auto rows = heap();
+    const bool moved = place != id;
+    if (rows.replace(pointer(id), row, Slot_Kind::live)) { // a moved row may find room at home
+        if (moved) rows.remove(pointer(place));
+        return;
+    }
+    if (moved && rows.replace(pointer(place), row, Slot_Kind::moved)) return;
+    const auto at = rows.add(row, Slot_Kind::moved);
+    if (moved) rows.remove(pointer(place));
+    Bytes to_it(4);
+    store_u32(to_it.data(), at.number());
+    rows.replace(pointer(id), to_it, Slot_Kind::pointer);
+}
+
+void Table_Writer::update(Row_Id id, const std::vector<Value>& values,
+                          const std::vector<bool>& changed) {
+    Row_Source source(*pager_, *definition_);
+    if (!source.find(id)) throw damaged(id.page, "a row that is no longer there");
+    const auto before = values_of(source);
+    auto cells = raw_cells(*definition_, source.row());
+    Raw_Cells replaced(cells.size());
+    for (std::size_t i = 0; i < cells.size(); ++i) {
+        if (!changed[i]) continue;
+        const auto& column = definition_->columns[i];
+        const bool there = column.boolean() ? std::get<bool>(values[i]) : !is_null(values[i]);
+        replaced[i] = std::exchange(cells[i], std::nullopt);
+        if (there) cells[i] = stored_cell(column, values[i]);
+    }
+    replace_row(id, source.place(), encode_row(*definition_, cells));
+    free_long_values(replaced);
+    for (std::size_t real = 0; real < definition_->reals.size(); ++real) {
+        const auto old_key = key(real, before);
+        const auto new_key = key(real, values);
+        if (old_key == new_key) continue;
+        if (old_key) tree(real).erase(space_, *old_key, pointer(id));
+        if (new_key) add_entry(real, *new_key, id);
+    }
+}
+
+void Table_Writer::erase(Row_Id id) {
+    Row_Source source(*pager_, *definition_);
+    if (!source.find(id)) throw damaged(id.page, "a row that is no longer there");
+    const auto before = values_of(source);
+    free_long_values(raw_cells(*definition_, source.row()));
+    auto rows = heap();
+    if (source.place() != id) rows.remove(pointer(source.place()));
+    rows.remove(pointer(id));
+    for (std::size_t real = 0; real < definition_->reals.size(); ++real)
+        if (const auto entry = key(real, before)) tree(real).erase(space_, *entry, pointer(id));
+    add_to_count(jet4_layout.row_count, -1);
+}
+
+void Table_Writer::rewrite(Row_Id id, const Definition& before) {
+    Row_Source source(*pager_, before);
+    if (!source.find(id)) throw damaged(id.page, "a row that is no longer there");
+    auto cells = raw_cells(before, source.row());
+    cells.resize(definition_->columns.size()); // the new columns come last
+    replace_row(id, source.place(), encode_row(*definition_, cells));
+}
+
+std::int32_t Table_Writer::last_auto_number() const {
+    const Page page = pager_->read(definition_->page());
+    return View(*page, definition_->page()).i32(jet4_layout.auto_number);
+}
+
+void Table_Writer::note_auto_number(std::int32_t number) {
+    if (number <= last_auto_number()) return;
+    store_u32(pager_->change(definition_->page()).data() + jet4_layout.auto_number,
+              static_cast<std::uint32_t>(number));
+}
+
+} // namespace jet

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "platform/files/memory_disk.h"
+#include "platform/jet/check/check.h"
+#include "platform/jet/database.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+/// What several tests of the engine need: databases on a disk in memory, and the judge.
+namespace fixture {
+
+inline constexpr const char* path = "/library.mdb";
+
+/// Puts a file of the real disk on the disk in memory. @return false when it is absent.
+bool load(files::Memory_Disk& disk, const std::string& from);
+
+/// What the checker says is wrong, one sentence a line; warnings only if asked for.
+std::string faults(jet::Database& database, bool warnings = false);
+
+inline jet::Database open(files::Disk& disk, jet::Mode mode = jet::Mode::read_write) {
+    return jet::Database::open(disk, path, mode);
+}
+
+/// The kind of the jet::Error that `action` throws; nothing when it throws none.
+template <typename Action>
+std::optional<jet::Failure> failure(Action action) {
+    try {
+        action();
+        return std::nullopt;
+    } catch (const jet::Error& error) {
+        return error.kind;
+    }
+}
+
+/// Columns and indexes in one line.
+jet::Column column(std::u16string name, jet::Column_Type type = jet::Column_Type::long_integer,
+                   std::size_t length = 0);
+jet::Index primary_key(std::u16string column_name);
+
+} // namespace fixture
