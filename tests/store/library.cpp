@@ -1,0 +1,95 @@
+#include "store/library.h"
+
+#include <QFile>
+#include <QJsonDocument>
+
+#include <filesystem>
+
+namespace library {
+
+namespace {
+
+std::string sample_file(const std::string& name) {
+    return std::string(CV_SETS_SAMPLES) + "/" + name;
+}
+
+QByteArray content(const std::string& path) {
+    QFile file(QString::fromStdString(path));
+    if (!file.open(QIODevice::ReadOnly)) ADD_FAILURE() << "cannot read " << path;
+    return file.readAll();
+}
+
+} // namespace
+
+std::vector<std::string> Shown_List::texts() const {
+    std::vector<std::string> texts;
+    for (const auto& [text, id] : entries) texts.push_back(text);
+    return texts;
+}
+
+std::vector<std::string> names() {
+    if (!std::filesystem::exists(sample_file("library_2000.mdb"))) return {};
+    return {"library_2000",    "library_2003", "old_library",
+            "partly_numbered", "worn_library", "orphans"};
+}
+
+std::vector<QJsonObject> expected_rows(const std::string& sample, const QString& table) {
+    const auto document = QJsonDocument::fromJson(content(sample_file(sample + ".expected.json")));
+    std::vector<QJsonObject> found;
+    for (const auto entry : document[QStringLiteral("tables")].toArray()) {
+        if (entry[QStringLiteral("name")].toString() != table) continue;
+        const QJsonArray columns = entry[QStringLiteral("columns")].toArray();
+        for (const auto values : entry[QStringLiteral("rows")].toArray()) {
+            QJsonObject row;
+            for (qsizetype i = 0; i < columns.size(); ++i)
+                row[columns[i][QStringLiteral("name")].toString()] = values.toArray()[i];
+            found.push_back(row);
+        }
+    }
+    return found;
+}
+
+void put(files::Memory_Disk& disk, const std::string& sample, const std::string& path) {
+    const QByteArray bytes = content(sample_file(sample + ".mdb"));
+    const auto view =
+        std::as_bytes(std::span(bytes.data(), static_cast<std::size_t>(bytes.size())));
+    disk.set_bytes(path, {view.begin(), view.end()});
+}
+
+Shown sets(store::clsDBConn& connection, std::int16_t res_cv) {
+    Shown_List list;
+    connection.Fill_Sets_in_Listbox(list, res_cv);
+    return list.entries;
+}
+
+Shown cvs(store::clsDBConn& connection, std::int32_t set_id) {
+    Shown_List list;
+    const int count = connection.Fill_CVs_in_Listbox(list, set_id);
+    EXPECT_EQ(static_cast<std::size_t>(count), list.entries.size());
+    return list.entries;
+}
+
+std::string trouble(store::clsDBConn& connection) {
+    static const char* const kinds[] = {"not_open",         "no_set",      "not_found", "denied",
+                                        "not_a_database",   "unsupported", "damaged",   "read_only",
+                                        "locked_elsewhere", "replaced",    "disk_full", "device",
+                                        "refused"};
+    const auto taken = connection.take_trouble();
+    return taken ? kinds[static_cast<int>(taken->kind)] : "";
+}
+
+} // namespace library
+
+void On_Library::open(const std::string& sample, bool write_protected) {
+    if (library::names().empty()) GTEST_SKIP() << "no samples";
+    library::put(disk, sample, "a.mdb");
+    if (write_protected) disk.protect("a.mdb");
+    db.Connection_Start(QStringLiteral("a.mdb"));
+    ASSERT_TRUE(db.Connection_Active()) << library::trouble(db);
+}
+
+void On_Library::reopen() {
+    db.Connection_Close();
+    db.Connection_Start(QStringLiteral("a.mdb"));
+    ASSERT_TRUE(db.Connection_Active()) << library::trouble(db);
+}

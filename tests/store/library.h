@@ -1,0 +1,49 @@
+#pragma once
+
+#include "platform/files/memory_disk.h"
+#include "store/clsDBConn.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <gtest/gtest.h>
+
+#include <utility>
+#include <vector>
+
+/// A library on a disk in memory, and what a list of it shows.
+namespace library {
+
+using Shown = std::vector<std::pair<std::string, int>>;
+
+class Shown_List : public store::List_Filler {
+public:
+    void clear() override { entries.clear(); }
+    void add(const QString& text, std::int32_t item_data) override {
+        entries.emplace_back(text.toStdString(), item_data);
+    }
+    std::vector<std::string> texts() const;
+    Shown entries;
+};
+
+/// The libraries among the samples; empty where the folder is absent.
+std::vector<std::string> names();
+/// Rows of a table as an independent reader found them, by column name, in table order.
+std::vector<QJsonObject> expected_rows(const std::string& sample, const QString& table);
+/// Puts a copy of a sample there.
+void put(files::Memory_Disk& disk, const std::string& sample, const std::string& path);
+
+Shown sets(store::clsDBConn& connection, std::int16_t res_cv);
+Shown cvs(store::clsDBConn& connection, std::int32_t set_id);
+std::string trouble(store::clsDBConn& connection); ///< what was noted, in words; takes it
+
+} // namespace library
+
+/// Opens samples on a disk of its own; skips the test where there are none.
+class On_Library : public testing::Test {
+protected:
+    void open(const std::string& sample, bool write_protected = false);
+    void reopen();
+
+    files::Memory_Disk disk;
+    store::clsDBConn db{disk};
+};
