@@ -95,12 +95,12 @@ inline int sweep_refusals(const files::Memory_Disk& before, const Operation& ope
                           const Disk_Check& check) {
     using Fault = files::Faulty_Disk::Fault;
     const Fault faults[] = {
-        {{}, 1, files::Failure::device, false},
-        {{}, 1, files::Failure::device, true},
-        {files::Faulty_Disk::Call::write, 1, files::Failure::disk_full, true},
-        {files::Faulty_Disk::Call::sync, 1, files::Failure::device, true},
-        {files::Faulty_Disk::Call::lock, 1, files::Failure::locked_elsewhere, false},
-        {files::Faulty_Disk::Call::open, 1, files::Failure::denied, false}};
+        {{}, 1, files::Failure::device, false, ""},
+        {{}, 1, files::Failure::device, true, ""},
+        {files::Faulty_Disk::Call::write, 1, files::Failure::disk_full, true, ""},
+        {files::Faulty_Disk::Call::sync, 1, files::Failure::device, true, ""},
+        {files::Faulty_Disk::Call::lock, 1, files::Failure::locked_elsewhere, false, ""},
+        {files::Faulty_Disk::Call::open, 1, files::Failure::denied, false, ""}};
     int met = 0;
     int number = 0;
     for (Fault fault : faults) {

@@ -60,8 +60,10 @@ void Faulty_Disk::set_fault(const Fault& fault) {
     struck_ = false;
 }
 
-bool Faulty_Disk::Counted_Fault::is_due(Call call) {
-    if (fault.call && *fault.call != call) return false;
+bool Faulty_Disk::Counted_Fault::is_due(Call call, const std::string& path) {
+    const bool concerned =
+        (!fault.call || *fault.call == call) && (fault.path.empty() || fault.path == path);
+    if (!concerned) return false;
     ++counted;
     return counted == fault.nth || (fault.lasting && counted > fault.nth);
 }
@@ -69,7 +71,7 @@ bool Faulty_Disk::Counted_Fault::is_due(Call call) {
 void Faulty_Disk::pass(Call call, const std::string& path) {
     ++calls_[static_cast<std::size_t>(call)];
     for (Counted_Fault& counted : faults_) {
-        if (!counted.is_due(call)) continue;
+        if (!counted.is_due(call, path)) continue;
         struck_ = true;
         throw Error(counted.fault.kind, path, "refused by the test");
     }

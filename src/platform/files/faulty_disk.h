@@ -28,6 +28,7 @@ public:
         int nth = 1;                    ///< counted from now on, the first call is 1
         Failure kind = Failure::device; ///< a lock refused with locked_elsewhere just returns false
         bool lasting = false;           ///< all later ones of the kind, too
+        std::string path;               ///< only calls that concern this path; empty: any
     };
 
     explicit Faulty_Disk(Disk& below) : below_(below) {}
@@ -62,7 +63,7 @@ private:
     struct Counted_Fault {
         Fault fault;
         int counted = 0;
-        bool is_due(Call call);
+        bool is_due(Call call, const std::string& path);
     };
     std::vector<Counted_Fault> faults_;
     bool struck_ = false;

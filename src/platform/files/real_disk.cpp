@@ -108,7 +108,7 @@ bool Real_File::lock(Lock wanted, std::chrono::milliseconds patience) {
     request.l_whence = SEEK_SET;
     const auto deadline = std::chrono::steady_clock::now() + patience;
     for (auto pause = std::chrono::milliseconds(1);;
-         pause = std::min(2 * pause, std::chrono::milliseconds(16))) {
+         pause = std::min(2 * pause, std::chrono::milliseconds(4))) {
         if (persistently([&] { return ::fcntl(handle_, F_OFD_SETLK, &request); }) == 0) return true;
         if (errno != EAGAIN && errno != EACCES) fail(path_);
         if (std::chrono::steady_clock::now() >= deadline) return false;

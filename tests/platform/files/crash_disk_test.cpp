@@ -111,7 +111,7 @@ TEST(Crash_Sweep, a_refusal_before_the_name_changes_leaves_the_old_file_alone) {
         Memory_Disk disk;
         disk.set_bytes("a", filled(100, 1));
         Faulty_Disk faulty(disk);
-        faulty.set_fault({call, 1, Failure::disk_full, false});
+        faulty.set_fault({call, 1, Failure::disk_full, false, ""});
         EXPECT_THROW(replace_file(faulty, "a", filled(10, 2)), Error);
         EXPECT_THAT(disk.paths(), ElementsAre("a")) << static_cast<int>(call);
         EXPECT_EQ(disk.bytes("a"), filled(100, 1));
@@ -141,7 +141,7 @@ TEST(Faulty_Disk, refuses_the_calls_that_are_asked_for) {
     Memory_Disk disk;
     Faulty_Disk faulty(disk);
     const auto file = faulty.open("a", Access::create_new);
-    faulty.set_fault({Call::write, 2, Failure::disk_full, true});
+    faulty.set_fault({Call::write, 2, Failure::disk_full, true, ""});
     file->write_at(0, filled(10, 1));
     EXPECT_FALSE(faulty.struck());
     EXPECT_THROW(file->write_at(10, filled(10, 2)), Error);
@@ -155,7 +155,7 @@ TEST(Faulty_Disk, refuses_the_calls_that_are_asked_for) {
     file->write_at(0, filled(35, 4));
     EXPECT_THROW(file->write_at(35, filled(1, 4)), Error);
     file->write_at(0, filled(35, 5)); // what is there can be overwritten
-    faulty.set_fault({Call::lock, 1, Failure::locked_elsewhere, false});
+    faulty.set_fault({Call::lock, 1, Failure::locked_elsewhere, false, ""});
     EXPECT_FALSE(file->lock(Lock::shared, {}));
     EXPECT_TRUE(file->lock(Lock::shared, {}));
 }

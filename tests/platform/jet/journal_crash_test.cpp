@@ -100,7 +100,7 @@ TEST(Journal_Crash, what_was_seen_after_a_restart_stays) {
         Memory_Disk before = disk_with(7);
         files::Crash_Disk disk(before);
         files::Faulty_Disk killing(disk);
-        killing.set_fault({{}, nth, files::Failure::device, true});
+        killing.set_fault({{}, nth, files::Failure::device, true, ""});
         try {
             script.run(killing);
         } catch (const jet::Error&) {
@@ -141,7 +141,7 @@ TEST(Journal_Crash, work_goes_on_after_a_refusal) {
                 const auto pager = open_pager(faulty, name, Open_Mode::read_write);
                 const auto other = open_pager(disk, name, Open_Mode::read_write);
                 auto expected = content(*pager);
-                faulty.set_fault({call, nth, files::Failure::device, lasting});
+                faulty.set_fault({call, nth, files::Failure::device, lasting, ""});
                 try {
                     put(*pager, {1, 2, 6}, 1);
                     expected = disk.bytes(name);
@@ -168,10 +168,11 @@ TEST(Journal_Crash, pages_whose_sync_failed_are_not_believed) {
     {
         files::Faulty_Disk faulty(disk);
         const auto pager = open_pager(faulty, name, Open_Mode::read_write);
-        faulty.set_fault({Call::sync, 2, files::Failure::device, false});
-        faulty.add_fault(
-            {Call::write, 5, files::Failure::device, true}); // journal, page, page, mark, ...
-        EXPECT_THROW(put(*pager, {1, 3}, 1), jet::Error);
+        faulty.set_fault({Call::sync, 1, files::Failure::device, false, name});
+        faulty.add_fault({Call::write, 2, files::Failure::device, true, name}); // the putting back
+        pager->begin_write();
+        pager->change(2)[4000] = std::byte{1}; // behind what a short write puts back
+        EXPECT_THROW(pager->commit(), jet::Error);
         EXPECT_NE(disk.bytes(name), file_of(5));
     }
     EXPECT_EQ(content(*open_pager(disk, name, Open_Mode::read_write)), file_of(5));

@@ -18,7 +18,7 @@ using namespace pager_tests;
 
 namespace {
 
-constexpr Page_Number pages = 12;
+constexpr Page_Number pages = 24;
 
 /// A process that runs the step and ends with 0 if it returned true.
 pid_t start(const std::function<bool()>& step) {
@@ -45,11 +45,12 @@ std::uint32_t state_of(jet::Pager& pager, Page_Number number) {
     return value;
 }
 
-/// Every page but the first holds one number; a transaction raises it in all of them.
+/// Every second page holds one number; a transaction raises it in all of them. They are no
+/// neighbours, so each is written on its own.
 void raise_all(jet::Pager& pager) {
     pager.begin_write();
     const std::uint32_t next = state_of(pager, 1) + 1;
-    for (Page_Number n = 1; n < pages; ++n)
+    for (Page_Number n = 1; n < pages; n += 2)
         for (const std::size_t at : {0U, 2048U, 4092U}) std::memcpy(&pager.change(n)[at], &next, 4);
     pager.commit();
 }
@@ -59,7 +60,7 @@ std::optional<std::uint32_t> common_state(jet::Pager& pager) {
     pager.begin_read();
     const std::uint32_t state = state_of(pager, 1);
     bool same = true;
-    for (Page_Number n = 2; n < pages; ++n) same = same && state_of(pager, n) == state;
+    for (Page_Number n = 3; n < pages; n += 2) same = same && state_of(pager, n) == state;
     pager.end_read();
     return same ? std::optional(state) : std::nullopt;
 }
@@ -80,7 +81,7 @@ protected:
 };
 
 TEST_F(Pager_Process, two_write_in_turn_and_a_third_never_sees_half) {
-    const std::uint32_t rounds = support::long_tests() ? 3000 : 150;
+    const std::uint32_t rounds = support::long_tests() ? 3000 : 60;
     const auto write = [&] {
         std::unique_ptr<jet::Pager> pager;
         for (std::uint32_t i = 0; i < rounds; ++i) {
