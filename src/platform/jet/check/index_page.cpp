@@ -7,6 +7,8 @@ Row_Place place_of(std::span<const std::uint8_t> entry) {
     return {std::uint32_t{at[0]} << 16 | std::uint32_t{at[1]} << 8 | at[2], at[3]};
 }
 
+bool precedes(const Key& a, const Key& b) { return std::ranges::lexicographical_compare(a, b); }
+
 void cut_place(Key& entry) { entry.resize(entry.size() - std::min(entry.size(), place_bytes)); }
 
 // Bit i is set where an entry ends, counted from the beginning of the entries.

@@ -107,7 +107,7 @@ private:
         bool more = next(keys, key);
         std::size_t orphans = 0;
         for (Row_Place place; next(rows, row, &place);) {
-            while (more && key < row) more = next(keys, key);
+            while (more && precedes(key, row)) more = next(keys, key);
             if ((more && key == row) || is_null(row, foreign)) continue;
             if (orphans++ < most_told)
                 inspection_.findings.content(

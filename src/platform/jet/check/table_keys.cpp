@@ -14,7 +14,7 @@ void append_place(Key& entry, Row_Place place) {
 
 std::vector<Key> without(const std::vector<Key>& all, const std::vector<Key>& others) {
     std::vector<Key> rest;
-    std::ranges::set_difference(all, others, std::back_inserter(rest));
+    std::ranges::set_difference(all, others, std::back_inserter(rest), precedes);
     return rest;
 }
 
@@ -78,8 +78,8 @@ void Table_Check::explain(std::uint32_t number) {
 
 void Table_Check::report_differences(std::uint32_t number, std::vector<Key>& rows,
                                      std::vector<Key>& tree) {
-    std::ranges::sort(rows);
-    std::ranges::sort(tree);
+    std::ranges::sort(rows, precedes);
+    std::ranges::sort(tree, precedes);
     std::vector<Key> missing = without(rows, tree), extra = without(tree, rows);
     const std::string& index = table_.reals[number].words;
     std::size_t told = 0;

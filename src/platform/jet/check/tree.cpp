@@ -165,7 +165,7 @@ private:
     void check_order(std::uint32_t number, std::size_t i, const Key& entry) {
         check_pending(entry);
         if (last_.empty()) return;
-        if (!(last_ < entry)) {
+        if (!precedes(last_, entry)) {
             fault(What::index_order, number, words("has entry ", i, " out of order"));
             state_.sorted = false;
         } else if (index_.unique() && same_key(last_, entry) &&
@@ -202,7 +202,7 @@ private:
     /// as it stays below what follows.
     void check_copy(std::uint32_t number, std::size_t i, const Key& copy) {
         if (copy == last_ || last_.empty()) return;
-        if (copy < last_)
+        if (precedes(copy, last_))
             fault(What::index_node_copy, number,
                   words("has an entry (", i, ") that is less than the last one below it"));
         else
@@ -211,7 +211,7 @@ private:
 
     void check_pending(const Key& entry) {
         if (pending_.copy.empty()) return;
-        if (!entry.empty() && !(pending_.copy < entry))
+        if (!entry.empty() && !precedes(pending_.copy, entry))
             fault(What::index_node_copy, pending_.page,
                   words("has an entry (", pending_.position, ") that reaches into the next child"));
         else

@@ -13,6 +13,8 @@ inline constexpr std::size_t place_bytes = 4;
 
 /// The row of an entry, which has at least those bytes.
 Row_Place place_of(std::span<const std::uint8_t> entry);
+/// The order of entries: that of their bytes.
+bool precedes(const Key& a, const Key& b);
 /// Leaves only the key of an entry.
 void cut_place(Key& entry);
 
