@@ -46,7 +46,10 @@ TEST(Saving_A_Project_File, leaves_the_old_or_the_new_one_whole_whatever_call_is
         for (int nth = 1;; ++nth) {
             SCOPED_TRACE(testing::Message() << "call " << nth << (lasting ? " and all later" : ""));
             Saving saving;
-            saving.faulty.set_fault({.call = {}, .nth = nth, .lasting = lasting});
+            files::Faulty_Disk::Fault fault;
+            fault.nth = nth;
+            fault.lasting = lasting;
+            saving.faulty.set_fault(fault);
             const auto report = saving.save();
             if (!saving.faulty.struck()) {
                 EXPECT_TRUE(report.written);
