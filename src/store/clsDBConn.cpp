@@ -179,7 +179,9 @@ int clsDBConn::script_states_left_out() const { return inside_->states_left_out;
 
 int clsDBConn::sets_in_no_view() const { return inside_->sets_in_no_view; }
 
-int clsDBConn::sets_completed_in_memory() const { return inside_->sets_completed; }
+int clsDBConn::sets_completed_in_memory() const {
+    return static_cast<int>(inside_->completed.size());
+}
 
 int clsDBConn::set_name_width() const { return inside_->width("Sets"_L1, "Name"_L1); }
 

@@ -64,7 +64,7 @@ public:
     int script_states_left_out() const;
     /// Sets with a reset CV other than 8 and 265, which no view shows; at the last set list.
     int sets_in_no_view() const;
-    /// Sets whose missing number or reset CV the last set list completed in memory only.
+    /// Sets whose missing number or reset CV was completed in memory only.
     int sets_completed_in_memory() const;
 
     /// Longest text that fits, in characters; 0 when no database is open. A wider column (memo)

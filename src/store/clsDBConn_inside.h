@@ -48,7 +48,6 @@ struct clsDBConn::Inside : ado::Row_Watcher {
     std::optional<Trouble> trouble;
     int states_left_out = 0;
     int sets_in_no_view = 0;
-    int sets_completed = 0;
     /// Numbers and reset CVs that a library would hold if it could be written, by SetID.
     std::map<std::int32_t, Set_Row> completed;
 
