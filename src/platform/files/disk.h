@@ -25,10 +25,12 @@ enum class Failure {
 
 /// Thrown by everything in this folder. `subject` is the path, `detail` the system's own words.
 struct Error : std::runtime_error {
-    Error(Failure kind_, std::string subject_, const std::string& detail)
-        : std::runtime_error(subject_ + ": " + detail), kind(kind_), subject(std::move(subject_)) {}
+    Error(Failure kind_, std::string subject_, std::string detail_)
+        : std::runtime_error(subject_ + ": " + detail_), kind(kind_), subject(std::move(subject_)),
+          detail(std::move(detail_)) {}
     Failure kind;
     std::string subject;
+    std::string detail;
 };
 
 enum class Access { read, read_write, create_new, create_or_empty };

@@ -5,6 +5,9 @@
 
 namespace jet {
 
+/// Jet addresses pages with 24 bits, and no engine opens more than 2 GiB.
+constexpr std::uint64_t largest_database = std::uint64_t{1} << 31;
+
 /// What must be unchanged for pages to stay in the cache from one operation to the next.
 struct Cache_Mark {
     std::uint64_t salt = 0;
@@ -79,7 +82,7 @@ private:
     Page_Number count_in_file_ = 0;
     int read_depth_ = 0;
     int write_depth_ = 0;
-    bool doomed_ = false; ///< rolled back at an inner level
+    bool doomed_ = false;          ///< rolled back at an inner level
     std::uint64_t generation_ = 0; ///< counts how often the cache had to start anew
     Page_Cache cache_{4096};
     std::optional<Cache_Mark> cached_at_;

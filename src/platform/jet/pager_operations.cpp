@@ -1,0 +1,183 @@
+// Beginning and ending operations: locks, what the journal says, what the cache may keep.
+
+#include "platform/jet/pager_border.h"
+#include "platform/jet/pager_file.h"
+
+#include <algorithm>
+
+namespace jet {
+namespace {
+
+/// How long opening waits for the exclusive lock before it does with a shared one.
+constexpr std::chrono::milliseconds moment{100};
+
+} // namespace
+
+void File_Pager::take(files::Lock wanted) {
+    if (!file_->lock(wanted, patience_))
+        throw Error(Failure::locked_elsewhere, path_, "another program is using the file");
+}
+
+void File_Pager::release() noexcept {
+    try {
+        file_->lock(read_depth_ > 0 ? files::Lock::shared : files::Lock::none, {});
+    } catch (const files::Error&) {
+        // Closing the file drops it at the latest.
+    }
+}
+
+/// The journal is made at the first look, so that whether the folder permits writing is known from
+/// the start, and so that its counter lets pages outlive an operation.
+void File_Pager::prepare() {
+    if (file_writable_ && file_->lock(files::Lock::exclusive, std::min(patience_, moment))) {
+        enter_writing();
+        if (!report_.refusal) make_journal();
+        release();
+    } else {
+        begin_read();
+        end_read();
+    }
+}
+
+void File_Pager::make_journal() {
+    try {
+        journal_.make(page_size_);
+    } catch (const files::Error& error) {
+        // A full disk, say, may have room again when the first change comes, and is reported then.
+        if (is_protection(error.kind)) report_.refusal = {Failure::read_only, error.detail};
+    }
+}
+
+/// A mark proves that nothing changed; without one the cache starts anew.
+std::optional<Cache_Mark> File_Pager::mark_now() {
+    if (journal_.state() != Journal::State::empty) return std::nullopt;
+    return Cache_Mark{journal_.head().salt, journal_.head().counter, file_->stamp()};
+}
+
+void File_Pager::notice_state() {
+    const std::uint64_t size = shown_ ? shown_->size : file_->size();
+    count_in_file_ = static_cast<Page_Number>(std::min(size, largest_database) / page_size_);
+    page_count_ = count_in_file_;
+    if ((size % page_size_ != 0 || size > largest_database) && !report_.refusal)
+        report_.refusal = {Failure::damaged, "the length is no whole number of pages"};
+    const auto mark = mark_now();
+    if (!mark || mark != cached_at_) { // J10
+        cache_.clear();
+        ++generation_;
+    }
+    cached_at_ = mark;
+}
+
+bool File_Pager::must_settle() const {
+    return journal_.state() == Journal::State::hot ||
+           journal_.state() == Journal::State::unreadable;
+}
+
+void File_Pager::begin_read() {
+    if (read_depth_ + write_depth_ == 0) {
+        at_border([&] {
+            take(files::Lock::shared);
+            try {
+                enter_reading();
+            } catch (...) {
+                release();
+                throw;
+            }
+        });
+    }
+    ++read_depth_;
+}
+
+void File_Pager::enter_reading() {
+    shown_.reset();
+    if (still_named())
+        journal_.attach(file_writable_);
+    else
+        journal_.detach(); // the one at the path belongs to another file now
+    if (must_settle() && file_writable_ && journal_.writable()) {
+        // Not from shared to exclusive in one step: two copies that try would wait for each other.
+        file_->lock(files::Lock::none, {});
+        take(files::Lock::exclusive);
+        enter_writing();
+        file_->lock(files::Lock::shared, {});
+        return;
+    }
+    if (must_settle()) show_settled();
+    notice_state();
+}
+
+void File_Pager::enter_writing() {
+    check_still_named(); // J9
+    journal_.attach(true);
+    if (must_settle()) journal_.writable() ? settle() : show_settled();
+    notice_state();
+}
+
+/// Under the exclusive lock (J5).
+void File_Pager::settle() {
+    const Journal_Finding finding = examine(journal_, *file_, page_size_);
+    if (finding.verdict == Journal_Finding::Verdict::foreign) {
+        report_.foreign_journal = true;
+        set_aside(); // J6
+        return;
+    }
+    if (finding.verdict == Journal_Finding::Verdict::take_back) {
+        take_back(finding, *file_, page_size_);
+        report_.recovery = Pager_Report::Recovery::rolled_back;
+    } else {
+        file_->sync(); // J2: so far its pages may stand in memory only
+    }
+    journal_.empty();
+}
+
+void File_Pager::set_aside() {
+    try {
+        report_.set_aside = journal_.set_aside();
+    } catch (const files::Error& error) {
+        if (!is_protection(error.kind)) throw;
+        report_.refusal = {Failure::read_only, error.detail};
+    }
+}
+
+/// Where nothing may be written, the old pages are laid over those in the file.
+void File_Pager::show_settled() {
+    Journal_Finding finding = examine(journal_, *file_, page_size_);
+    if (finding.verdict == Journal_Finding::Verdict::foreign) report_.foreign_journal = true;
+    if (finding.verdict != Journal_Finding::Verdict::take_back) return;
+    report_.recovery = Pager_Report::Recovery::shown_only;
+    shown_ = std::move(finding);
+}
+
+void File_Pager::end_read() noexcept {
+    if (--read_depth_ == 0 && write_depth_ == 0) release();
+}
+
+void File_Pager::check_still_named() {
+    if (still_named()) return;
+    report_.refusal = {Failure::replaced, "the path names another file now"};
+    throw Error(Failure::replaced, path_, report_.refusal->detail);
+}
+
+void File_Pager::check_may_write() const {
+    if (report_.refusal) throw Error(report_.refusal->kind, path_, report_.refusal->detail);
+}
+
+void File_Pager::begin_write() {
+    check_may_write();
+    if (write_depth_ == 0) {
+        at_border([&] {
+            take(files::Lock::exclusive);
+            try {
+                enter_writing();
+                check_may_write();
+                journal_.make(page_size_); // J8
+            } catch (...) {
+                release();
+                throw;
+            }
+        });
+    }
+    ++write_depth_;
+}
+
+} // namespace jet
