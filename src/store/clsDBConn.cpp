@@ -79,6 +79,7 @@ void clsDBConn::Inside::note(Failure kind, const QString& subject, const QString
 
 void clsDBConn::Inside::note(const ado::Error& error) {
     note(translated(error.kind), error.subject, error.detail);
+    lost = lost || error.kind == ado::Failure::replaced;
 }
 
 ado::Error clsDBConn::Inside::gone(const QString& table, std::int32_t key) {
@@ -110,6 +111,7 @@ void clsDBConn::Inside::close() {
     completed.clear();
     connection.close();
     active = false;
+    lost = false;
     akt_set = 0;
     scripts::AktScripts().Clear();
 }

@@ -148,7 +148,8 @@ private:
 
 /// Several operations as one: one transaction, one change record. What was not kept at its end is
 /// rolled back. A refusal inside ends only the refused operation; a failure of disk, lock or file
-/// spoils the whole: the following operations do nothing and keep() fails.
+/// spoils the whole: the following operations do nothing and keep() fails; so does one that could
+/// not begin.
 class Operation {
 public:
     explicit Operation(clsDBConn& connection);
@@ -160,7 +161,7 @@ public:
 
 private:
     clsDBConn::Inside& inside_;
-    bool open_ = false;
+    bool open_ = true;
 };
 
 /// The one connection of the program, made on first use.

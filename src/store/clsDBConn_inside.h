@@ -64,10 +64,13 @@ struct clsDBConn::Inside : ado::Row_Watcher {
     Change_Record record;
     int depth = 0;
     bool spoiled = false;
+    bool lost = false; ///< the path names another file by now: to be closed after the operation
 
-    bool begin(); ///< @return false: nothing can be changed, and why is noted
+    bool begin();      ///< @return false: nothing can be changed, and why is noted
+    void begin_lost(); ///< an operation in which nothing is done
     bool end(bool keep);
     void row_changed(const QString& table, const ado::Row& before, const ado::Row& after) override;
+    void leave_lost_file();
     void close();
 
     /// Runs work under one shared lock; an error ends it and is noted. @return whether it ran to
@@ -81,8 +84,9 @@ struct clsDBConn::Inside : ado::Row_Watcher {
             return true;
         } catch (const ado::Error& error) {
             note(error);
-            return false;
         }
+        leave_lost_file();
+        return false;
     }
 
     /// Runs work as one operation. A refusal ends it and keeps what was changed before; any other

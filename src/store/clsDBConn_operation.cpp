@@ -42,20 +42,29 @@ bool clsDBConn::Inside::begin() {
         note(Failure::not_open, file, u"no database is open"_s);
         return false;
     }
+    if (spoiled) return false;
     if (depth == 0 && blocked() != Blocked::no) {
         note(Failure::read_only, file, QString::fromStdString(connection.status().detail));
         return false;
     }
-    if (spoiled) return false;
     try {
         if (depth == 0) transaction.emplace(connection);
         ++depth;
         return true;
     } catch (const ado::Error& error) {
         note(error);
-        if (error.kind == ado::Failure::replaced) close();
+        leave_lost_file();
         return false;
     }
+}
+
+void clsDBConn::Inside::leave_lost_file() {
+    if (lost && depth == 0) close();
+}
+
+void clsDBConn::Inside::begin_lost() {
+    ++depth;
+    spoiled = true;
 }
 
 bool clsDBConn::Inside::end(bool keep) {
@@ -70,7 +79,7 @@ bool clsDBConn::Inside::end(bool keep) {
     }
     transaction.reset();
     const Change_Record done = std::exchange(record, {});
-    if (trouble && trouble->kind == Failure::replaced) close();
+    leave_lost_file();
     if (kept && !done.rows.empty() && listener != nullptr) listener->changed(done);
     return kept;
 }
@@ -84,8 +93,9 @@ void clsDBConn::Inside::row_changed(const QString& table, const ado::Row& before
     }
 }
 
-Operation::Operation(clsDBConn& connection)
-    : inside_(*connection.inside_), open_(inside_.begin()) {}
+Operation::Operation(clsDBConn& connection) : inside_(*connection.inside_) {
+    if (!inside_.begin()) inside_.begin_lost(); // what follows inside must not act on its own
+}
 
 Operation::~Operation() {
     if (open_) inside_.end(false);

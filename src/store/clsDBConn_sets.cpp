@@ -105,9 +105,9 @@ void clsDBConn::Fill_Sets_in_Listbox(List_Filler& list, std::int16_t ResCV) {
     };
     inside.reading(ado::Extent::some, walk);
     if (!listing.repairs.empty() && inside.blocked() == Blocked::no) {
-        inside.record.upkeep = inside.depth == 0;
         const Listing found = listing;
         const bool stored = inside.changing([&] {
+            inside.record.upkeep = inside.depth == 1;
             walk(); // another copy may have been here in between
             for (const Set_Row& repair : listing.repairs) inside.store_repair(repair);
         });

@@ -1,0 +1,234 @@
+// One operation: one transaction on disk, one change record.
+
+#include "platform/files/faulty_disk.h"
+#include "store/library.h"
+
+#include <gmock/gmock.h>
+
+using namespace store;
+using namespace Qt::Literals::StringLiterals;
+using testing::ElementsAre;
+
+namespace {
+
+std::string cell(const ado::Row& row, const QString& column) {
+    for (const auto& [name, value] : row)
+        if (name == column) return ado::text(value).value_or(u"null"_s).toStdString();
+    return "-";
+}
+
+/// Writes each record down as "table key: before > after", after a line for the record.
+class Recorder : public Change_Listener {
+public:
+    explicit Recorder(clsDBConn& db) : db_(db) { db_.listen(this); }
+    ~Recorder() override { db_.listen(nullptr); }
+    void changed(const Change_Record& record) override {
+        lines.push_back(record.upkeep ? "upkeep" : "record");
+        static const char* const tables[] = {"Sets", "CVs", "Scripte", "Scriptstates"};
+        static const QString shown[] = {u"Name"_s, u"CVWert"_s, u"ScriptName"_s, u"State"_s};
+        for (const Row_Change& change : record.rows) {
+            const auto table = static_cast<std::size_t>(change.table);
+            lines.push_back(std::string(tables[table]) + " " + std::to_string(change.key) + ": " +
+                            cell(change.before, shown[table]) + " > " +
+                            cell(change.after, shown[table]));
+        }
+    }
+    std::vector<std::string> take() { return std::exchange(lines, {}); }
+
+private:
+    clsDBConn& db_;
+    std::vector<std::string> lines;
+};
+
+class Operations : public On_Library {
+protected:
+    bool write(int number, int value) {
+        CVRec rec{0, 1,    static_cast<std::int16_t>(number), static_cast<std::int16_t>(value),
+                  0, false};
+        return db.DB_Write_CV(rec);
+    }
+    int value(int number) {
+        CVRec rec{0, 1, static_cast<std::int16_t>(number), 0, 0, false};
+        return db.DB_Find_CV(rec) ? rec.CVWert : -1;
+    }
+};
+
+TEST_F(Operations, each_tells_the_rows_before_and_after) {
+    open("orphans");
+    if (IsSkipped()) return;
+    Recorder recorder(db);
+    db.AktCVSetID(1);
+    const int before = value(29);
+    CVRec rec{0, 1, 900, 7, 0, false};
+    ASSERT_TRUE(db.DB_Write_CV(rec));
+    const std::string key = "CVs " + std::to_string(rec.CVID) + ": ";
+    EXPECT_THAT(recorder.take(), ElementsAre("record", key + "- > 7"));
+    ASSERT_TRUE(db.DB_Write_CV(rec));
+    EXPECT_THAT(recorder.take(), ElementsAre()) << "the same value is no change";
+    rec.CVWert = 8;
+    ASSERT_TRUE(db.DB_Write_CV(rec));
+    EXPECT_THAT(recorder.take(), ElementsAre("record", key + "7 > 8"));
+    ASSERT_TRUE(db.DB_Del_CVWert(rec.CVID));
+    EXPECT_THAT(recorder.take(), ElementsAre("record", key + "8 > -"));
+    ASSERT_TRUE(db.DB_Del_CVWert(rec.CVID));
+    EXPECT_THAT(recorder.take(), ElementsAre());
+    EXPECT_EQ(value(29), before);
+}
+
+TEST_F(Operations, deleted_rows_are_told_with_the_columns_of_other_programs) {
+    open("worn_library");
+    if (IsSkipped()) return;
+    struct Deleted : Change_Listener {
+        void changed(const Change_Record& record) override { rows = record.rows; }
+        std::vector<Row_Change> rows;
+    } deleted;
+    db.listen(&deleted);
+    for (const QJsonObject& set : library::expected_rows("worn_library", u"Sets"_s)) {
+        if (set[u"Bemerkung"_s].toString().size() < 3000) continue;
+        const int id = set[u"SetID"_s].toInt();
+        ASSERT_TRUE(db.DB_Del_CVSet(id));
+        const Row_Change& last = deleted.rows.back();
+        EXPECT_EQ(last.table, Table::Sets);
+        EXPECT_EQ(last.key, id);
+        EXPECT_EQ(cell(last.before, u"Bemerkung"_s), set[u"Bemerkung"_s].toString().toStdString());
+        EXPECT_TRUE(last.after.empty());
+        return;
+    }
+    ADD_FAILURE() << "the sample has no long remark any more";
+}
+
+TEST_F(Operations, several_become_one) {
+    open("library_2000");
+    if (IsSkipped()) return;
+    Recorder recorder(db);
+    db.AktCVSetID(1);
+    {
+        Operation outer(db);
+        EXPECT_TRUE(write(900, 1));
+        {
+            Operation inner(db);
+            EXPECT_TRUE(write(901, 2));
+            EXPECT_TRUE(inner.keep());
+        }
+        EXPECT_EQ(value(901), 2) << "seen inside";
+        EXPECT_THAT(recorder.take(), ElementsAre()) << "but not told yet";
+        EXPECT_TRUE(outer.keep());
+    }
+    EXPECT_EQ(recorder.take().size(), 3U);
+    EXPECT_EQ(value(900), 1);
+    EXPECT_FALSE(Operation(db).keep() && recorder.take().size() > 0)
+        << "an empty one tells nothing";
+}
+
+TEST_F(Operations, what_is_not_kept_is_rolled_back) {
+    open("library_2000");
+    if (IsSkipped()) return;
+    Recorder recorder(db);
+    db.AktCVSetID(1);
+    const auto before = library::cvs(db, 1);
+    {
+        Operation outer(db);
+        EXPECT_TRUE(write(900, 1));
+        { const Operation inner(db); } // not kept: the whole goes
+        EXPECT_FALSE(write(901, 1)) << "nothing more is done in what is lost";
+        EXPECT_FALSE(outer.keep());
+    }
+    EXPECT_EQ(library::cvs(db, 1), before);
+    EXPECT_THAT(recorder.take(), ElementsAre());
+    EXPECT_TRUE(write(902, 1)) << "the next operation is a new one";
+}
+
+TEST_F(Operations, a_refusal_inside_ends_only_the_refused_one) {
+    open("library_2003"); // values are 16 bits, names 50 characters
+    if (IsSkipped()) return;
+    db.AktCVSetID(1);
+    Operation outer(db);
+    EXPECT_TRUE(write(900, 1));
+    EXPECT_FALSE(db.DB_Rename_CVSet(QString(60, u'x'), 0));
+    EXPECT_EQ(library::trouble(db), "refused");
+    EXPECT_TRUE(write(901, 2));
+    EXPECT_TRUE(outer.keep());
+    reopen();
+    db.AktCVSetID(1);
+    EXPECT_EQ(value(900), 1);
+    EXPECT_EQ(value(901), 2);
+}
+
+TEST_F(Operations, listing_tells_its_repairs_as_upkeep) {
+    open("partly_numbered");
+    if (IsSkipped()) return;
+    Recorder recorder(db);
+    library::sets(db, 99);
+    EXPECT_EQ(recorder.take().front(), "upkeep");
+    library::sets(db, 99);
+    EXPECT_THAT(recorder.take(), ElementsAre());
+    std::int16_t number = 0;
+    db.DB_Add_CVSet(u"x"_s, number, 8);
+    EXPECT_EQ(recorder.take().front(), "record");
+}
+
+/// Refuses the n-th call of the disk, n = 1, 2, 3 ... until the operation gets through: each time
+/// the library afterwards is the one before or the one after, and nothing is half there.
+TEST_F(Operations, a_failing_disk_changes_nothing_or_everything) {
+    if (library::names().empty()) GTEST_SKIP() << "no samples";
+    const auto content = [](clsDBConn& connection) {
+        std::vector<library::Shown> all;
+        for (const int set : {1, 2, 3}) all.push_back(library::cvs(connection, set));
+        all.push_back(library::sets(connection, 8));
+        return all;
+    };
+    const auto work = [](clsDBConn& connection) {
+        Operation all(connection);
+        connection.DB_Del_CVSet(3);
+        connection.AktCVSetID(1);
+        for (std::int16_t number = 900; number < 940; ++number) {
+            CVRec rec{0, 1, number, 5, 0, false};
+            connection.DB_Write_CV(rec);
+        }
+        connection.DB_Rename_CVSet(u"anders"_s, 77);
+        return all.keep();
+    };
+    std::vector<library::Shown> old_content, new_content;
+    {
+        library::put(disk, "library_2000", "a.mdb");
+        db.Connection_Start(u"a.mdb"_s);
+        old_content = content(db);
+        ASSERT_TRUE(work(db));
+        new_content = content(db);
+        db.Connection_Close();
+    }
+    bool finished = false;
+    for (int nth = 1; !finished; ++nth) {
+        ASSERT_LT(nth, 5000);
+        SCOPED_TRACE(nth);
+        files::Memory_Disk below;
+        library::put(below, "library_2000", "a.mdb");
+        files::Faulty_Disk faulty(below);
+        {
+            clsDBConn connection(faulty);
+            connection.Connection_Start(u"a.mdb"_s);
+            ASSERT_TRUE(connection.Connection_Active());
+            files::Faulty_Disk::Fault fault;
+            fault.nth = nth;
+            fault.kind = files::Failure::disk_full;
+            faulty.set_fault(fault);
+            const bool kept = work(connection);
+            finished = !faulty.struck();
+            ASSERT_EQ(finished || kept, kept) << "got through without a fault, yet was not kept";
+            if (!kept) {
+                EXPECT_NE(library::trouble(connection), "");
+            }
+            faulty.clear_fault();
+            if (connection.Connection_Active()) {
+                ASSERT_TRUE(content(connection) == (kept ? new_content : old_content));
+            }
+        }
+        clsDBConn fresh(below);
+        fresh.Connection_Start(u"a.mdb"_s);
+        ASSERT_TRUE(fresh.Connection_Active());
+        const auto found = content(fresh);
+        ASSERT_TRUE(found == new_content || (!finished && found == old_content));
+    }
+}
+
+} // namespace

@@ -1,0 +1,156 @@
+// Scripts of the current set.
+
+#include "scripts/cls_script_coll.h"
+#include "store/library.h"
+
+using namespace store;
+using namespace Qt::Literals::StringLiterals;
+using scripts::AktScripts;
+
+namespace {
+
+class Script_Storage : public On_Library {
+protected:
+    ~Script_Storage() override { AktScripts().Clear(); }
+    void load(const std::string& sample, std::int32_t set) {
+        open(sample);
+        if (IsSkipped()) return;
+        db.AktCVSetID(set);
+        db.DB_Load_Scripts();
+    }
+    void load_again(std::int32_t set) {
+        reopen();
+        EXPECT_EQ(AktScripts().Count(), 0);
+        db.AktCVSetID(set);
+        db.DB_Load_Scripts();
+    }
+};
+
+TEST_F(Script_Storage, a_set_loads_its_scripts_with_names) {
+    load("orphans", 2);
+    if (IsSkipped()) return;
+    ASSERT_EQ(AktScripts().Count(), 3);
+    EXPECT_EQ(AktScripts().Item(1)->ScriptName, u"Anfahrt mit Glocke"_s);
+    EXPECT_EQ(AktScripts().Item(1)->ScriptID, 2);
+    EXPECT_EQ(AktScripts().Item(1)->StateCount, 9);
+    EXPECT_EQ(AktScripts().Item(1)->GetState(1).GetCommand(), 0) << "a gap";
+    EXPECT_EQ(AktScripts().Item(1)->GetState(8).GetCommand(), 11);
+    EXPECT_EQ(AktScripts().Item(1)->GetState(8).GetPar(1), 73);
+    EXPECT_EQ(AktScripts().Item(1)->GetState(8).Info, u"Zufall 5–30 s"_s);
+    EXPECT_FALSE(AktScripts().Item(1)->HeaderFlag);
+    EXPECT_EQ(AktScripts().Item(2)->ScriptName, QString()) << "null";
+    db.DB_Load_Scripts();
+    EXPECT_EQ(AktScripts().Count(), 3);
+    db.AktCVSetID(4); // its scripts have no states
+    db.DB_Load_Scripts();
+    ASSERT_EQ(AktScripts().Count(), 2);
+    EXPECT_EQ(AktScripts().Item(1)->StateCount, 0);
+}
+
+TEST_F(Script_Storage, without_a_current_set_nothing_happens) {
+    load("orphans", 2);
+    if (IsSkipped()) return;
+    db.AktCVSetID(0);
+    db.DB_Load_Scripts();
+    EXPECT_EQ(AktScripts().Count(), 3);
+    EXPECT_FALSE(db.DB_Save_Script_States(1));
+    EXPECT_EQ(library::trouble(db), "no_set");
+    db.AktCVSetID(2);
+    for (const int position : {0, 4}) {
+        EXPECT_FALSE(db.DB_Delete_Script(position));
+        EXPECT_EQ(library::trouble(db), "not_found");
+    }
+}
+
+TEST_F(Script_Storage, a_saved_script_has_its_states_numbered_without_gaps) {
+    for (const char* const sample : {"library_2000", "library_2003", "worn_library"}) {
+        load(sample, 3);
+        if (IsSkipped()) return;
+        SCOPED_TRACE(sample);
+        const std::int32_t before = AktScripts().Count();
+        scripts::cls_script& added = AktScripts().AddScript();
+        added.ScriptName = u"Glocke \"neu\", ä → ü"_s;
+        ASSERT_TRUE(db.DB_Add_Script(before + 1));
+        ASSERT_GT(added.ScriptID, 0);
+        added.StateCount = 5;
+        added.GetState(0).SetCommand(33);
+        for (int par = 0; par < 7; ++par) added.GetState(0).SetPar(par, par + 250);
+        added.GetState(4).SetCommand(6);
+        added.GetState(4).Info = QString(255, u'ü');
+        ASSERT_TRUE(db.DB_Save_Script_States(before + 1));
+        load_again(3);
+        ASSERT_EQ(AktScripts().Count(), before + 1);
+        const auto loaded = AktScripts().Item(before + 1);
+        EXPECT_EQ(loaded->ScriptName, u"Glocke \"neu\", ä → ü"_s);
+        EXPECT_EQ(loaded->StateCount, 5);
+        EXPECT_EQ(loaded->GetState(0).GetPar(3), 253);
+        EXPECT_EQ(loaded->GetState(0).GetPar(4), 0) << "has no column";
+        EXPECT_EQ(loaded->GetState(2).GetCommand(), 0);
+        EXPECT_EQ(loaded->GetState(4).Info, QString(255, u'ü'));
+        loaded->StateCount = 3; // the rows of 3 and 4 must go
+        ASSERT_TRUE(db.DB_Save_Script_States(before + 1));
+        loaded->ScriptName = u"anders"_s;
+        ASSERT_TRUE(db.DB_Rename_Script(before + 1));
+        load_again(3);
+        EXPECT_EQ(AktScripts().Item(before + 1)->StateCount, 3);
+        EXPECT_EQ(AktScripts().Item(before + 1)->ScriptName, u"anders"_s);
+        EXPECT_EQ(db.DB_Count_Scripts(3), before + 1);
+        ASSERT_TRUE(db.DB_Delete_Script(before + 1));
+        EXPECT_EQ(AktScripts().Count(), before + 1) << "leaving the list is the caller's business";
+        load_again(3);
+        EXPECT_EQ(AktScripts().Count(), before);
+        EXPECT_EQ(library::trouble(db), "");
+    }
+}
+
+TEST_F(Script_Storage, a_refused_row_costs_nothing) {
+    load("library_2000", 3);
+    if (IsSkipped()) return;
+    const auto script = AktScripts().Item(1);
+    const int count = script->StateCount;
+    ASSERT_GT(count, 2);
+    const QString info = script->GetState(0).Info;
+    script->GetState(0).Info = u"anders"_s;
+    script->GetState(count - 1).Info = QString(256, u'x');
+    EXPECT_FALSE(db.DB_Save_Script_States(1));
+    EXPECT_EQ(library::trouble(db), "refused");
+    load_again(3);
+    EXPECT_EQ(AktScripts().Item(1)->StateCount, count);
+    EXPECT_EQ(AktScripts().Item(1)->GetState(0).Info, info);
+}
+
+TEST_F(Script_Storage, a_script_that_another_copy_deleted_is_not_stored) {
+    load("library_2000", 3);
+    if (IsSkipped()) return;
+    {
+        clsDBConn other(disk);
+        other.Connection_Start(u"a.mdb"_s);
+        AktScripts().Clear();
+        other.AktCVSetID(3);
+        other.DB_Load_Scripts();
+        ASSERT_TRUE(other.DB_Delete_Script(1));
+        const auto gone = AktScripts().Item(1);
+        db.AktCVSetID(3);
+        EXPECT_FALSE(db.DB_Save_Script_States(1));
+        EXPECT_EQ(library::trouble(db), "not_found");
+        EXPECT_FALSE(db.DB_Rename_Script(1));
+    }
+    load_again(3);
+    EXPECT_EQ(AktScripts().Count(), 15);
+}
+
+TEST_F(Script_Storage, a_script_of_256_states_is_stored) {
+    load("library_2003", 3);
+    if (IsSkipped()) return;
+    AktScripts().AddScript().StateCount = 256;
+    const std::int32_t position = AktScripts().Count();
+    AktScripts().Item(position)->GetState(255).SetCommand(2);
+    ASSERT_TRUE(db.DB_Add_Script(position));
+    ASSERT_TRUE(db.DB_Save_Script_States(position));
+    load_again(3);
+    EXPECT_EQ(AktScripts().Item(position)->StateCount, 256);
+    EXPECT_EQ(AktScripts().Item(position)->GetState(255).GetCommand(), 2);
+    EXPECT_EQ(db.script_states_left_out(), 0);
+}
+
+} // namespace
