@@ -4,7 +4,11 @@ namespace files {
 
 Replacement::Replacement(Disk& disk, const std::string& path)
     : disk_(disk), path_(disk.resolve(path)) {
+    const bool replaces = disk_.file_exists(path_);
+    // Renaming asks nobody for the rights of the file that goes.
+    if (replaces) static_cast<void>(disk_.open(path_, Access::read_write));
     open_beside();
+    if (replaces) disk_.copy_rights(path_, beside_); // before anything private is in it
 }
 
 void Replacement::open_beside() {
@@ -37,7 +41,6 @@ void Replacement::write(std::span<const std::byte> bytes) {
 }
 
 void Replacement::finish() {
-    if (disk_.file_exists(path_)) disk_.copy_rights(path_, beside_);
     file_->sync();
     disk_.rename(beside_, path_);
     file_.reset();

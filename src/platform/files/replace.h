@@ -8,7 +8,8 @@ namespace files {
 /// returns the old file stands whole; given up (destroyed) before, nothing is left behind.
 class Replacement {
 public:
-    /// Follows links, so that the file behind a link is replaced and not the link.
+    /// Follows links, so that the file behind a link is replaced and not the link. The new file has
+    /// the rights of the old one; one that is write-protected is not replaced (denied).
     Replacement(Disk& disk, const std::string& path);
     ~Replacement();
     Replacement(const Replacement&) = delete;
@@ -16,7 +17,7 @@ public:
 
     /// Adds to the end.
     void write(std::span<const std::byte> bytes);
-    /// Syncs the content, takes over the rights of the old file, renames, syncs the folder.
+    /// Syncs the content, renames, syncs the folder.
     /// An Error of the last step leaves the new file in place, whole, but perhaps not yet on the
     /// medium.
     void finish();

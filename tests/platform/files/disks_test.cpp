@@ -197,7 +197,10 @@ TEST(Real_Disk, a_file_that_nobody_may_write_is_not_opened_for_writing) {
                     fs::perms(0444)); // whoever runs the test, the administrator too
     EXPECT_EQ(failure_of([&] { real_disk().open(folder / "file", Access::read_write); }),
               Failure::denied);
+    EXPECT_EQ(failure_of([&] { replace_file(real_disk(), folder / "file", bytes("new")); }),
+              Failure::denied);
     EXPECT_EQ(read_file(real_disk(), folder / "file"), bytes("old"));
+    EXPECT_THAT(real_disk().files_in(folder.path()), ElementsAre("file"));
 }
 
 } // namespace

@@ -224,6 +224,32 @@ TEST(Journal, torn_pages_are_mended) {
     }
 }
 
+/// Whatever stands in the journal: the file stays as it was found, or gets its old state back.
+TEST(Journal, a_spoiled_journal_never_makes_things_worse) {
+    std::mt19937 random(11);
+    const auto found = killed_at(between).bytes(name);
+    int healed = 0;
+    for (int round = 0; round < 400; ++round) {
+        SCOPED_TRACE(round);
+        Memory_Disk disk = killed_at(between);
+        auto journal = disk.bytes(journal_name);
+        if (round % 3 == 0) journal.resize(random() % journal.size());
+        // Half of the rounds aim at head and table.
+        const std::size_t reach =
+            random() % 2 ? journal.size() : std::min<std::size_t>(1024, journal.size());
+        for (unsigned i = random() % 4; i > 0 && reach > 0; --i)
+            journal[random() % reach] = static_cast<std::byte>(random());
+        disk.set_bytes(journal_name, journal);
+        const auto pager = open_pager(disk, name, Open_Mode::read_write);
+        const auto after = disk.bytes(name);
+        ASSERT_TRUE(after == found || after == old_state());
+        healed += after == old_state();
+        put(*pager, {1}, 9);
+    }
+    EXPECT_GT(healed, 20);
+    EXPECT_LT(healed, 380);
+}
+
 TEST(Journal, an_emptied_journal_gives_its_room_back) {
     Memory_Disk disk = disk_with(200);
     const auto pager = open_pager(disk, name, Open_Mode::read_write);
