@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QString>
+
+namespace app_ui {
+
+enum class Text { title, port, search, search_later, folder, folder_hint, choose, ok, cancel };
+
+QString text(Text which);
+
+} // namespace app_ui
