@@ -1,8 +1,10 @@
 #include "platform/jet/database.h"
 
 #include "platform/jet/check/check.h"
+#include "platform/jet/creation.h"
 #include "platform/jet/engine.h"
 #include "platform/jet/lookup.h"
+#include "platform/jet/schema_change.h"
 #include "platform/jet/statement.h"
 #include "platform/jet/text.h"
 
@@ -88,6 +90,14 @@ Database Database::open(files::Disk& disk, const std::string& path, Mode mode) {
     return Database(std::make_unique<Engine>(disk, path, open_pager(disk, path, mode), false));
 }
 
+Database Database::create(files::Disk& disk, const std::string& path, std::optional<double> days) {
+    auto pager = create_pager(disk, path, empty_file(days.value_or(Engine::clock())));
+    Database database(std::make_unique<Engine>(disk, path, std::move(pager), true));
+    return database;
+}
+
+void Database::set_date(std::optional<double> days) { engine_->set_date(days); }
+
 Status Database::status() const { return engine_->status(); }
 const std::string& Database::path() const { return engine_->path(); }
 std::uint64_t Database::change_count() { return engine_->change_count(); }
@@ -110,6 +120,38 @@ std::optional<Table> Database::table(std::u16string_view name) {
 
 std::vector<Relation> Database::relations() {
     return engine_->watch([&] { return engine_->relations(); });
+}
+
+Table Database::create_table(std::u16string_view name, std::span<const Column> columns,
+                             std::span<const Index> indexes) {
+    std::optional<New_Table> made;
+    Page_Number page = 0;
+    engine_->change([&] { made.emplace(*engine_, name, columns, indexes); },
+                    [&] { page = made->apply(); });
+    return {*engine_, page};
+}
+
+Page_Number Database::page_of(std::u16string_view name) {
+    const auto* object = engine_->object(name, object_ids::tables);
+    if (object == nullptr || !object->table())
+        throw Error(Failure::not_found, to_utf8(name), "no such table");
+    return object->page();
+}
+
+void Database::add_column(std::u16string_view table, const Column& column) {
+    std::optional<New_Column> made;
+    engine_->change([&] { made.emplace(*engine_, page_of(table), column); },
+                    [&] { made->apply(); });
+}
+
+void Database::add_index(std::u16string_view table, const Index& index) {
+    std::optional<New_Index> made;
+    engine_->change([&] { made.emplace(*engine_, page_of(table), index); }, [&] { made->apply(); });
+}
+
+void Database::add_relation(const Relation& relation) {
+    std::optional<New_Relation> made;
+    engine_->change([&] { made.emplace(*engine_, relation); }, [&] { made->apply(); });
 }
 
 Transaction::Transaction(Database& database) : engine_(database.engine_.get()) {

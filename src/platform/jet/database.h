@@ -156,8 +156,7 @@ public:
     /// enciphered pages), damaged (header, catalogue or a definition), locked_elsewhere.
     static Database open(files::Disk& disk, const std::string& path, Mode mode);
     /// Makes an empty Jet 4 file, replacing one of that name in one step, and opens it.
-    /// @param days the date that the catalogue notes for everything made from now on (Date::days);
-    /// nothing: the clock's.
+    /// @param days the date that its catalogue notes (Date::days); nothing: the clock's.
     static Database create(files::Disk& disk, const std::string& path,
                            std::optional<double> days = std::nullopt);
     Database(Database&&) noexcept;
@@ -166,6 +165,9 @@ public:
 
     Status status() const;
     const std::string& path() const;
+    /// The date that the catalogue notes for tables made or changed from now on; nothing: the
+    /// clock's.
+    void set_date(std::optional<double> days);
     /// Differs whenever rows may have changed since it was last asked for, by this copy or another.
     std::uint64_t change_count();
     bool in_transaction() const;
@@ -193,6 +195,7 @@ public:
 private:
     friend class Transaction;
     friend class Read_Guard;
+    std::uint32_t page_of(std::u16string_view table);
     explicit Database(std::unique_ptr<Engine> engine);
     std::unique_ptr<Engine> engine_;
 };

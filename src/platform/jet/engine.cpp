@@ -249,12 +249,11 @@ check::Report Engine::check() {
     }
 }
 
-double Engine::now() const {
-    if (date_) return *date_;
-    const std::time_t clock = std::time(nullptr);
+double Engine::clock() {
+    const std::time_t now = std::time(nullptr);
     std::tm local{};
-    localtime_r(&clock, &local);
-    return days_from_1899_to_1970 + static_cast<double>(clock + local.tm_gmtoff) / seconds_of_a_day;
+    localtime_r(&now, &local);
+    return days_from_1899_to_1970 + static_cast<double>(now + local.tm_gmtoff) / seconds_of_a_day;
 }
 
 } // namespace jet

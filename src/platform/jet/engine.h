@@ -110,7 +110,8 @@ public:
     check::Report check();
 
     /// The date for rows of the catalogue: the clock's, or the one that create() was given.
-    double now() const;
+    double now() const { return date_.value_or(clock()); }
+    static double clock();
     void set_date(std::optional<double> days) { date_ = days; }
 
 private:

@@ -30,8 +30,8 @@ void append_variable(Bytes& row, const Definition& definition, const Raw_Cells& 
     }
     offsets.push_back(row.size());
     const auto append = [&](std::size_t number) {
-        row.resize(row.size() + 2);
-        store_u16(row.data() + row.size() - 2, number);
+        row.push_back(static_cast<std::byte>(number));
+        row.push_back(static_cast<std::byte>(number >> 8U));
     };
     std::for_each(offsets.rbegin(), offsets.rend(), append);
     append(definition.variable_slots);
@@ -58,8 +58,7 @@ Bytes encode_row(const Definition& definition, const Raw_Cells& cells) {
     put_fixed(row, definition, cells);
     if (definition.variable_slots > 0) append_variable(row, definition, cells);
     const std::size_t bitmap_size = (definition.max_columns + 7U) / 8U;
-    if (row.size() + bitmap_size < shortest_row) row.resize(shortest_row - bitmap_size);
-    const auto bitmap = row.size();
+    const auto bitmap = std::max(row.size(), shortest_row - std::min(bitmap_size, shortest_row));
     row.resize(bitmap + bitmap_size);
     for (std::size_t i = 0; i < cells.size(); ++i) {
         const auto number = definition.columns[i].number;
