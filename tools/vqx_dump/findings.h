@@ -22,8 +22,8 @@ struct Finding {
     std::string sentence;
 };
 
-/// What was found in one file, in the order of finding. Counts everything, keeps the first `most_kept`,
-/// so that a file made of faults costs no more memory than any other.
+/// What was found in one file, in the order of finding. Counts everything, keeps the first
+/// `most_kept`, so that a file made of faults costs no more memory than any other.
 class Findings {
 public:
     static constexpr std::size_t most_kept = 200;
@@ -50,7 +50,8 @@ private:
 };
 
 /// Glues texts and numbers to one sentence.
-template <typename... Parts> std::string sentence(const Parts&... parts) {
+template <typename... Parts>
+std::string sentence(const Parts&... parts) {
     std::ostringstream out;
     (out << ... << parts);
     return out.str();

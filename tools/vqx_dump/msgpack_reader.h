@@ -17,12 +17,13 @@ struct Item {
     std::size_t offset = 0;   ///< of the type byte
 };
 
-/// Reads heads of items one after the other. Never reads outside the bytes it was given: an item that
-/// they do not hold completely is `Kind::ended`, and nothing is consumed. What follows the head of a
-/// bin is left to the caller, as are the items of maps and arrays.
+/// Reads heads of items one after the other. Never reads outside the bytes it was given: an item
+/// that they do not hold completely is `Kind::ended`, and nothing is consumed. What follows the
+/// head of a bin is left to the caller, as are the items of maps and arrays.
 class Msgpack_Reader {
 public:
-    explicit Msgpack_Reader(Bytes bytes, std::size_t position = 0) : bytes_(bytes), position_(position) {}
+    explicit Msgpack_Reader(Bytes bytes, std::size_t position = 0)
+        : bytes_(bytes), position_(position) {}
 
     Item next();
     std::size_t position() const { return position_; }

@@ -56,9 +56,9 @@ std::uint32_t Part_Reader::number_as(std::uint8_t type, std::string_view what) {
 
 std::size_t Part_Reader::map(std::string_view what) {
     const Item item = expect(Kind::map, "a map", what);
-    hold_against(item,
-                 item.number < 16 ? static_cast<std::uint8_t>(0x80 + item.number) : std::uint8_t{0xDE},
-                 what);
+    hold_against(
+        item, item.number < 16 ? static_cast<std::uint8_t>(0x80 + item.number) : std::uint8_t{0xDE},
+        what);
     return static_cast<std::size_t>(item.number);
 }
 
@@ -77,8 +77,9 @@ std::size_t Part_Reader::bin(std::string_view what) {
     const Item item = expect(Kind::bin, "a bin", what);
     hold_against(item, item.number < 256 ? 0xC4 : 0xC5, what);
     if (ok_ && item.number > reader_.left()) {
-        findings_.inconsistency(item.offset, sentence(what, " is ", item.number, " bytes long, but only ",
-                                                      reader_.left(), " follow."));
+        findings_.inconsistency(item.offset,
+                                sentence(what, " is ", item.number, " bytes long, but only ",
+                                         reader_.left(), " follow."));
         ok_ = false;
     }
     return ok_ ? static_cast<std::size_t>(item.number) : 0;

@@ -6,9 +6,10 @@
 
 namespace vqx_dump {
 
-/// Reads items of one part of a project file and holds each against the form in which the writer puts
-/// it. A wrong form is reported and read all the same; a wrong kind of item ends the reading, because
-/// nothing tells where the next one starts: from then on `ok()` is false and everything reads as 0.
+/// Reads items of one part of a project file and holds each against the form in which the writer
+/// puts it. A wrong form is reported and read all the same; a wrong kind of item ends the reading,
+/// because nothing tells where the next one starts: from then on `ok()` is false and everything
+/// reads as 0.
 class Part_Reader {
 public:
     Part_Reader(Bytes file, std::size_t start, Findings& findings)
