@@ -94,8 +94,8 @@ Blocked clsDBConn::Inside::blocked() const {
             if (found != Blocked::no) return found;
         }
         return Blocked::no;
-    } catch (const ado::Error&) { // looking at a definition failed: what is there cannot be trusted
-        return Blocked::damaged;
+    } catch (const ado::Error&) { // locked elsewhere, perhaps: beginning to write will tell
+        return translated(connection.status().blocked);
     }
 }
 

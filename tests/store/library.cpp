@@ -1,5 +1,7 @@
 #include "store/library.h"
 
+#include "platform/jet/check/check.h"
+
 #include <QFile>
 #include <QJsonDocument>
 
@@ -76,6 +78,14 @@ std::string trouble(store::clsDBConn& connection) {
                                         "refused"};
     const auto taken = connection.take_trouble();
     return taken ? kinds[static_cast<int>(taken->kind)] : "";
+}
+
+std::vector<std::string> faults(const files::Memory_Disk& disk, const std::string& path) {
+    std::vector<std::string> sentences;
+    for (const auto& finding : jet::check::check(disk.bytes(path)).findings)
+        if (finding.grade != jet::check::Finding::Grade::warning)
+            sentences.push_back(finding.sentence);
+    return sentences;
 }
 
 } // namespace library

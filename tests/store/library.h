@@ -36,6 +36,9 @@ Shown sets(store::clsDBConn& connection, std::int16_t res_cv);
 Shown cvs(store::clsDBConn& connection, std::int32_t set_id);
 std::string trouble(store::clsDBConn& connection); ///< what was noted, in words; takes it
 
+/// What the checker finds wrong with a file, beyond untidiness.
+std::vector<std::string> faults(const files::Memory_Disk& disk, const std::string& path);
+
 } // namespace library
 
 /// Opens samples on a disk of its own; skips the test where there are none.

@@ -56,6 +56,21 @@ bool forbids_deletion(const jet::Relation& relation, const QString& table, const
            is(relation.columns.front(), column);
 }
 
+/// Asked before the table is made: one without its keys must not stay behind.
+void refuse_unless_key(jet::Database& database, const Foreign_Key& key) {
+    const auto table = database.table(key.related_table.toStdU16String());
+    const auto place = table ? table->column(key.related_column.toStdU16String()) : std::nullopt;
+    const bool unique =
+        place && table->columns()[*place].type == jet::Column_Type::long_integer &&
+        std::any_of(table->indexes().begin(), table->indexes().end(), [&](const jet::Index& index) {
+            return index.unique && index.columns.size() == 1 &&
+                   is(index.columns.front().name, key.related_column);
+        });
+    if (!unique)
+        throw Error(Failure::refused, key.name,
+                    u"%1.%2 is no key"_s.arg(key.related_table, key.related_column));
+}
+
 } // namespace
 
 std::vector<QString> Catalog::tables() const { return connection_.session().tables(); }
@@ -98,6 +113,7 @@ void Catalog::append(const Table& table) {
     Transaction transaction(connection_);
     jet::Database& database = connection_.session().database();
     translated([&] {
+        for (const Foreign_Key& key : table.keys) refuse_unless_key(database, key);
         std::vector<jet::Column> columns;
         for (const Column& column : table.columns) columns.push_back(made(column));
         std::vector<jet::Index> indexes;

@@ -1,0 +1,230 @@
+// Old and foreign libraries: what is added to them, and what is not.
+
+#include "platform/jet/database.h"
+#include "scripts/cls_script_coll.h"
+#include "store/library.h"
+
+#include <gmock/gmock.h>
+
+using namespace store;
+using namespace Qt::Literals::StringLiterals;
+using testing::Contains;
+using testing::Not;
+
+namespace {
+
+jet::Column whole(const char16_t* name, bool key = false) {
+    jet::Column column;
+    column.name = name;
+    column.auto_number = key;
+    column.required = key;
+    column.fixed = true;
+    return column;
+}
+
+jet::Column text(const char16_t* name) {
+    jet::Column column;
+    column.name = name;
+    column.type = jet::Column_Type::text;
+    column.length = 40;
+    column.allow_zero_length = true;
+    return column;
+}
+
+jet::Index key_on(const char16_t* column) {
+    jet::Index index;
+    index.name = u"PrimaryKey";
+    index.columns = {{column, true}};
+    index.primary = index.unique = index.required = true;
+    return index;
+}
+
+class Schema : public On_Library {
+protected:
+    using Columns = std::vector<jet::Column>;
+    using Indexes = std::vector<jet::Index>;
+
+    /// An old library with tables Sets and CVs, with or without keys.
+    jet::Database make(bool with_keys) {
+        auto made = jet::Database::create(disk, "a.mdb", 40000.0);
+        const auto keys = [&](const char16_t* column) {
+            return with_keys ? Indexes{key_on(column)} : Indexes{};
+        };
+        auto sets = made.create_table(u"Sets", Columns{whole(u"SetID", true), text(u"Name")},
+                                      keys(u"SetID"));
+        made.create_table(u"CVs",
+                          Columns{whole(u"CVID", true), whole(u"SetID"), whole(u"CVPageHi"),
+                                  whole(u"CVPageLo"), whole(u"CVNr"), whole(u"CVWert")},
+                          keys(u"CVID"));
+        for (const auto* name : {u"Erster", u"Zweiter"})
+            sets.insert({{*sets.column(u"Name"), std::u16string(name)}});
+        return made;
+    }
+    void start() {
+        db.Connection_Start(u"a.mdb"_s);
+        ASSERT_TRUE(db.Connection_Active()) << library::trouble(db);
+    }
+    std::vector<std::u16string> tables() {
+        auto database = jet::Database::open(disk, "a.mdb", jet::Mode::read_only);
+        std::vector<std::u16string> names;
+        for (const jet::Table& table : database.tables()) names.push_back(table.name());
+        return names;
+    }
+};
+
+TEST_F(Schema, an_old_library_gets_what_it_lacks_once) {
+    open("old_library");
+    if (IsSkipped()) return;
+    EXPECT_EQ(library::trouble(db), "");
+    EXPECT_THAT(library::faults(disk, "a.mdb"), testing::IsEmpty());
+    const auto upgraded = disk.bytes("a.mdb");
+    reopen();
+    EXPECT_EQ(disk.bytes("a.mdb"), upgraded);
+    EXPECT_EQ(library::sets(db, 8).back().first, "31 - Łódź – Škoda – Győr");
+    db.AktCVSetID(1);
+    scripts::AktScripts().Clear();
+    scripts::AktScripts().AddScript().StateCount = 1;
+    EXPECT_TRUE(db.DB_Add_Script(1));
+    EXPECT_TRUE(db.DB_Save_Script_States(1));
+    EXPECT_EQ(db.DB_Count_Scripts(1), 1);
+    EXPECT_THAT(library::faults(disk, "a.mdb"), testing::IsEmpty());
+}
+
+TEST_F(Schema, the_new_tables_are_those_that_others_expect) {
+    make(true);
+    start();
+    auto database = jet::Database::open(disk, "a.mdb", jet::Mode::read_only);
+    const auto sets = database.table(u"Sets").value();
+    for (const auto* name : {u"Nummer", u"ResCV"}) {
+        const jet::Column& column = sets.columns()[sets.column(name).value()];
+        EXPECT_EQ(column.type, jet::Column_Type::long_integer);
+        EXPECT_TRUE(column.fixed && !column.required && !column.auto_number);
+    }
+    const struct {
+        const char16_t *table, *column;
+        bool number, key, required;
+    } cases[] = {
+        {u"Scripte", u"ScriptID", true, true, false},
+        {u"Scripte", u"SetID", true, false, true},
+        {u"Scripte", u"ScriptName", false, false, false},
+        {u"Scriptstates", u"SSID", true, true, false},
+        {u"Scriptstates", u"ScriptID", true, false, true},
+        {u"Scriptstates", u"State", true, false, true},
+        {u"Scriptstates", u"Command", true, false, true},
+        {u"Scriptstates", u"Par1", true, false, false},
+        {u"Scriptstates", u"Par4", true, false, false},
+        {u"Scriptstates", u"Info", false, false, false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(QStringView(c.column).toString().toStdString());
+        const auto table = database.table(c.table).value();
+        const std::size_t place = table.column(c.column).value();
+        const jet::Column& column = table.columns()[place];
+        EXPECT_EQ(column.type, c.number ? jet::Column_Type::long_integer : jet::Column_Type::text);
+        EXPECT_EQ(column.length, c.number ? 0U : 255U);
+        EXPECT_EQ(column.auto_number, c.key);
+        EXPECT_EQ(column.description, c.key ? u"unique identifier" : u"");
+        EXPECT_EQ(table.key() == std::vector<std::size_t>{place}, c.key);
+        if (c.required) {
+            EXPECT_TRUE(column.required);
+        }
+        EXPECT_EQ(column.allow_zero_length, !c.number);
+    }
+    std::vector<std::u16string> relations;
+    for (const jet::Relation& relation : database.relations()) {
+        relations.push_back(relation.name + u" " + relation.table + u" " + relation.foreign_table);
+        EXPECT_TRUE(relation.enforced && !relation.cascade_delete && !relation.cascade_update);
+    }
+    EXPECT_THAT(relations, testing::UnorderedElementsAre(u"CVSetIDScripte Sets Scripte",
+                                                         u"ScriptIDScripte Scripte Scriptstates"));
+}
+
+TEST_F(Schema, names_in_another_case_are_used_as_they_are) {
+    {
+        auto made = make(true);
+        made.add_column(u"Sets", whole(u"nummer"));
+        made.create_table(u"SCRIPTE",
+                          Columns{whole(u"scriptid", true), whole(u"setid"), text(u"scriptname")},
+                          Indexes{key_on(u"scriptid")});
+    }
+    start();
+    EXPECT_EQ(library::trouble(db), "");
+    EXPECT_THAT(tables(), Not(Contains(u"Scripte")));
+    EXPECT_THAT(tables(), Contains(u"Scriptstates"));
+    EXPECT_EQ(library::sets(db, 8).back().first, "11 - Zweiter");
+    db.AktCVSetID(2);
+    scripts::AktScripts().AddScript().ScriptName = u"Pfeife"_s;
+    EXPECT_TRUE(db.DB_Add_Script(1));
+    EXPECT_TRUE(db.DB_Save_Script_States(1));
+    db.DB_Load_Scripts();
+    ASSERT_EQ(scripts::AktScripts().Count(), 1);
+    EXPECT_EQ(scripts::AktScripts().Item(1)->ScriptName, u"Pfeife"_s);
+    EXPECT_EQ(library::trouble(db), "");
+}
+
+TEST_F(Schema, tables_without_keys_get_the_columns_and_stay_usable) {
+    make(false);
+    start();
+    EXPECT_EQ(library::trouble(db), "refused") << "no relation to a table without a key";
+    EXPECT_THAT(tables(), Not(Contains(u"Scripte")));
+    EXPECT_EQ(library::sets(db, 8), (library::Shown{{"10 - Erster", 1}, {"11 - Zweiter", 2}}));
+    EXPECT_EQ(db.DB_Count_Scripts(1), 0);
+    db.AktCVSetID(2);
+    for (const int value : {5, 6}) {
+        CVRec rec{0, 1, 29, static_cast<std::int16_t>(value), 0, false};
+        EXPECT_TRUE(db.DB_Write_CV(rec));
+    }
+    EXPECT_EQ(library::cvs(db, 2), (library::Shown{{"CV#    29 = 6", 1}}));
+    EXPECT_TRUE(db.DB_Del_CVSet(2));
+    EXPECT_EQ(db.Get_Anz_CVSets(), 1);
+    EXPECT_EQ(library::trouble(db), "");
+}
+
+TEST_F(Schema, nothing_is_added_to_databases_of_other_kinds) {
+    for (const char* const sample : {"emptyJet4", "indexTestV2000", "testV1997"}) {
+        if (library::names().empty()) GTEST_SKIP() << "no samples";
+        SCOPED_TRACE(sample);
+        library::put(disk, sample, "a.mdb");
+        const auto before = disk.bytes("a.mdb");
+        start();
+        EXPECT_EQ(library::trouble(db), "not_found");
+        EXPECT_TRUE(library::sets(db, 8).empty());
+        std::int16_t number = 0;
+        EXPECT_EQ(db.DB_Add_CVSet(u"x"_s, number, 8), 0);
+        EXPECT_NE(library::trouble(db), "");
+        db.Connection_Close();
+        EXPECT_EQ(disk.bytes("a.mdb"), before);
+    }
+}
+
+TEST_F(Schema, a_set_that_rows_of_other_programs_refer_to_is_deleted_not_even_in_part) {
+    {
+        auto made = make(true);
+        auto other = made.create_table(u"Fotos", Columns{whole(u"FotoID", true), whole(u"SetID")},
+                                       Indexes{key_on(u"FotoID")});
+        made.add_relation({u"FotosSets", u"Sets", {u"SetID"}, u"Fotos", {u"SetID"}});
+        other.insert({{1, std::int32_t{2}}});
+    }
+    start();
+    db.AktCVSetID(2);
+    CVRec rec{0, 1, 29, 6, 0, false};
+    ASSERT_TRUE(db.DB_Write_CV(rec));
+    EXPECT_FALSE(db.DB_Del_CVSet(2));
+    EXPECT_EQ(library::trouble(db), "refused");
+    EXPECT_EQ(library::cvs(db, 2).size(), 1U);
+    EXPECT_TRUE(db.DB_Del_CVSet(1));
+}
+
+TEST_F(Schema, a_library_that_another_program_has_open_is_told) {
+    make(true);
+    start();
+    EXPECT_FALSE(db.opening().ldb_beside);
+    disk.set_bytes("a.ldb", {});
+    start();
+    EXPECT_TRUE(db.opening().ldb_beside);
+    EXPECT_TRUE(db.writable());
+    EXPECT_FALSE(db.opening().jet3);
+    EXPECT_FALSE(db.opening().recovered);
+}
+
+} // namespace

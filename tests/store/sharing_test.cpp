@@ -1,0 +1,84 @@
+// Two copies of the program on one library.
+
+#include "store/library.h"
+
+using namespace store;
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+class Sharing : public On_Library {
+protected:
+    void open_both(const std::string& sample) {
+        open(sample);
+        if (IsSkipped()) return;
+        other.Connection_Start(u"a.mdb"_s);
+        ASSERT_TRUE(other.Connection_Active());
+    }
+    static bool write(clsDBConn& connection, int number, int value) {
+        connection.AktCVSetID(1);
+        CVRec rec{0, 1,    static_cast<std::int16_t>(number), static_cast<std::int16_t>(value),
+                  0, false};
+        return connection.DB_Write_CV(rec);
+    }
+    static int value(clsDBConn& connection, int number) {
+        connection.AktCVSetID(1);
+        CVRec rec{0, 1, static_cast<std::int16_t>(number), 0, 0, false};
+        return connection.DB_Find_CV(rec) ? rec.CVWert : -1;
+    }
+    clsDBConn other{disk};
+};
+
+TEST_F(Sharing, each_sees_what_the_other_has_stored) {
+    open_both("library_2000");
+    if (IsSkipped()) return;
+    for (int number = 850; number < 1000; ++number) {
+        clsDBConn& writer = number % 2 == 0 ? db : other;
+        clsDBConn& reader = number % 2 == 0 ? other : db;
+        ASSERT_TRUE(write(writer, number, number % 256)) << library::trouble(writer);
+        ASSERT_EQ(value(reader, number), number % 256);
+    }
+    EXPECT_EQ(library::cvs(db, 1), library::cvs(other, 1));
+    std::int16_t number = 0;
+    const std::int32_t one = db.DB_Add_CVSet(u"a"_s, number, 8);
+    const std::int32_t two = other.DB_Add_CVSet(u"b"_s, number, 8);
+    EXPECT_LT(one, two);
+    EXPECT_TRUE(other.DB_Del_CVSet(one));
+    EXPECT_EQ(db.Get_Set_Name(one), QString());
+    db.AktCVSetID(one);
+    EXPECT_FALSE(db.DB_Rename_CVSet(u"c"_s, 1));
+    EXPECT_EQ(library::trouble(db), "not_found");
+    EXPECT_EQ(library::faults(disk, "a.mdb"), std::vector<std::string>());
+}
+
+TEST_F(Sharing, while_one_changes_the_other_is_told_to_wait) {
+    open_both("partly_numbered");
+    if (IsSkipped()) return;
+    {
+        Operation long_one(other);
+        ASSERT_TRUE(write(other, 900, 1));
+        EXPECT_FALSE(write(db, 900, 2));
+        EXPECT_EQ(library::trouble(db), "locked_elsewhere");
+        EXPECT_TRUE(long_one.keep());
+    }
+    EXPECT_EQ(value(db, 900), 1);
+    EXPECT_TRUE(write(db, 900, 2));
+    EXPECT_EQ(value(other, 900), 2);
+}
+
+TEST_F(Sharing, a_replaced_library_is_closed_and_not_written_to) {
+    open("library_2000");
+    if (IsSkipped()) return;
+    disk.remove("a.mdb");
+    library::put(disk, "library_2003", "a.mdb");
+    const auto replaced = disk.bytes("a.mdb");
+    EXPECT_FALSE(write(db, 900, 1));
+    EXPECT_EQ(library::trouble(db), "replaced");
+    EXPECT_FALSE(db.Connection_Active());
+    EXPECT_EQ(db.AktCVSetID(), 0);
+    EXPECT_EQ(disk.bytes("a.mdb"), replaced);
+    db.Connection_Start(u"a.mdb"_s);
+    EXPECT_TRUE(write(db, 900, 1)) << "the new one is a library like any other";
+}
+
+} // namespace
