@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <ostream>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -138,6 +139,19 @@ private:
     Bytes body_;
     std::size_t at_ = 0;
 };
+
+inline std::ostream& operator<<(std::ostream& out, const Read_Vqx::Page& page) {
+    return out << page.high << ':' << page.low << ' ' << testing::PrintToString(page.pairs);
+}
+
+inline std::ostream& operator<<(std::ostream& out, const Read_Vqx::Set& set) {
+    return out << '[' << set.reset_cv << ", " << set.number << "] "
+               << testing::PrintToString(set.pages);
+}
+
+inline std::ostream& operator<<(std::ostream& out, const Read_Vqx::Block& block) {
+    return out << block.number << ' ' << testing::PrintToString(block.bytes);
+}
 
 /// "82 CE" as bytes.
 inline std::vector<std::uint8_t> hex(const std::string& text) {
