@@ -209,7 +209,10 @@ std::span<std::byte> File_Pager::change(Page_Number number) {
     auto found = changed_.find(number);
     if (found == changed_.end()) {
         const Page before = read_from_file(number);
-        found = changed_.try_emplace(number, before, std::make_shared<Page_Bytes>(*before)).first;
+        found =
+            changed_
+                .try_emplace(number, Changed_Page{before, std::make_shared<Page_Bytes>(*before)})
+                .first;
     }
     return *found->second.after;
 }
@@ -219,7 +222,7 @@ Page_Number File_Pager::append() {
     const Page_Number number = page_count_;
     if ((std::uint64_t{number} + 1) * page_size_ > largest_database)
         throw Error(Failure::refused, path_, "the file has reached its largest size, 2 GiB");
-    changed_.try_emplace(number, nullptr, std::make_shared<Page_Bytes>(page_size_));
+    changed_.try_emplace(number, Changed_Page{nullptr, std::make_shared<Page_Bytes>(page_size_)});
     ++page_count_;
     return number;
 }
