@@ -118,6 +118,8 @@ void Statement::set_cell(const Table_State& table, Planned& row, std::size_t col
     const auto* text = std::get_if<std::u16string>(&fitting);
     if (text != nullptr && text->empty() && !table.columns[column].allow_zero_length)
         fitting = Null{};
+    if (const auto* number = std::get_if<std::int32_t>(&fitting); number && record.auto_number())
+        row.auto_number = *number;
     row.values[column] = std::move(fitting);
     row.changed[column] = true;
 }

@@ -33,7 +33,7 @@ private:
         std::vector<Value> before; ///< the columns of indexes; others are null
         std::vector<Value> values; ///< the same, and all that is set
         std::vector<bool> changed;
-        std::optional<std::int32_t> auto_number;
+        std::optional<std::int32_t> auto_number; ///< set by this statement
     };
     /// A row that refers to one that goes or gets another key, in a relation without cascades.
     struct Forbidding {
