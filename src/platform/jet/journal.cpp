@@ -1,34 +1,27 @@
 // The rules by which nothing is lost. Journal, recovery and pager keep them; the places cite them.
 //
-// J1  A page of the database is overwritten or appended only after its old content, or the old
-// size, lies
-//     synced in the journal, and the name of the journal lies synced in its folder.
+// J1  A page of the database is overwritten or appended only after its old content, or the old size,
+//     lies synced in the journal, and the name of the journal lies synced in its folder.
 // J2  The journal is emptied only after every page of its operation, or every page taken back, is
-// synced
-//     in the database. Emptying itself needs no sync: see J3.
+//     synced in the database. Emptying itself needs no sync: see J3.
 // J3  The journal tells the old and the new state of every page by checksums. An operation whose
-// pages
-//     are all new is complete and stays, even if the emptying was lost with the power; one whose
-//     pages are all old never began; only between the two it is taken back.
+//     pages are all new is complete and stays, even if the emptying was lost with the power; one
+//     whose pages are all old never began; only between the two it is taken back.
 // J4  The head is one sector, and a table or an old page that fails its checksum was never synced,
-// so
-//     by J1 its operation has not touched the database.
+//     so by J1 its operation has not touched the database.
 // J5  A journal is written, emptied and rolled back only under the exclusive lock on the database.
 // J6  A journal is applied only if every sector of every page that it names is as before the
-// operation
-//     or as after it, and size and page 0 fit. Any other is renamed and reported, never applied.
+//     operation or as after it, and size and page 0 fit. Any other is renamed and reported, never
+//     applied.
 // J7  An operation that failed is marked before its pages are put back: after a failed sync the
-// pages
-//     may read as new and yet not be on the medium, so J3 must not accept them.
+//     pages may read as new and yet not be on the medium, so J3 must not accept them.
 // J8  The journal is opened, made, renamed and removed only under a lock on the database; each copy
-// holds
-//     it with a shared lock; it is removed only by who has both files exclusively. Whoever begins a
-//     transaction makes sure, under the exclusive lock, that the path names the journal that is
-//     open.
+//     holds it with a shared lock; it is removed only by who has both files exclusively. Whoever
+//     begins a transaction makes sure, under the exclusive lock, that the path names the journal
+//     that is open.
 // J9  Before the first page is overwritten the path of the database must still name the open file.
 // J10 Every operation and every taking back moves the counter. Pages stay in the cache from one
-// operation
-//     to the next only while salt, counter and the stamp of the database are the same.
+//     operation to the next only while salt, counter and the stamp of the database are the same.
 
 #include "platform/jet/journal.h"
 
