@@ -54,10 +54,13 @@ Value fitted_floating(const Column_Record& column, const Value& value) {
         number = *floating;
     else
         refuse(column, "takes numbers");
-    if (!std::isfinite(number) || (column.type == Column_Type::single_float &&
-                                   std::abs(number) > double{std::numeric_limits<float>::max()}))
+    if (!std::isfinite(number) ||
+        (column.type == Column_Type::single_float &&
+         std::abs(number) > static_cast<double>(std::numeric_limits<float>::max())))
         refuse(column, "the number is out of range");
-    return column.type == Column_Type::single_float ? double{static_cast<float>(number)} : number;
+    return column.type == Column_Type::single_float
+               ? static_cast<double>(static_cast<float>(number))
+               : number;
 }
 
 Value fitted_text(const Column_Record& column, const Value& value) {
@@ -156,7 +159,7 @@ Value decode_cell(Pager& pager, const Layout& layout, const Column_Record& colum
     case Column_Type::currency:
         return Currency{static_cast<std::int64_t>(cell.number(0, 8))};
     case Column_Type::single_float:
-        return double{std::bit_cast<float>(cell.u32(0))};
+        return static_cast<double>(std::bit_cast<float>(cell.u32(0)));
     case Column_Type::double_float:
         return std::bit_cast<double>(cell.number(0, 8));
     case Column_Type::date:
