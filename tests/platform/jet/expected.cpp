@@ -75,7 +75,17 @@ QJsonValue of(const jet::Decimal& value) {
     const qint64 magnitude = static_cast<qint64>(value.magnitude[2]) << 32 | value.magnitude[3];
     return scaled(value.negative ? -magnitude : magnitude, value.scale);
 }
-QJsonValue of(const jet::Guid&) { return QStringLiteral("{}"); }
+QJsonValue of(const jet::Guid& value) {
+    constexpr int printed[] = {3,  2, 1, 0,  -1, 5,  4,  -1, 7,  6,
+                               -1, 8, 9, -1, 10, 11, 12, 13, 14, 15};
+    QString text_ = QStringLiteral("{");
+    for (const int at : printed)
+        text_ += at < 0 ? QStringLiteral("-")
+                        : QStringLiteral("%1").arg(
+                              std::to_integer<int>(value.bytes[static_cast<std::size_t>(at)]), 2,
+                              16, QLatin1Char('0'));
+    return text_.toUpper() + QStringLiteral("}");
+}
 QJsonValue of(const std::u16string& value) { return text(value); }
 QJsonValue of(const jet::Bytes& value) {
     return QString::fromLatin1(QByteArray(reinterpret_cast<const char*>(value.data()),
