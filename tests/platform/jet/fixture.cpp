@@ -20,6 +20,15 @@ std::string faults(jet::Database& database, bool warnings) {
     return all;
 }
 
+Content content(jet::Database& database) {
+    Content all;
+    for (const auto& table : database.tables()) {
+        auto& rows = all[table.name()];
+        for (auto cursor = table.rows(); cursor.next();) rows.push_back(cursor.values());
+    }
+    return all;
+}
+
 jet::Column column(std::u16string name, jet::Column_Type type, std::size_t length) {
     jet::Column made;
     made.name = std::move(name);

@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,6 +36,10 @@ std::optional<jet::Failure> failure(Action action) {
         return error.kind;
     }
 }
+
+/// All rows of all user tables, for comparing states.
+using Content = std::map<std::u16string, std::vector<std::vector<jet::Value>>>;
+Content content(jet::Database& database);
 
 /// Columns and indexes in one line.
 jet::Column column(std::u16string name, jet::Column_Type type = jet::Column_Type::long_integer,
