@@ -1,0 +1,162 @@
+#include "platform/jet/fixture.h"
+#include "support/crash_sweep.h"
+
+#include <gmock/gmock.h>
+
+#include <random>
+
+namespace {
+
+using namespace fixture;
+using jet::Column_Type;
+using jet::Failure;
+
+/// A session of three operations: a set with values comes, a set with its values goes, and the
+/// structure changes.
+class Session {
+public:
+    explicit Session(std::vector<Content>* states = nullptr) : states_(states) {}
+
+    void operator()(files::Disk& disk) {
+        auto database = open(disk);
+        note(database);
+        add_set(database);
+        note(database);
+        remove_set(database);
+        note(database);
+        change_structure(database);
+        note(database);
+    }
+
+private:
+    void note(jet::Database& database) {
+        if (states_ != nullptr) states_->push_back(content(database));
+    }
+    static void add_set(jet::Database& database) {
+        jet::Transaction transaction(database);
+        const auto id = database.table(u"Sets")->insert({{1, u"Neu"}}).auto_number;
+        for (int i = 0; i < 150; ++i)
+            database.table(u"CVs")->insert({{1, id}, {2, 0}, {3, 1}, {4, i + 1}, {5, i}});
+        transaction.commit();
+    }
+    static void remove_set(jet::Database& database) {
+        jet::Transaction transaction(database);
+        const auto cvs = *database.table(u"CVs");
+        std::vector<jet::Row_Id> rows;
+        for (auto cursor = cvs.find({{1, 2}}); cursor.next();) rows.push_back(cursor.id());
+        for (const auto row : rows) cvs.erase(row);
+        transaction.commit();
+    }
+    static void change_structure(jet::Database& database) {
+        jet::Transaction transaction(database);
+        database.add_column(u"CVs", column(u"Text", Column_Type::text, 30));
+        database.create_table(u"Notes",
+                              std::vector{column(u"id"), column(u"Note", Column_Type::memo)},
+                              std::vector{primary_key(u"id")});
+        database.table(u"Notes")->insert({{0, 1}, {1, std::u16string(5000, u'n')}});
+        transaction.commit();
+    }
+
+    std::vector<Content>* states_;
+};
+
+class Survival : public testing::Test {
+protected:
+    void SetUp() override {
+        if (!load(disk, CV_SETS_SAMPLES "/old_library.mdb")) GTEST_SKIP() << "no samples";
+    }
+    files::Memory_Disk disk;
+};
+
+/// Every state after a loss of power or a refused call is one between two operations, and sound.
+TEST_F(Survival, a_session_cut_off_anywhere_leaves_whole_operations) {
+    std::vector<Content> states;
+    {
+        auto copy = disk.copy();
+        Session{&states}(copy);
+    }
+    ASSERT_EQ(states.size(), 4U);
+    const auto check = [&](files::Disk& found, support::Outcome outcome) {
+        auto database = open(found);
+        ASSERT_EQ(faults(database), "");
+        const auto now = content(database);
+        if (outcome == support::Outcome::finished)
+            ASSERT_TRUE(now == states.back());
+        else
+            ASSERT_THAT(states, testing::Contains(now));
+    };
+    EXPECT_GT(support::sweep_crashes(disk, Session(), check), 100);
+    EXPECT_GT(support::sweep_refusals(disk, Session(), check), 50);
+}
+
+TEST_F(Survival, a_damaged_file_is_shown_and_never_written) {
+    auto bytes = disk.bytes(path);
+    bytes.at(6 * 4096 + 2) ^= std::byte{0x55}; // the count of free bytes of some page
+    disk.set_bytes(path, bytes);
+    auto database = open(disk);
+    EXPECT_GT(database.table(u"Sets")->row_count(), 0U);
+    EXPECT_EQ(failure([&] { database.table(u"Sets")->insert({{1, u"x"}}); }), Failure::damaged);
+    EXPECT_EQ(database.status().blocked, jet::Blocked::damaged);
+    EXPECT_EQ(failure([&] { database.table(u"Sets")->insert({{1, u"x"}}); }), Failure::read_only);
+    EXPECT_TRUE(disk.bytes(path) == bytes);
+}
+
+/// Random damage: whatever is met, nothing crashes or hangs, and what the checker calls damaged is
+/// not written to.
+void edit_damaged(const std::vector<std::byte>& bytes) {
+    files::Memory_Disk disk;
+    disk.set_bytes(path, bytes);
+    try {
+        auto database = open(disk);
+        const bool sound = database.check().sound();
+        bool written = false;
+        for (const auto& table : database.tables()) {
+            try {
+                for (auto cursor = table.rows(); cursor.next();) (void)cursor.values();
+                std::optional<jet::Row_Id> row;
+                if (auto cursor = table.rows(jet::Order::file); cursor.next()) row = cursor.id();
+                if (!row) continue;
+                table.erase(*row);
+                written = true;
+                table.insert({});
+            } catch (const jet::Error&) {
+                // refused or damaged: told, and that is all
+            }
+        }
+        if (!sound) {
+            EXPECT_FALSE(written) << "a damaged file was written to";
+            EXPECT_TRUE(disk.bytes(path) == bytes);
+        }
+    } catch (const jet::Error&) {
+        EXPECT_TRUE(disk.bytes(path) == bytes);
+    }
+}
+
+TEST(Damage, random_bytes_never_crash_reading_or_editing) {
+    const int runs = support::long_tests() ? 100000 : 1500;
+    std::mt19937 random(4711);
+    std::vector<files::Memory_Disk::Bytes> samples;
+    for (const auto* name : {"library_2003", "worn_library", "indexTestV2000", "overflowTestV2000",
+                             "testV1997", "orphans", "testUnicodeCompV2003", "delColTestV2003"}) {
+        files::Memory_Disk disk;
+        if (!load(disk, std::string(CV_SETS_SAMPLES "/") + name + ".mdb")) GTEST_SKIP();
+        samples.push_back(disk.bytes(path));
+    }
+    const auto below = [&](std::size_t bound) { return random() % bound; };
+    for (int run = 0; run < runs; ++run) {
+        SCOPED_TRACE(run);
+        auto bytes = samples[below(samples.size())];
+        const auto pages = bytes.size() / 2048;
+        for (auto changes = 1 + below(8); changes > 0; --changes) {
+            // most damage goes to the heads of pages, where it hurts
+            auto at = below(pages) * 2048 + (below(2) == 0 ? below(64) : below(2048));
+            if (below(3) == 0) at = below(std::min<std::size_t>(bytes.size(), 16 * 4096));
+            bytes[at] = static_cast<std::byte>(below(4) == 0 ? 0xFF : below(256));
+        }
+        if (below(20) == 0) bytes.resize(below(bytes.size()));
+        edit_damaged(bytes);
+        if (testing::Test::HasFailure()) return;
+    }
+}
+
+} // namespace
