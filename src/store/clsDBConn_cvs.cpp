@@ -55,7 +55,7 @@ public:
     }
 
 private:
-    std::int32_t number(ado::Recordset::Field field) { return rows_.number(field).value_or(0); }
+    std::int32_t number(ado::Recordset::Field field) { return rows_.number_or_0(field); }
 
     ado::Recordset& rows_;
     ado::Recordset::Field hi_, lo_, nr_, wert_, id_;

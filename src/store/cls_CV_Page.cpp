@@ -2,9 +2,18 @@
 
 namespace store {
 
+// A library holds hundreds of thousands of CVs of six bytes: they are made in blocks, which live as
+// long as any CV of theirs is held. The first ones are small because many pages hold a CV or two.
 std::int16_t cls_CV_Page::Add_CV(std::int16_t CVNr, std::uint8_t Wert) {
-    Add(std::make_shared<cls_CV>(cls_CV{.Index = 0, .CVNr = CVNr, .Wert = Wert}));
-    return Item(Count())->Index;
+    if (used_ == block_size_) {
+        block_size_ = std::clamp<std::size_t>(static_cast<std::size_t>(Count()), 1, 256);
+        block_ = std::make_shared<cls_CV[]>(block_size_);
+        used_ = 0;
+    }
+    cls_CV& added = block_[static_cast<std::ptrdiff_t>(used_++)];
+    added = {.Index = 0, .CVNr = CVNr, .Wert = Wert};
+    append(Pointer(block_, &added));
+    return added.Index;
 }
 
 } // namespace store

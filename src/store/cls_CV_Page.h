@@ -17,6 +17,11 @@ public:
 
     /// @return the new CV's `Index`.
     std::int16_t Add_CV(std::int16_t CVNr, std::uint8_t Wert);
+
+private:
+    std::shared_ptr<cls_CV[]> block_; // the newest
+    std::size_t block_size_ = 0;
+    std::size_t used_ = 0;
 };
 
 } // namespace store

@@ -14,12 +14,13 @@ std::int32_t page_of(std::int16_t cv_number, std::int32_t page) {
 } // namespace
 
 void cls_CV_Set::Add_CV(std::int32_t page, std::int16_t CVNr, std::uint8_t Wert) {
-    const QString key = QString::number(page_of(CVNr, page));
-    Pointer home = find(key);
-    if (!home) {
-        home = std::make_shared<cls_CV_Page>();
-        home->PageNr = page_of(CVNr, page);
-        Add(home, key);
+    const std::int32_t number = page_of(CVNr, page);
+    cls_CV_Page* home = find(number);
+    if (home == nullptr) {
+        const auto added = std::make_shared<cls_CV_Page>();
+        added->PageNr = number;
+        append(added, number);
+        home = added.get();
     }
     home->Add_CV(CVNr, Wert);
 }

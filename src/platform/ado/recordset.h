@@ -34,6 +34,10 @@ public:
     Field field(QStringView name);
     Value value(Field field);
     std::optional<std::int32_t> number(Field field);
+    /// The same with 0 for null, quick. There must be a current row.
+    std::int32_t number_or_0(Field field) const {
+        return rows_->block->number_or_0(rows_->order[position_], field.column);
+    }
     std::optional<QString> text(Field field);
     std::optional<std::int32_t> number(QStringView name) { return number(field(name)); }
     std::optional<QString> text(QStringView name) { return text(field(name)); }

@@ -25,17 +25,11 @@ std::optional<std::size_t> Row_Block::column(QStringView name) const {
     return std::nullopt;
 }
 
-void Row_Block::reserve(std::size_t rows) {
-    ids_.reserve(rows);
-    for (std::size_t i = 0; i < columns_.size(); ++i)
-        if (columns_[i].whole) cells_[i].numbers.reserve(rows);
-}
-
 void Row_Block::Cells::put(std::size_t row, std::int32_t number, bool null) {
     if (row == numbers.size())
         numbers.push_back(number);
     else
-        numbers[row] = number;
+        numbers.set(row, number);
     if (!null && row >= nulls.size()) return;
     if (row >= nulls.size()) nulls.resize(row + 1);
     nulls[row] = null;
@@ -47,19 +41,22 @@ void Row_Block::append(const jet::Cursor& row) {
         const std::size_t source = *columns_[i].source;
         if (columns_[i].whole) {
             const std::int32_t number = row.integer(source);
-            cells_[i].put(ids_.size(), number, number == 0 && row.is_null(source));
+            cells_[i].put(size(), number, number == 0 && row.is_null(source));
         } else {
             cells_[i].values.push_back(row.value(source));
         }
     }
-    ids_.push_back(row.id());
+    const jet::Row_Id id = row.id();
+    pages_.push_back(id.page);
+    slots_.push_back(id.slot);
 }
 
 void Row_Block::append(jet::Row_Id id, std::span<const Value> values) {
-    ids_.push_back(id);
+    pages_.push_back(id.page);
+    slots_.push_back(id.slot);
     for (std::size_t i = 0; i < columns_.size(); ++i)
         if (columns_[i].source && !columns_[i].whole) cells_[i].values.emplace_back();
-    replace(ids_.size() - 1, values);
+    replace(size() - 1, values);
 }
 
 void Row_Block::replace(std::size_t row, std::span<const Value> values) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/ado/numbers.h"
 #include "platform/ado/value.h"
 #include "platform/jet/database.h"
 
@@ -14,8 +15,7 @@ namespace ado {
 /// Whether a column of this type can hold the number.
 bool fits(std::int32_t number, jet::Column_Type type);
 
-/// Rows of one table in memory, column by column. Whole numbers take four bytes, so that a whole
-/// table of them can be held.
+/// Rows of one table in memory, column by column, so that a whole table of numbers can be held.
 class Row_Block {
 public:
     struct Column {
@@ -30,35 +30,40 @@ public:
     const std::vector<Column>& columns() const { return columns_; }
     std::optional<std::size_t> column(QStringView name) const; ///< without regard to case
 
-    void reserve(std::size_t rows);
-    std::size_t size() const { return ids_.size(); }
+    std::size_t size() const { return pages_.size(); }
     void append(const jet::Cursor& row);
     /// @param values all of the table
     void append(jet::Row_Id id, std::span<const Value> values);
     void replace(std::size_t row, std::span<const Value> values);
 
-    jet::Row_Id id(std::size_t row) const { return ids_[row]; }
+    jet::Row_Id id(std::size_t row) const { return {pages_[row], slots_[row]}; }
     bool null(std::size_t row, std::size_t column) const;
     /// Value of a whole column, null as 0.
     std::int32_t whole(std::size_t row, std::size_t column) const {
         return cells_[column].numbers[row];
     }
     std::optional<std::int32_t> number(std::size_t row, std::size_t column) const;
+    /// The same with 0 for what is no number.
+    std::int32_t number_or_0(std::size_t row, std::size_t column) const {
+        if (columns_[column].whole && columns_[column].source) return whole(row, column);
+        return number(row, column).value_or(0);
+    }
     Value value(std::size_t row, std::size_t column) const;
     /// Negative, 0 or positive; null comes first.
     int compare(std::size_t one, std::size_t other, std::size_t column) const;
 
 private:
     struct Cells {
-        std::vector<std::int32_t> numbers; ///< of a whole column
-        std::vector<bool> nulls;           ///< of a whole column; shorter: the rest is not null
-        std::vector<Value> values;         ///< of any other column
+        Numbers numbers;           ///< of a whole column
+        std::vector<bool> nulls;   ///< of a whole column; shorter: the rest is not null
+        std::vector<Value> values; ///< of any other column
         void put(std::size_t row, std::int32_t number, bool null);
     };
 
     std::vector<Column> columns_;
     std::vector<Cells> cells_;
-    std::vector<jet::Row_Id> ids_;
+    std::vector<std::uint32_t> pages_; // Row_Id in five bytes
+    std::vector<std::uint8_t> slots_;
 };
 
 } // namespace ado

@@ -62,6 +62,8 @@ public:
     /// Throws Error (refused) when a row could not hold these cells: text too long, number out of
     /// range, null where it is required. Keys and relations are looked at by insert() and update().
     void check(const QString& table, const Row& cells);
+    /// Rows that hold exactly these values, texts unit by unit. @param row all columns
+    Found_Rows rows_equal(const QString& table, const Row& row);
     /// A block for rows that are going to be added.
     Found_Rows nothing_of(const QString& table);
     /// Adds a row and appends it to `block`. @return its place there.

@@ -3,6 +3,8 @@
 #include "platform/ado/session.h"
 #include "platform/ado/translated.h"
 
+#include <algorithm>
+
 using namespace Qt::Literals::StringLiterals;
 
 namespace ado {
@@ -104,6 +106,28 @@ void Session::tell(const jet::Table& table, const std::vector<Value>& before,
     if (watcher != nullptr)
         watcher->row_changed(QString::fromStdU16String(table.name()), row_of(table, before),
                              row_of(table, after));
+}
+
+Found_Rows Session::rows_equal(const QString& table, const Row& row) {
+    return translated([&] {
+        const jet::Table stored = stored_table(table);
+        const auto cells = cells_of(stored, row);
+        const auto key = stored.key();
+        std::vector<jet::Cell> wanted; // with all cells another index might be taken for the search
+        for (const jet::Cell& cell : cells)
+            if (std::find(key.begin(), key.end(), cell.column) != key.end()) wanted.push_back(cell);
+        Found_Rows found = nothing_of(table);
+        for (auto at = stored.find(wanted.size() == key.size() && !key.empty() ? wanted : cells);
+             at.next();) {
+            const bool equal = std::all_of(cells.begin(), cells.end(), [&](const jet::Cell& cell) {
+                return at.value(cell.column) == cell.value;
+            });
+            if (!equal) continue;
+            found.order.push_back(static_cast<std::uint32_t>(found.block->size()));
+            found.block->append(at.id(), at.values());
+        }
+        return found;
+    });
 }
 
 Found_Rows Session::nothing_of(const QString& table) {

@@ -121,7 +121,6 @@ Session::Held_Table& Session::held(const Shape& shape, const Columns& columns) {
     Held_Table& table = held_[shape.name.toLower()];
     if (table.block && covers(table.block->columns(), columns)) return table;
     table = {std::make_shared<Row_Block>(table.block ? shape.columns : columns), {}};
-    table.block->reserve(shape.table->row_count());
     for (jet::Cursor rows = shape.table->rows(jet::Order::file); rows.next();)
         table.block->append(rows);
     return table;
@@ -158,7 +157,6 @@ Found_Rows Session::select_stored(const Shape& shape, const Statement& statement
         if (!fits(condition.number, shape.table->columns()[*column.source].type)) return found;
         tests.push_back({*column.source, condition.number, column.whole});
     }
-    if (tests.empty()) found.block->reserve(shape.table->row_count());
     jet::Cursor rows = cursor_for(*shape.table, tests, sortable_key(*shape.table, shape.columns));
     while (rows.next())
         if (holds(rows, tests)) found.block->append(rows);
