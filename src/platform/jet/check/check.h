@@ -120,9 +120,7 @@ enum class What {
     relation_cascade,
     relation_index,
     relation_types,
-    relation_orphan,
-    // beside the file
-    journal
+    relation_orphan
 };
 
 struct Finding {
