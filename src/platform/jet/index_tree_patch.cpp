@@ -71,34 +71,61 @@ std::span<const std::byte> without_row(std::span<const std::byte> entry) {
     return entry.first(entry.size() - row_size);
 }
 
-/// Whether first and last key of a compressed page would still have exactly its prefix in common.
-bool prefix_stays(const Index_Page& leaf, std::span<const std::byte> last) {
-    Bytes first;
-    leaf.copy_entry(0, first);
+/// Whether these keys, the outermost ones of a page to be, have exactly its prefix in common.
+bool prefix_stays(const Index_Page& leaf, std::span<const std::byte> first,
+                  std::span<const std::byte> last) {
     return common_length(without_row(first), without_row(last)) == leaf.prefix_length();
+}
+
+/// Whether a compressed page stays as it is when `entry` comes in at a position.
+bool prefix_takes(const Index_Page& leaf, std::size_t position, std::span<const std::byte> entry) {
+    const std::size_t prefix = leaf.prefix_length();
+    if (entry.size() < prefix + row_size || leaf.after(0) < prefix + row_size) return false;
+    if (!std::ranges::equal(leaf.prefix(), entry.first(prefix))) return false;
+    Bytes other;
+    if (position == 0) {
+        leaf.copy_entry(leaf.before(leaf.end()), other);
+        return prefix_stays(leaf, entry, other);
+    }
+    if (position < leaf.end()) return true;
+    leaf.copy_entry(0, other);
+    return prefix_stays(leaf, other, entry);
+}
+
+/// Whether a compressed page stays as it is when the entry at a position goes.
+bool prefix_survives(const Index_Page& leaf, std::size_t position) {
+    const std::size_t end = leaf.after(position);
+    if (position != 0 && end != leaf.end()) return true;
+    if (position == 0 && end == leaf.end()) return false;
+    if (leaf.after(0) < leaf.prefix_length() + row_size) return false;
+    Bytes first;
+    leaf.copy_entry(position == 0 ? end : 0, first);
+    Bytes last;
+    leaf.copy_entry(leaf.before(position == 0 ? leaf.end() : position), last);
+    return prefix_stays(leaf, first, last);
 }
 
 } // namespace
 
+// The first entry of a compressed page is stored whole, and begins with the prefix. So an entry
+// that comes in or goes at the front leaves the prefix where it is: what moves begins behind it.
+
 bool insert_in_place(Pager& pager, const Index_Page& leaf, std::size_t position,
                      std::span<const std::byte> entry) {
     const std::size_t prefix = leaf.prefix_length();
-    if (prefix > 0) {
-        if (position == 0 || entry.size() < prefix + row_size) return false;
-        if (!std::ranges::equal(leaf.prefix(), entry.first(prefix))) return false;
-        if (position == leaf.end() && !prefix_stays(leaf, entry)) return false;
-    }
+    if (prefix > 0 && !prefix_takes(leaf, position, entry)) return false;
     const auto stored = entry.subspan(prefix);
     const std::size_t used = leaf.end();
     if (used + stored.size() > jet4_index.room()) return false;
+    const std::size_t start = position == 0 ? prefix : position;
     const auto page = pager.change(leaf.number());
-    std::byte* at = &page[jet4_index.entries + position];
-    std::memmove(at + stored.size(), at, used - position);
+    std::byte* at = &page[jet4_index.entries + start];
+    std::memmove(at + stored.size(), at, used - start);
     std::ranges::copy(stored, at);
     Words mask = load_mask(page);
-    const Words above = take_above(mask, position);
+    const Words above = take_above(mask, start);
     unite(mask, moved_up(above, stored.size()));
-    flip(mask, position + stored.size());
+    flip(mask, start + stored.size());
     store_mask(page, mask);
     store_u16(&page[jet4_index.prefix], prefix);
     store_u16(&page[2], jet4_index.room() - used - stored.size());
@@ -106,22 +133,19 @@ bool insert_in_place(Pager& pager, const Index_Page& leaf, std::size_t position,
 }
 
 bool erase_in_place(Pager& pager, const Index_Page& leaf, std::size_t position) {
+    const std::size_t prefix = leaf.prefix_length();
+    if (prefix > 0 && !prefix_survives(leaf, position)) return false;
+    const std::size_t start = position == 0 ? prefix : position;
     const std::size_t end = leaf.after(position);
+    const std::size_t size = end - start;
     const std::size_t used = leaf.end();
-    if (leaf.prefix_length() > 0) {
-        if (position == 0) return false;
-        Bytes last;
-        leaf.copy_entry(leaf.before(position), last);
-        if (end == used && !prefix_stays(leaf, last)) return false;
-    }
     const auto page = pager.change(leaf.number());
-    std::byte* at = &page[jet4_index.entries + position];
-    const std::size_t size = end - position;
+    std::byte* at = &page[jet4_index.entries + start];
     std::memmove(at, at + size, used - end);
     std::memset(at + (used - end), 0, size);
     Words mask = load_mask(page);
     flip(mask, end);
-    const Words above = take_above(mask, position);
+    const Words above = take_above(mask, start);
     unite(mask, moved_down(above, size));
     store_mask(page, mask);
     store_u16(&page[2], jet4_index.room() - used + size);

@@ -186,7 +186,9 @@ bool Usage_Map::stretch(Page_Number page, const Growth& growth) {
     store_u32(&row[1], first);
     const auto bits = std::span(row).subspan(bits_offset);
     if (growth.global)
-        for (std::uint64_t number = map.end(); number < first + bits.size() * 8; ++number)
+        // pages that exist without a bit of their own are in use
+        for (std::uint64_t number = std::max<std::uint64_t>(map.end(), pager_->page_count());
+             number < first + bits.size() * 8; ++number)
             set_bit(bits, number - first, true);
     for (std::uint64_t number = map.first(); number < map.end(); ++number)
         if (number >= first && number - first < bits.size() * 8)
@@ -227,8 +229,8 @@ void Usage_Map::add_reference(std::size_t span, const Growth& growth) {
         for (std::size_t bit = 0; bit < each && span * each + bit < pager_->page_count(); ++bit)
             set_bit(page.subspan(bit_page_header), bit, false);
     store_u32(&pager_->change(place_.page)[reference_place(span)], number);
-    // a page for bits of the global map may itself lie past all bits so far
-    if (growth.global && !set(number, false)) add_reference(number / each, growth);
+    // where the global map does not reach this page yet, it is in use for lack of a bit
+    if (growth.global) set(number, false);
 }
 
 /// Where on the map's page the reference of a span stands; a short row is lengthened.

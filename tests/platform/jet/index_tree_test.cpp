@@ -111,8 +111,11 @@ TEST(Index_Tree, appending_changes_few_pages) {
 
 TEST(Index_Tree, equal_keys_are_found_in_the_order_of_their_rows) {
     Twin twin;
-    for (std::uint32_t i = 0; i < 5000; ++i)
-        twin.insert(long_key(static_cast<std::int32_t>(i % 7)), row_of(i));
+    for (std::uint32_t i = 0; i < 5000; ++i) { // from both ends
+        const std::uint32_t row = i % 2 == 0 ? i : 5000 - i;
+        twin.insert(long_key(static_cast<std::int32_t>(row % 7)), row_of(row));
+    }
+    twin.check();
     EXPECT_EQ(twin.different, 7u);
     const std::vector<Row_Pointer> rows = twin.tree.rows(long_key(3));
     ASSERT_EQ(rows.size(), 714u);
@@ -139,6 +142,28 @@ TEST(Index_Tree, a_key_that_begins_like_another_is_another) {
     EXPECT_THAT(twin.tree.rows(key({})), ElementsAre(Row_Pointer{0, 9}, Row_Pointer{0x7F0000, 3}));
     EXPECT_THAT(twin.tree.rows(key(zeros)), ElementsAre(Row_Pointer{1, 1}));
     EXPECT_TRUE(twin.tree.contains(key({})));
+}
+
+TEST(Index_Tree, a_copy_that_is_only_greater_is_put_right) {
+    // Other programs may leave such copies behind. An entry between the last one of a subtree and
+    // its copy becomes the last; trees of many sizes, so that some leaves are full and split.
+    for (std::uint32_t size = 90; size < 120; ++size) {
+        SCOPED_TRACE(size);
+        Twin twin;
+        std::mt19937 random(size);
+        for (std::uint32_t i = 0; i < size; ++i) twin.insert(text_of(400, random, 20), row_of(i));
+        ASSERT_EQ(twin.check(), 3u);
+        const Page_Number root = twin.tree.root();
+        const Index_Page page(twin.pager.read(root), root, table);
+        Bytes copy;
+        page.copy_entry(0, copy);
+        copy.resize(copy.size() - row_size - child_size);
+        copy.back() = std::byte{1}; // greater than the 0 at its end
+        twin.pager.change(root)[0x1E0 + copy.size() - 1] = copy.back();
+        ASSERT_FALSE(Tree_Look(twin.pager, table, root).faults.empty());
+        twin.insert(copy, {1, 1}); // a row before the one in the copy
+        twin.check();
+    }
 }
 
 TEST(Index_Tree, random_changes_keep_every_rule) {

@@ -166,11 +166,14 @@ TEST(Page_Space, global_map_follows_a_growing_file) {
     while (pager.page_count() < last) {
         const Page_Number page = space.allocate();
         ASSERT_TRUE(given.insert(page).second) << page;
-        if (pager.page_count() == 20000) { // still inline, the second map below it unharmed
+        if (pager.page_count() == 20001) { // still inline, the second map below it unharmed
             EXPECT_EQ(free_field(pager, 1), free_truth(pager, 1));
             EXPECT_THAT(Usage_Map(pager, {1, 1}).pages(), IsEmpty());
+            EXPECT_TRUE(space.is_free(20010)); // past the end bits say "free"
         }
     }
+    EXPECT_TRUE(space.is_free(last + 50));
+    EXPECT_FALSE(space.is_free(last - 50));
     const Usage_Map free(pager, {1, 0});
     EXPECT_THAT(free.pages(), IsEmpty());
     for (const Page_Number page : {3u, 20000u, 33000u, 65600u}) {
@@ -178,6 +181,32 @@ TEST(Page_Space, global_map_follows_a_growing_file) {
         space.release(page);
         EXPECT_EQ(space.allocate(), page);
     }
+}
+
+TEST(Page_Space, a_global_map_without_room_keeps_what_it_knew) {
+    Tiny_Pager pager(2);
+    format_maps(pager, 1, 2, 1, 1900); // no room to grow for rows of 15200 pages
+    append_until(pager, static_cast<Page_Number>(per_reference - 1));
+    pager.change(1)[4096 - 1900 + 25] = std::byte{0x10};
+    Page_Space space(pager);
+    EXPECT_EQ(space.allocate(), 204u);
+    space.release(300);
+    const Page_Number page = space.allocate();
+    EXPECT_EQ(page, 300u);
+    space.release(300);
+    space.release(15999); // past the bits that the map had: it grows as far as there is room
+    space.release(20000); // and turns into references
+    const Usage_Map free(pager, {1, 0});
+    EXPECT_THAT(free.pages(), ElementsAre(300, 15999, 20000));
+    EXPECT_EQ(space.allocate(), 300u);
+    EXPECT_EQ(space.allocate(), 15999u);
+    EXPECT_EQ(space.allocate(), 20000u);
+    const Page_Number appended = space.allocate();
+    EXPECT_EQ(appended, per_reference); // the first of a span, whose bits take a page as well
+    EXPECT_FALSE(space.is_free(appended));
+    EXPECT_EQ(pager.page_count(), appended + 2);
+    EXPECT_FALSE(space.is_free(appended + 1));
+    EXPECT_TRUE(space.is_free(appended + 100));
 }
 
 TEST(Usage_Map, maps_of_all_samples_hold_their_pages) {
