@@ -26,7 +26,7 @@ constexpr Type_Rule type_rules[] = {
     {column_type::complex, 4},
 };
 
-constexpr std::uint32_t most_text_bytes = 510, most_name_units = 64;
+constexpr std::uint32_t most_text_bytes = 510, most_name_units = 64, most_columns = 255;
 
 /// The rules of one definition. A rule that readers of rows and trees rely on clears usable_.
 class Rules {
@@ -38,6 +38,9 @@ public:
         if (table_.columns.size() > table_.max_columns)
             fault(What::column_count, words("has ", table_.columns.size(),
                                             " columns, but room for ", table_.max_columns));
+        if (table_.max_columns > most_columns)
+            fault(What::column_count, words("has room for ", table_.max_columns,
+                                            " columns, more than a table can have"));
         for (const Column& column : table_.columns) check_column(column);
         check_overlap();
         for (const Real_Index& index : table_.reals) check_real(index);

@@ -199,6 +199,8 @@ const Damage all[] = {
      "Table 'Sets', definition page 50 has 3587 free bytes, but says 3586.", warning},
     {"too_many_columns", "library_2003", "50:029=03", {column_count, column_number},
      "Table 'Sets' has 4 columns, but room for 3."},
+    {"room_for_too_many_columns", "library_2003", "50:02a=01", {column_count},
+     "Table 'Sets' has room for 260 columns, more than a table can have."},
     {"column_number_twice", "library_2003", "50:08e=01", {column_number},
      "Table 'Sets' has two columns with the number 1."},
     {"column_slot_absent", "library_2003", "50:077=01", {column_slot},
