@@ -253,7 +253,6 @@ TEST(Vqx_Dump, warns_of_what_is_allowed_but_doubtful) {
     const Damage doubtful[] = {
         {one_set, 0xA2, 1, "1E", "reset CV 30 and number 3: decoders know reset CV 8 and 265."},
         {one_set, 0xA0, 1, "82 920803 80", "the set with reset CV 8 and number 3 comes twice."},
-        {one_set, 0xA4, 10, "80", "the set with reset CV 8 and number 3 has no pages."},
         {one_set, 0xA8, 6, "C400", "page 0:0 holds no CVs."},
         {scripts_of_two_sets, 0xF6, 1, "22",
          "0x00f6: warning: state 0 has the unknown command 34."},

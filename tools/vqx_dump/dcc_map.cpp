@@ -44,8 +44,6 @@ unsigned page_byte(Part_Reader& reader, std::string_view what, Findings& finding
 void read_pages(Bytes file, Part_Reader& reader, Cv_Set& set, Findings& findings) {
     std::set<std::pair<unsigned, unsigned>> keys;
     const auto count = reader.map(sentence("the pages of ", set_text(set)));
-    if (reader.ok() && count == 0)
-        findings.warning(set.offset, sentence(set_text(set), " has no pages."));
     for (std::size_t i = 0; i < count && reader.ok(); ++i) {
         Cv_Page page;
         reader.pair("the key of a page");
