@@ -143,7 +143,10 @@ void Catalogue_Writer::add_relation(const Relation& relation, bool one_to_one) {
 void Catalogue_Writer::note_change(const Object& object, const Properties* properties) {
     const auto& table = engine_.table(objects_page);
     std::vector<Cell> cells{{column(table, u"DateUpdate"), Date{engine_.now()}}};
-    if (properties != nullptr) cells.push_back({column(table, u"LvProp"), properties->stored()});
+    if (properties != nullptr) {
+        const Bytes stored = properties->stored(); // other readers stumble over an empty block
+        cells.push_back({column(table, u"LvProp"), stored.empty() ? Value(Null{}) : Value(stored)});
+    }
     Statement statement(engine_);
     statement.update(objects_page, object.row, cells);
     statement.apply();
