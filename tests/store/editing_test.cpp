@@ -195,6 +195,9 @@ TEST_P(Editing_Samples, deleting_every_set_takes_what_hangs_on_it) {
     }
     reopen();
     EXPECT_EQ(db.Get_Anz_CVSets(), 0);
+    if (GetParam() != "orphans") {
+        EXPECT_EQ(library::faults(disk, "a.mdb"), std::vector<std::string>());
+    }
 }
 
 TEST_P(Editing_Samples, a_new_set_is_the_last_even_where_space_is_used_again) {

@@ -88,8 +88,7 @@ Value Row_Block::value(std::size_t row, std::size_t column) const {
 }
 
 int Row_Block::compare(std::size_t one, std::size_t other, std::size_t column) const {
-    const bool whole_column = columns_[column].whole && cells_[column].nulls.empty();
-    if (whole_column) {
+    if (all_whole(column)) {
         const std::int32_t left = whole(one, column);
         const std::int32_t right = whole(other, column);
         return left < right ? -1 : left > right ? 1 : 0;

@@ -49,6 +49,10 @@ public:
         return number(row, column).value_or(0);
     }
     Value value(std::size_t row, std::size_t column) const;
+    /// Whether the column holds whole numbers and nothing else.
+    bool all_whole(std::size_t column) const {
+        return columns_[column].whole && columns_[column].source && cells_[column].nulls.empty();
+    }
     /// Negative, 0 or positive; null comes first.
     int compare(std::size_t one, std::size_t other, std::size_t column) const;
 

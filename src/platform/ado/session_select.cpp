@@ -4,6 +4,7 @@
 #include "platform/ado/translated.h"
 
 #include <algorithm>
+#include <array>
 #include <set>
 
 using namespace Qt::Literals::StringLiterals;
@@ -64,6 +65,28 @@ bool covers(const Columns& columns, const Columns& wanted) {
         return std::any_of(columns.begin(), columns.end(),
                            [&](const auto& other) { return other.name == column.name; });
     });
+}
+
+/// Rows with the numbers to sort by side by side: most of the time of loading a library would go
+/// into looking them up at each comparison.
+bool sort_by_numbers(const Row_Block& block, const std::vector<std::size_t>& columns,
+                     std::vector<std::uint32_t>& order) {
+    constexpr std::size_t most = 4;
+    using Numbered_Row = std::pair<std::array<std::int32_t, most>, std::uint32_t>;
+    const bool possible =
+        columns.size() <= most && std::all_of(columns.begin(), columns.end(),
+                                              [&](std::size_t c) { return block.all_whole(c); });
+    if (!possible) return false;
+    std::vector<Numbered_Row> rows(order.size());
+    for (std::size_t i = 0; i < order.size(); ++i) {
+        rows[i].second = order[i];
+        for (std::size_t c = 0; c < columns.size(); ++c)
+            rows[i].first[c] = block.whole(order[i], columns[c]);
+    }
+    if (std::is_sorted(rows.begin(), rows.end())) return true;
+    std::sort(rows.begin(), rows.end());
+    for (std::size_t i = 0; i < order.size(); ++i) order[i] = rows[i].second;
+    return true;
 }
 
 } // namespace
@@ -174,6 +197,7 @@ void Session::sort(const Shape& shape, const Statement& statement, Found_Rows& f
         for (const std::size_t part : key)
             columns.push_back(
                 *block.column(QString::fromStdU16String(shape.table->columns()[part].name)));
+    if (!key.empty() && sort_by_numbers(block, columns, found.order)) return;
     const auto before = [&](std::uint32_t one, std::uint32_t other) {
         for (const std::size_t column : columns)
             if (const int order = block.compare(one, other, column); order != 0) return order < 0;
