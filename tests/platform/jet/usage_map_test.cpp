@@ -209,6 +209,26 @@ TEST(Page_Space, a_global_map_without_room_keeps_what_it_knew) {
     EXPECT_TRUE(space.is_free(appended + 100));
 }
 
+TEST(Page_Space, a_missing_reference_of_the_global_map_is_made_good) {
+    Tiny_Pager pager = bare_file();
+    append_until(pager, 40000);
+    const auto row = pager.change(1).subspan(4096 - 69, 69);
+    std::ranges::fill(row, std::byte{0});
+    row[0] = std::byte{1};
+    store_u32(&row[1 + 4],
+              9); // nothing for the first span; in the second only page 39999 is in use
+    const auto bits = pager.change(9);
+    std::ranges::fill(bits, std::byte{0xFF});
+    store_u32(bits.data(), 0x0105);
+    bits[4 + (39999 - per_reference) / 8] = std::byte{0x7F};
+    Page_Space space(pager);
+    space.release(100);
+    EXPECT_TRUE(space.is_free(100));
+    EXPECT_FALSE(space.is_free(99));
+    EXPECT_FALSE(space.is_free(40000)); // the page that now holds the bits of the first span
+    EXPECT_TRUE(space.is_free(40001));
+}
+
 TEST(Usage_Map, maps_of_all_samples_hold_their_pages) {
     if (!std::filesystem::is_directory(CV_SETS_SAMPLES)) GTEST_SKIP() << "no samples";
     int maps = 0;
