@@ -97,7 +97,7 @@ TEST(Sharing, processes_edit_one_file_while_another_reads) {
         auto database = jet::Database::create(files::real_disk(), file);
         make_tables(database);
     }
-    const int operations = support::long_tests() ? 5000 : 150;
+    const int operations = support::long_tests() ? 5000 : 100;
     const int editors[] = {edit_in_a_process(file, 1, operations),
                            edit_in_a_process(file, 2, operations)};
     auto database = jet::Database::open(files::real_disk(), file, jet::Mode::read_only);
@@ -109,7 +109,12 @@ TEST(Sharing, processes_edit_one_file_while_another_reads) {
             --left;
             EXPECT_EQ(status, 0);
         }
-        ASSERT_NO_FATAL_FAILURE(look(database));
+        try {
+            ASSERT_NO_FATAL_FAILURE(look(database));
+        } catch (const jet::Error& error) {
+            // two that never pause can keep a third out for longer than it waits
+            ASSERT_EQ(error.kind, jet::Failure::locked_elsewhere);
+        }
     }
     EXPECT_EQ(faults(database, true), "");
 }
@@ -123,7 +128,7 @@ TEST(Sharing, one_row_in_a_large_table_changes_at_most_ten_pages) {
     {
         jet::Transaction transaction(database);
         for (int i = 0; i < 1000; ++i) database.table(u"Sets")->insert({{1, u"a set"}});
-        const int rows = support::long_tests() ? 200000 : 30000;
+        const int rows = support::long_tests() ? 200000 : 15000;
         for (int i = 0; i < rows; ++i) values.insert({{1, i % 1000 + 1}, {2, i}});
         transaction.commit();
     }

@@ -133,7 +133,7 @@ void edit_damaged(const std::vector<std::byte>& bytes) {
 }
 
 TEST(Damage, random_bytes_never_crash_reading_or_editing) {
-    const int runs = support::long_tests() ? 100000 : 1500;
+    const int runs = support::long_tests() ? 100000 : 400;
     std::mt19937 random(4711);
     std::vector<files::Memory_Disk::Bytes> samples;
     for (const auto* name : {"library_2003", "worn_library", "indexTestV2000", "overflowTestV2000",
