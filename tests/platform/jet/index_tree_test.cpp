@@ -166,6 +166,34 @@ TEST(Index_Tree, a_copy_that_is_only_greater_is_put_right) {
     }
 }
 
+TEST(Index_Tree, nodes_of_unusual_form_are_read_and_put_right) {
+    for (const bool keeps_tail : {true, false}) {
+        SCOPED_TRACE(keeps_tail);
+        Twin twin;
+        for (std::int32_t i = 0; i < 3000; ++i)
+            twin.insert(long_key(i), row_of(static_cast<std::uint32_t>(i)));
+        ASSERT_EQ(twin.check(), 2u);
+        const Page_Number root = twin.tree.root();
+        const std::size_t end = Index_Page(twin.pager.read(root), root, table).end();
+        const auto page = twin.pager.change(root);
+        Bytes extra = *twin.expected.rbegin(); // the last child has an entry like the others
+        for (const std::size_t byte : {23U, 22U, 21U, 20U}) extra.push_back(page[byte]);
+        std::ranges::copy(extra, page.subspan(0x1E0 + end).begin());
+        const std::size_t bit = end + extra.size();
+        page[0x1B + bit / 8] |= static_cast<std::byte>(1U << (bit % 8));
+        store_u16(&page[2], 3616 - bit);
+        if (!keeps_tail) store_u32(&page[20], 0);
+        EXPECT_FALSE(Tree_Look(twin.pager, table, root).faults.empty());
+        EXPECT_TRUE(std::ranges::equal(twin.walked(false), twin.expected));
+        EXPECT_TRUE(std::ranges::equal(twin.walked(true), twin.expected));
+        EXPECT_EQ(twin.tree.rows(long_key(2999)).size(), 1u);
+        EXPECT_TRUE(twin.tree.lower_bound(long_key(3000)).at_end());
+        for (std::int32_t i = 3000; i < 3800; ++i)
+            twin.insert(long_key(i), row_of(static_cast<std::uint32_t>(i)));
+        twin.check();
+    }
+}
+
 TEST(Index_Tree, random_changes_keep_every_rule) {
     const bool thorough = std::getenv("LONG_TESTS") != nullptr;
     const int steps = thorough ? 60000 : 4000;
