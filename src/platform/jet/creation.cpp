@@ -8,6 +8,10 @@
 #include <algorithm>
 #include <array>
 #include <initializer_list>
+#include <limits>
+#include <map>
+#include <optional>
+#include <span>
 #include <string_view>
 
 namespace jet {
@@ -15,32 +19,36 @@ namespace {
 
 using T = Column_Type;
 
-/// In these four tables records stand in the order of their names, and all columns bear flag 0x10.
+/// In these four tables all columns bear flag 0x10, and their records stand in the order of the
+/// names. They are listed here in the order of their numbers.
 struct System_Column {
     std::u16string_view name;
     T type;
-    std::uint16_t number;
     std::uint8_t flags = 0x12;
 };
 
 struct System_Index {
     std::u16string_view name;
-    std::vector<std::uint16_t> columns;
+    std::array<std::uint16_t, 3> columns; ///< the first `parts` of them
+    std::size_t parts;
     std::uint8_t flags;
     std::uint8_t map_row;
     Page_Number root;
-    std::uint32_t number;
     Index_Kind kind = Index_Kind::other;
+};
+
+/// A column with long values and the first of the rows of its two maps.
+struct System_Maps {
+    std::uint16_t column;
+    std::uint8_t row;
 };
 
 struct System_Table {
     Page_Number page;
-    std::vector<System_Column> columns; ///< in the order of the numbers
-    std::uint8_t owned_row;             ///< the row after it holds the map of free space
-    std::vector<System_Index> reals;
-    std::vector<std::u16string_view> logical_order;
-    /// Columns with long values in the order of their records, and the rows of their two maps.
-    std::vector<std::pair<std::uint16_t, std::uint8_t>> long_maps;
+    std::uint8_t owned_row; ///< the row after it holds the map of free space
+    std::span<const System_Column> columns;
+    std::span<const System_Index> indexes;
+    std::span<const System_Maps> long_maps = {}; ///< in the order of their records
 };
 
 constexpr Page_Number maps_page = 6;
@@ -48,73 +56,55 @@ constexpr Page_Number first_data_page = 14;
 constexpr std::size_t map_rows = 31;
 constexpr std::size_t map_size = 69;
 
-const std::array<System_Table, 4>& system_tables() {
-    static const std::array<System_Table, 4> tables{{
-        {2,
-         {{u"Id", T::long_integer, 0},
-          {u"ParentId", T::long_integer, 1},
-          {u"Name", T::text, 2},
-          {u"Type", T::integer, 3},
-          {u"DateCreate", T::date, 4},
-          {u"DateUpdate", T::date, 5},
-          {u"Owner", T::binary, 6, 0x32},
-          {u"Flags", T::long_integer, 7},
-          {u"Database", T::memo, 8},
-          {u"Connect", T::memo, 9},
-          {u"ForeignName", T::text, 10},
-          {u"RmtInfoShort", T::binary, 11},
-          {u"RmtInfoLong", T::ole, 12},
-          {u"Lv", T::ole, 13},
-          {u"LvProp", T::ole, 14},
-          {u"LvModule", T::ole, 15},
-          {u"LvExtra", T::ole, 16}},
-         0x00,
-         {{u"ParentIdName", {1, 2}, 0x81, 0x10, 7, 0},
-          {u"Id", {0}, 0x81, 0x11, 8, 1, Index_Kind::primary}},
-         {u"Id", u"ParentIdName"},
-         {{9, 0x04}, {8, 0x02}, {13, 0x08}, {16, 0x0E}, {15, 0x0C}, {14, 0x0A}, {12, 0x06}}},
-        {3,
-         {{u"ObjectId", T::long_integer, 0},
-          {u"SID", T::binary, 1, 0x32},
-          {u"ACM", T::long_integer, 2},
-          {u"FInheritable", T::boolean, 3}},
-         0x12,
-         {{u"ObjectId", {0}, 0x88, 0x14, 9, 0}},
-         {u"ObjectId"},
-         {}},
-        {4,
-         {{u"ObjectId", T::long_integer, 0},
-          {u"Attribute", T::byte, 1},
-          {u"Order", T::binary, 2},
-          {u"Name1", T::text, 3},
-          {u"Name2", T::text, 4},
-          {u"Expression", T::memo, 5},
-          {u"Flag", T::integer, 6},
-          {u"LvExtra", T::long_integer, 7}},
-         0x15,
-         {{u"ObjectIdAttribute", {0, 1, 2}, 0x81, 0x19, 10, 0, Index_Kind::primary}},
-         {u"ObjectIdAttribute"},
-         {{5, 0x17}}},
-        {5,
-         {{u"szRelationship", T::text, 0},
-          {u"grbit", T::long_integer, 1},
-          {u"ccolumn", T::long_integer, 2},
-          {u"icolumn", T::long_integer, 3},
-          {u"szObject", T::text, 4},
-          {u"szColumn", T::text, 5},
-          {u"szReferencedObject", T::text, 6},
-          {u"szReferencedColumn", T::text, 7}},
-         0x1A,
-         {{u"szRelationship", {0}, 0x82, 0x1C, 11, 0},
-          {u"szObject", {4}, 0x82, 0x1D, 12, 1},
-          {u"szReferencedObject", {6}, 0x82, 0x1E, 13, 2}},
-         {u"szObject", u"szReferencedObject", u"szRelationship"},
-         {}},
-    }};
-    return tables;
-}
+constexpr std::array objects_columns{
+    System_Column{u"Id", T::long_integer},    System_Column{u"ParentId", T::long_integer},
+    System_Column{u"Name", T::text},          System_Column{u"Type", T::integer},
+    System_Column{u"DateCreate", T::date},    System_Column{u"DateUpdate", T::date},
+    System_Column{u"Owner", T::binary, 0x32}, System_Column{u"Flags", T::long_integer},
+    System_Column{u"Database", T::memo},      System_Column{u"Connect", T::memo},
+    System_Column{u"ForeignName", T::text},   System_Column{u"RmtInfoShort", T::binary},
+    System_Column{u"RmtInfoLong", T::ole},    System_Column{u"Lv", T::ole},
+    System_Column{u"LvProp", T::ole},         System_Column{u"LvModule", T::ole},
+    System_Column{u"LvExtra", T::ole}};
+constexpr std::array objects_indexes{
+    System_Index{u"ParentIdName", {1, 2}, 2, 0x81, 0x10, 7},
+    System_Index{u"Id", {0}, 1, 0x81, 0x11, 8, Index_Kind::primary}};
+constexpr std::array objects_maps{
+    System_Maps{9, 0x04},  System_Maps{8, 0x02},  System_Maps{13, 0x08}, System_Maps{16, 0x0E},
+    System_Maps{15, 0x0C}, System_Maps{14, 0x0A}, System_Maps{12, 0x06}};
 
-/// Page and row of each map, and the one page that is set in it at the beginning.
+constexpr std::array rights_columns{
+    System_Column{u"ObjectId", T::long_integer}, System_Column{u"SID", T::binary, 0x32},
+    System_Column{u"ACM", T::long_integer}, System_Column{u"FInheritable", T::boolean}};
+constexpr std::array rights_indexes{System_Index{u"ObjectId", {0}, 1, 0x88, 0x14, 9}};
+
+constexpr std::array queries_columns{System_Column{u"ObjectId", T::long_integer},
+                                     System_Column{u"Attribute", T::byte},
+                                     System_Column{u"Order", T::binary},
+                                     System_Column{u"Name1", T::text},
+                                     System_Column{u"Name2", T::text},
+                                     System_Column{u"Expression", T::memo},
+                                     System_Column{u"Flag", T::integer},
+                                     System_Column{u"LvExtra", T::long_integer}};
+constexpr std::array queries_indexes{
+    System_Index{u"ObjectIdAttribute", {0, 1, 2}, 3, 0x81, 0x19, 10, Index_Kind::primary}};
+constexpr std::array queries_maps{System_Maps{5, 0x17}};
+
+constexpr std::array relations_columns{
+    System_Column{u"szRelationship", T::text},     System_Column{u"grbit", T::long_integer},
+    System_Column{u"ccolumn", T::long_integer},    System_Column{u"icolumn", T::long_integer},
+    System_Column{u"szObject", T::text},           System_Column{u"szColumn", T::text},
+    System_Column{u"szReferencedObject", T::text}, System_Column{u"szReferencedColumn", T::text}};
+constexpr std::array relations_indexes{System_Index{u"szRelationship", {0}, 1, 0x82, 0x1C, 11},
+                                       System_Index{u"szObject", {4}, 1, 0x82, 0x1D, 12},
+                                       System_Index{u"szReferencedObject", {6}, 1, 0x82, 0x1E, 13}};
+
+constexpr std::array system_tables{
+    System_Table{2, 0x00, objects_columns, objects_indexes, objects_maps},
+    System_Table{3, 0x12, rights_columns, rights_indexes},
+    System_Table{4, 0x15, queries_columns, queries_indexes, queries_maps},
+    System_Table{5, 0x1A, relations_columns, relations_indexes}};
+
 Row_Pointer map_at(std::uint8_t row) { return {maps_page, row}; }
 
 void add_columns(Definition& definition, const System_Table& table) {
@@ -134,13 +124,14 @@ void add_columns(Definition& definition, const System_Table& table) {
 }
 
 void add_indexes(Definition& definition, const System_Table& table) {
-    for (const auto& index : table.reals) {
+    for (const auto& index : table.indexes) {
         std::vector<Index_Part> parts;
-        for (const auto column : index.columns) parts.push_back({column, true});
+        for (std::size_t i = 0; i < index.parts; ++i) parts.push_back({index.columns[i], true});
         append_real(definition, std::move(parts), index.flags, map_at(index.map_row), index.root);
     }
-    for (const auto& index : table.reals) // numbers follow the order in which they are entered
-        insert_logical(definition, std::u16string(index.name), index.number, index.kind);
+    for (std::uint32_t real = 0; real < table.indexes.size(); ++real)
+        insert_logical(definition, std::u16string(table.indexes[real].name), real,
+                       table.indexes[real].kind);
 }
 
 Definition system_definition(const System_Table& table) {
@@ -196,13 +187,13 @@ std::vector<Page_Bytes> skeleton() {
     pages[0] = new_header();
     pages[1] = global_map();
     std::map<std::size_t, Page_Number> roots;
-    for (const auto& table : system_tables()) {
+    for (const auto& table : system_tables) {
         const auto joined = join_definition(system_definition(table));
         auto& page = pages[table.page];
         page = joined;
         store_u16(page.data() + 2, jet4_layout.page_size - joined.size() - 8);
         page.resize(jet4_layout.page_size);
-        for (const auto& index : table.reals) {
+        for (const auto& index : table.indexes) {
             pages[index.root] = empty_leaf(table.page);
             roots[index.map_row] = index.root;
         }

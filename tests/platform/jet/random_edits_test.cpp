@@ -1,6 +1,8 @@
 #include "platform/jet/fixture.h"
 #include "platform/jet/index_key.h"
+#include "platform/jet/mdbtools.h"
 #include "support/crash_sweep.h"
+#include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
 
@@ -319,6 +321,14 @@ TEST(Random_Edits, agree_with_a_model_and_leave_a_sound_file) {
             player.reopen();
         }
         if (HasFatalFailure()) return;
+    }
+    if (mdbtools::available()) {
+        const support::Temporary_Folder folder;
+        const auto bytes = disk.bytes(path);
+        files::real_disk()
+            .open(folder / "edited.mdb", files::Access::create_new)
+            ->write_at(0, bytes);
+        EXPECT_EQ(mdbtools::difference(folder / "edited.mdb").toStdString(), "");
     }
     RecordProperty("parts", static_cast<int>(player.model.parts.size()));
     RecordProperty("bytes", static_cast<int>(disk.bytes(path).size()));
