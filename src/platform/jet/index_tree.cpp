@@ -6,6 +6,19 @@
 
 namespace jet {
 
+namespace {
+
+/// The order of the bytes in the file. Only where one key begins like another do rows mix with keys.
+bool stands_before(const Index_Tree::Entry& one, const Index_Tree::Entry& other) {
+    const std::size_t common = common_length(one.key, other.key);
+    if (common < std::min(one.key.size(), other.key.size()))
+        return one.key[common] < other.key[common];
+    if (one.key.size() == other.key.size()) return one.row < other.row;
+    return entry_bytes(one.key, one.row) < entry_bytes(other.key, other.row);
+}
+
+} // namespace
+
 Index_Page Index_Tree::page(Page_Number number) const {
     return {pager_->read(number), number, table_};
 }
@@ -74,9 +87,7 @@ void Index_Tree::erase(Page_Space& space, std::span<const std::byte> key, Row_Po
 }
 
 std::size_t Index_Tree::build(Page_Space& space, std::vector<Entry> entries) {
-    std::ranges::sort(entries, [](const Entry& one, const Entry& other) {
-        return entry_bytes(one.key, one.row) < entry_bytes(other.key, other.row);
-    });
+    std::ranges::sort(entries, stands_before);
     std::size_t different = 0;
     for (const Entry& entry : entries) different += insert(space, entry.key, entry.row) ? 1U : 0U;
     return different;
