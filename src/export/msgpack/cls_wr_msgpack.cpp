@@ -102,6 +102,7 @@ void cls_wr_msgpack::Add_ByteArray(std::size_t length) {
 }
 
 void cls_wr_msgpack::Add_Bytes_to_Array(std::span<const std::uint8_t> values) {
+    make_room(values.size());
     bytes_.insert(bytes_.end(), values.begin(), values.end());
 }
 

@@ -40,7 +40,10 @@ public:
     void Add_ItemArray(std::size_t count); ///< fixarray or array 16. @throws Error (overflow)
     /// Only the header, bin 8 or bin 16; the payload follows byte by byte. @throws Error (overflow)
     void Add_ByteArray(std::size_t length);
-    void Add_Byte_to_Array(std::uint8_t value) { bytes_.push_back(value); }
+    void Add_Byte_to_Array(std::uint8_t value) {
+        make_room(1);
+        bytes_.push_back(value);
+    }
     /// The same for many bytes at once.
     void Add_Bytes_to_Array(std::span<const std::uint8_t> values);
 
@@ -69,7 +72,14 @@ public:
     void Clear();
 
 private:
-    void put(std::initializer_list<std::uint8_t> values) { bytes_.insert(bytes_.end(), values); }
+    void put(std::initializer_list<std::uint8_t> values) {
+        make_room(values.size());
+        bytes_.insert(bytes_.end(), values);
+    }
+    /// Grows in few large steps: every step costs fresh pages of memory, which are most of the time.
+    void make_room(std::size_t more) {
+        if (bytes_.capacity() - bytes_.size() < more) bytes_.reserve(4 * (bytes_.size() + more));
+    }
     void put_uint16(std::uint8_t type, std::size_t value);
 
     Bytes bytes_;
