@@ -16,6 +16,7 @@ namespace {
 const QString ignored_name = QStringLiteral("Filename will be ignored");
 
 void prepare(QFileDialog& dialog, const desktop::File_Choice& choice) {
+    dialog.resize(820, 480); // wide enough for names, sizes and dates
     dialog.setOptions(QFileDialog::DontUseNativeDialog | QFileDialog::DontConfirmOverwrite);
     if (QDir(choice.folder).exists()) dialog.setDirectory(choice.folder);
     if (!choice.filter.isEmpty()) dialog.setNameFilter(choice.filter);

@@ -1,6 +1,7 @@
 #include "ui/main/Frm_Main.h"
 
 #include "app/mod_fileverwaltung.h"
+#include "app/text_table.h"
 #include "scripts/cls_script_coll.h"
 #include "ui/main/UC_Scripte.h"
 #include "ui/main/main_form.h"
@@ -26,6 +27,7 @@ Frm_Main::Frm_Main(desktop::Desktop& desktop, files::Disk& disk, store::clsDBCon
     : desktop_(desktop), disk_(disk), database_(database), form_(new Main_Form(this)),
       cv_panel_(std::make_unique<Cv_Panel>(*form_, database, *this)),
       status_(new Status_Line(this)), write_protected_(new QLabel(this)) {
+    app::TextTable.fill();
     setObjectName(QStringLiteral("Frm_Main"));
     setCentralWidget(form_);
     status_->setObjectName(QStringLiteral("lab_status"));
@@ -86,6 +88,7 @@ void Frm_Main::end_program() {
 
 void Frm_Main::fill_sets() {
     form_->lst_sets->refill([this](store::List_Filler& list) {
+        if (!database_.Connection_Active()) return;
         database_.Fill_Sets_in_Listbox(list, app::globals.AktResCV);
     });
 }
@@ -178,6 +181,9 @@ void Frm_Main::say(const QString& sentence) { status_->say(sentence); }
 bool Frm_Main::say_trouble() {
     const std::optional<store::Trouble> trouble = database_.take_trouble();
     if (!trouble) return false;
+    if (trouble->kind == store::Failure::replaced && !database_.Connection_Active()) {
+        Refresh_Sets(); // the library is closed: nothing of it stays in view
+    }
     say_and_log(sentence(*trouble), trouble->subject + u": "_qs + trouble->detail);
     return true;
 }

@@ -1,0 +1,212 @@
+#include "main_window.h"
+
+using namespace ui_main;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+struct Sets_Test : Main_Window_Test {
+    void SetUp() override {
+        if (samples_missing()) GTEST_SKIP();
+        start();
+    }
+    bool nothing_current() {
+        return database.AktCVSetID() == 0 && cvs().count() == 0 && sets().selected_key() == 0 &&
+               scripts::AktScripts().Count() == 0;
+    }
+};
+
+} // namespace
+
+TEST_F(Sets_Test, the_first_set_is_shown_at_the_start) {
+    EXPECT_EQ(row(sets(), 0), "10 - Grundeinstellung Lokdecoder");
+    EXPECT_THAT(sets().selected_rows(), ElementsAre(0));
+    EXPECT_EQ(database.AktCVSetID(), sets().key(0));
+    EXPECT_EQ(count_label(), std::to_string(cvs().count()));
+    EXPECT_GT(cvs().count(), 0);
+    EXPECT_EQ(window->windowTitle().toStdString(),
+              std::string("CV-Sets Datenbank: ") + default_path);
+    EXPECT_THAT(app::globals.LastFiles, ElementsAre(QString::fromUtf8(default_path)));
+    EXPECT_THAT(status(), HasSubstr("CV-Sets: 45"));
+}
+
+TEST_F(Sets_Test, another_reset_cv_shows_other_sets_and_their_scripts) {
+    click_option("opt_rescv_1");
+    EXPECT_EQ(app::globals.AktResCV, 265);
+    EXPECT_EQ(row(sets(), 0), "1 - Soundprojekt BR 64, Zweizylinder");
+    EXPECT_THAT(sets().selected_rows(), ElementsAre(0));
+    sets().select_row(*sets().row_of(3));
+    EXPECT_EQ(scripts::AktScripts().Count(), 16);
+    EXPECT_EQ(get<QAbstractItemView>("lvw_Scripts").model()->rowCount(), 16);
+    click_option("opt_dec_1"); // QD has the sets of CV 8 only
+    EXPECT_EQ(app::globals.AktResCV, 8);
+    EXPECT_TRUE(get<QRadioButton>("opt_rescv_0").isChecked());
+    EXPECT_EQ(row(sets(), 0), "10 - Grundeinstellung Lokdecoder");
+    EXPECT_EQ(text("txt_cv_page_0"), "0");
+    EXPECT_EQ(text("txt_cv_page_1"), "1");
+}
+
+TEST_F(Sets_Test, a_new_set_is_selected_by_its_key) {
+    answer_set_dialog("Neue Lok", "");
+    choose("mnu_cvset_hinzu");
+    ASSERT_EQ(selected(sets()).size(), 1U);
+    EXPECT_THAT(selected(sets()).front(), HasSubstr(" - Neue Lok"));
+    EXPECT_EQ(database.AktCVSetID(), sets().selected_key());
+    EXPECT_EQ(cvs().count(), 0);
+    answer_set_dialog("Mit Nummer", "77");
+    choose("mnu_cvset_hinzu");
+    EXPECT_THAT(selected(sets()), ElementsAre("77 - Mit Nummer"));
+}
+
+TEST_F(Sets_Test, a_cancelled_dialog_changes_nothing) {
+    const auto before = rows(sets());
+    in_set_dialog([](QDialog& dialog) {
+        EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Neues CV-Set"));
+        dialog_field(dialog, "Text1").setText(QStringLiteral("verworfen"));
+        press_button(dialog, "cmd_cancel");
+    });
+    choose("mnu_cvset_hinzu");
+    answer_set_dialog("", "5"); // OK without a name
+    choose("mnu_cvset_hinzu");
+    EXPECT_EQ(rows(sets()), before);
+    EXPECT_THAT(sets().selected_rows(), ElementsAre(0));
+}
+
+TEST_F(Sets_Test, renaming_keeps_the_number_unless_another_is_given) {
+    const std::int32_t set = sets().selected_key();
+    const struct {
+        const char* number;
+        const char* shown;
+    } cases[] = {
+        {"10", "10 - Anders"}, {"0", "10 - Anders"}, {"", "10 - Anders"}, {"11", "11 - Anders"}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.number);
+        answer_set_dialog("Anders", c.number);
+        choose("mnu_cvset_rename");
+        EXPECT_THAT(selected(sets()), ElementsAre(c.shown));
+        EXPECT_EQ(sets().selected_key(), set);
+        EXPECT_GT(cvs().count(), 0);
+    }
+    in_set_dialog([](QDialog& dialog) {
+        EXPECT_EQ(dialog.windowTitle(), QStringLiteral("CV-Set umbenennen"));
+        EXPECT_EQ(dialog_field(dialog, "Text1").text(), QStringLiteral("Anders"));
+        EXPECT_EQ(dialog_field(dialog, "Text2").text(), QStringLiteral("11"));
+        EXPECT_EQ(dialog.focusWidget(), &dialog_field(dialog, "Text1"));
+        EXPECT_EQ(dialog_field(dialog, "Text1").cursorPosition(), 6);
+        press_button(dialog, "cmd_cancel");
+    });
+    const QModelIndex index = sets().model()->index(sets().current_row(), 0);
+    const QPoint place = sets().visualRect(index).center();
+    QTest::mouseClick(sets().viewport(), Qt::LeftButton, {}, place);
+    QTest::mouseDClick(sets().viewport(), Qt::LeftButton, {}, place);
+}
+
+TEST_F(Sets_Test, names_and_numbers_keep_within_the_column) {
+    in_set_dialog([](QDialog& dialog) {
+        QLineEdit& name = dialog_field(dialog, "Text1");
+        name.setText(QString(99, u'a') + QStringLiteral("\U0001F682 und mehr"));
+        EXPECT_EQ(name.text(), QString(99, u'a')); // not half a locomotive
+        QLineEdit& number = dialog_field(dialog, "Text2");
+        number.setFocus();
+        QTest::keyClicks(&number, QStringLiteral("-3x27689"));
+        EXPECT_EQ(number.text(), QStringLiteral("3276"));
+        number.setText(QStringLiteral("32767"));
+        press_button(dialog, "cmd_ok");
+    });
+    choose("mnu_cvset_hinzu");
+    EXPECT_THAT(selected(sets()), ElementsAre("32767 - " + std::string(99, 'a')));
+    EXPECT_THAT(status(), HasSubstr("auf 100 Zeichen gekürzt"));
+}
+
+TEST_F(Sets_Test, the_menu_asks_before_deleting_and_the_key_does_not) {
+    const auto before = rows(sets());
+    desktop.expect_question(QStringLiteral("Achtung"), QStringLiteral("CV-Set löschen?"),
+                            Answer::no);
+    choose("mnu_cvset_del");
+    EXPECT_EQ(rows(sets()), before);
+    desktop.expect_question(QStringLiteral("Achtung"), QStringLiteral("CV-Set löschen?"),
+                            Answer::yes);
+    choose("mnu_cvset_del");
+    EXPECT_EQ(rows(sets()), std::vector(before.begin() + 1, before.end()));
+    sets().select_row(2);
+    sets().setFocus();
+    press(Qt::Key_Delete);
+    EXPECT_EQ(sets().count(), static_cast<int>(before.size()) - 2);
+    EXPECT_THAT(sets().selected_rows(), ElementsAre(0)); // the first, and its CVs
+    EXPECT_EQ(database.AktCVSetID(), sets().key(0));
+    EXPECT_GT(cvs().count(), 0);
+}
+
+TEST_F(Sets_Test, without_a_selection_no_set_is_current_and_none_is_deleted) {
+    const int before = sets().count();
+    sets().selectionModel()->clearSelection();
+    EXPECT_TRUE(nothing_current());
+    sets().setFocus();
+    press(Qt::Key_Delete);
+    choose("mnu_cvset_del");
+    choose("mnu_cvset_rename");
+    EXPECT_EQ(sets().count(), before);
+    EXPECT_THAT(status(), HasSubstr("kein CV-Set gewählt"));
+}
+
+TEST_F(Sets_Test, a_view_without_sets_is_empty_and_leaves_the_count) {
+    click_option("opt_rescv_1");
+    while (sets().count() > 1) window->Delete_Set(sets().key(1));
+    sets().select_row(0);
+    const std::string count = count_label();
+    window->Delete_Set(sets().key(0));
+    EXPECT_EQ(sets().count(), 0);
+    EXPECT_TRUE(nothing_current());
+    EXPECT_EQ(count_label(), count);
+    click_option("opt_rescv_0");
+    EXPECT_EQ(count_label(), std::to_string(cvs().count()));
+    click_option("opt_rescv_1");
+    EXPECT_TRUE(nothing_current());
+    EXPECT_NE(count_label(), "0");
+}
+
+TEST_F(Sets_Test, the_context_menus_come_by_button_and_key) {
+    sets().setFocus();
+    const auto popup_of = [&](Entry_List& list) {
+        QContextMenuEvent by_key(QContextMenuEvent::Keyboard, {}, {});
+        QApplication::sendEvent(&list, &by_key);
+        QWidget* popup = QApplication::activePopupWidget();
+        const std::string name = popup == nullptr ? "none" : popup->objectName().toStdString();
+        if (popup != nullptr) popup->close();
+        return name;
+    };
+    EXPECT_EQ(popup_of(sets()), "mnu_cv_set");
+    EXPECT_EQ(popup_of(cvs()), "mnu_copymenu");
+}
+
+TEST_F(Main_Window_Test, a_write_protected_library_is_shown_and_not_changed) {
+    if (samples_missing()) GTEST_SKIP();
+    put_sample("library_2000", default_path);
+    disk.protect(default_path);
+    const auto before = disk.bytes(default_path);
+    start_bare();
+    EXPECT_THAT(status(), HasSubstr("schreibgeschützt"));
+    EXPECT_TRUE(get<QLabel>("lab_schreibschutz").isVisible());
+    const auto shown = rows(sets());
+    EXPECT_FALSE(shown.empty());
+    in_set_dialog([](QDialog& dialog) {
+        dialog_field(dialog, "Text1").setText(QStringLiteral("Neu"));
+        press_button(dialog, "cmd_ok");
+    });
+    choose("mnu_cvset_hinzu");
+    EXPECT_THAT(status(), HasSubstr("schreibgeschützt"));
+    sets().setFocus();
+    press(Qt::Key_Delete);
+    EXPECT_THAT(status(), HasSubstr("schreibgeschützt"));
+    EXPECT_EQ(rows(sets()), shown);
+    field("txt_cv_nummer").setText(QStringLiteral("1"));
+    field("txt_cv_wert").setText(QStringLiteral("99"));
+    field("txt_cv_wert").setFocus();
+    press(Qt::Key_Return);
+    EXPECT_THAT(status(), HasSubstr("schreibgeschützt"));
+    EXPECT_EQ(text("txt_cv_nummer"), "2");
+    EXPECT_EQ(disk.bytes(default_path), before);
+}
