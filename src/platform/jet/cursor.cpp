@@ -139,23 +139,38 @@ Cursor Table::rows(Order order) const {
     });
 }
 
+/// Rows through an index; nothing where there is none, or where its tree is broken.
+std::optional<std::vector<Row_Id>> Table::candidates(const Table_State& table,
+                                                     std::span<const Cell> equal) const {
+    std::vector<std::size_t> columns;
+    for (const auto& cell : equal) columns.push_back(cell.column);
+    const auto path = access_path(table, columns);
+    if (!path) return std::nullopt;
+    std::vector<Value> values;
+    for (const auto column : path->columns)
+        for (const auto& cell : equal)
+            if (cell.column == column) {
+                values.push_back(cell.value);
+                break;
+            }
+    try {
+        return rows_with_key(*engine_, table, path->real, values);
+    } catch (const Error& error) {
+        if (error.kind != Failure::damaged) throw;
+        engine_->note_damage(error);
+        return std::nullopt;
+    }
+}
+
 Cursor Table::find(std::span<const Cell> equal) const {
     return engine_->watch([&] {
         const Reading reading(*engine_);
         const auto& table = engine_->table(id_);
         auto state = std::make_unique<Cursor::State>(*engine_, table);
         state->filter.assign(equal.begin(), equal.end());
-        std::vector<std::size_t> columns;
-        for (const auto& cell : equal) columns.push_back(cell.column);
-        if (const auto path = access_path(table, columns)) {
-            std::vector<Value> values;
-            for (const auto column : path->columns)
-                values.push_back(
-                    equal[static_cast<std::size_t>(
-                              std::find(columns.begin(), columns.end(), column) - columns.begin())]
-                        .value);
+        if (auto rows = candidates(table, equal)) {
             state->listed = true;
-            state->rows = rows_with_key(*engine_, table, path->real, values);
+            state->rows = std::move(*rows);
         } else {
             state->pages = data_pages(engine_->pager(), *table.definition);
         }

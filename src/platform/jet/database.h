@@ -24,6 +24,7 @@ namespace check {
 struct Report;
 }
 class Engine; // what stands behind this face
+struct Table_State;
 
 using Mode = Open_Mode;
 
@@ -95,10 +96,18 @@ private:
     std::unique_ptr<State> state_;
 };
 
+/// What becomes of an empty text in a column that does not allow it.
+enum class Empty_Text {
+    null, ///< as the column wants it
+    kept  ///< as it was: other programs have such rows, and one that comes back must not differ
+};
+
 struct Inserted {
     Row_Id id;
     std::int32_t auto_number = 0; ///< 0 where the table has no such column
 };
+
+struct Follower;
 
 /// A table; cheap to copy, must not outlive its Database. After a change of its columns or indexes
 /// (by this copy or another) the same object shows the new ones.
@@ -130,23 +139,34 @@ public:
     /// plain number or a quoted text, else null. Nothing is changed when the row is refused: a
     /// value out of range or too long, null where it is required, a key that is taken, no partner
     /// in a relation (Failure::refused, subject: the column, index or relation).
-    Inserted insert(std::span<const Cell> cells) const;
+    Inserted insert(std::span<const Cell> cells, Empty_Text empty = Empty_Text::null) const;
     Inserted insert(std::initializer_list<Cell> cells) const {
         return insert(std::span<const Cell>(cells.begin(), cells.size()));
     }
     /// Changes the given cells; refuses as insert() does. Cascades of relations are followed.
-    void update(Row_Id id, std::span<const Cell> cells) const;
+    void update(Row_Id id, std::span<const Cell> cells, Empty_Text empty = Empty_Text::null) const;
     void update(Row_Id id, std::initializer_list<Cell> cells) const {
         update(id, std::span<const Cell>(cells.begin(), cells.size()));
     }
     /// Refused when rows of an enforced relation refer to it, unless the relation cascades.
     void erase(Row_Id id) const;
+    /// The rows that would go, or lose their reference, with this one: relations of other programs
+    /// may say so. Nearer ones come first. Refuses as erase() does.
+    std::vector<Follower> followers(Row_Id id) const;
 
 private:
     friend class Database;
+    std::optional<std::vector<Row_Id>> candidates(const Table_State& table,
+                                                  std::span<const Cell> equal) const;
     Table(Engine& engine, std::uint32_t id) : engine_(&engine), id_(id) {}
     Engine* engine_;
     std::uint32_t id_;
+};
+
+/// A row that a relation takes along.
+struct Follower {
+    Table table;
+    Row_Id row;
 };
 
 class Database {

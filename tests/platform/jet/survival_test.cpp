@@ -101,6 +101,30 @@ TEST_F(Survival, a_damaged_file_is_shown_and_never_written) {
     EXPECT_TRUE(disk.bytes(path) == bytes);
 }
 
+TEST_F(Survival, rows_stand_in_the_order_of_the_key_even_when_its_tree_is_broken) {
+    const auto before = [&] {
+        auto database = open(disk, jet::Mode::read_only);
+        return content(database);
+    }();
+    auto bytes = disk.bytes(path);
+    int broken = 0;
+    for (std::size_t at = 0; at < bytes.size(); at += 4096) // every node and leaf of every tree
+        if (bytes[at] == std::byte{3} || bytes[at] == std::byte{4}) {
+            bytes[at + 0x18] = std::byte{0xFF};
+            bytes[at + 0x19] = std::byte{0xFF};
+            ++broken;
+        }
+    ASSERT_GT(broken, 5);
+    disk.set_bytes(path, bytes);
+    auto database = open(disk);
+    EXPECT_TRUE(content(database) == before);
+    auto third = database.table(u"Sets")->find({{0, before.at(u"Sets")[2][0]}});
+    ASSERT_TRUE(third.next());
+    EXPECT_EQ(third.values(), before.at(u"Sets")[2]);
+    EXPECT_EQ(database.status().blocked, jet::Blocked::damaged);
+    EXPECT_EQ(failure([&] { database.table(u"Sets")->insert({}); }), Failure::read_only);
+}
+
 /// Random damage: whatever is met, nothing crashes or hangs, and what the checker calls damaged is
 /// not written to.
 void edit_damaged(const std::vector<std::byte>& bytes) {
