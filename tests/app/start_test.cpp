@@ -3,6 +3,7 @@
 #include "app/mod_main.h"
 #include "app/sequences.h"
 
+#include "platform/files/faulty_disk.h"
 #include "platform/files/memory_disk.h"
 #include "support/scripted_desktop.h"
 
@@ -85,6 +86,16 @@ TEST_F(Start, goes_on_without_a_database_and_says_why) {
     start_up(window, desktop, disk);
     EXPECT_THAT(window.calls.back(), testing::StartsWith("missing: /home/anna/Dokumente/KELDA"));
     EXPECT_THAT(disk.paths(), ElementsAre(template_path)) << "a half copy stayed behind";
+}
+
+TEST_F(Start, a_full_disk_leaves_no_half_database) {
+    disk.set_bytes(template_path, bytes(std::string(5000, 't')));
+    files::Faulty_Disk full(disk);
+    full.limit_room(4000);
+    const auto trouble = Init_Globals(desktop, full);
+    ASSERT_TRUE(trouble);
+    EXPECT_EQ(trouble->kind, files::Failure::disk_full);
+    EXPECT_THAT(disk.paths(), ElementsAre(template_path));
 }
 
 TEST_F(Start, falls_back_to_the_standard_folder_and_overwrites_nothing) {

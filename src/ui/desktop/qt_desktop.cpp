@@ -6,8 +6,10 @@
 #include <QClipboard>
 #include <QDir>
 #include <QFileDialog>
+#include <QHeaderView>
 #include <QMessageBox>
 #include <QScreen>
+#include <QTreeView>
 
 namespace ui_desktop {
 namespace {
@@ -24,6 +26,9 @@ void prepare(QFileDialog& dialog, const desktop::File_Choice& choice) {
 }
 
 std::optional<QString> answer(QFileDialog& dialog) {
+    if (auto* details = dialog.findChild<QTreeView*>(QStringLiteral("treeView"))) {
+        details->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    }
     if (dialog.exec() != QDialog::Accepted) return {};
     const QString path = dialog.selectedFiles().value(0);
     if (path.isEmpty()) return {};

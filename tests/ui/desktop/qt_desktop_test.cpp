@@ -1,0 +1,108 @@
+#include "ui/desktop/qt_desktop.h"
+
+#include "ui/desktop/german.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QFile>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <functional>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace {
+
+/// Real dialogs, in German, answered as soon as they are shown.
+struct Qt_Desktop_Test : testing::Test {
+    static void SetUpTestSuite() { ui_desktop::speak_german(); }
+
+    void in_dialog(std::function<void(QDialog&)> act) {
+        QTimer::singleShot(0, qApp, [act = std::move(act)] {
+            auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            ASSERT_NE(dialog, nullptr);
+            act(*dialog);
+            if (dialog->isVisible()) dialog->reject();
+        });
+    }
+    void type_name(const QString& name) {
+        in_dialog([name](QDialog& dialog) {
+            auto* field = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+            field->setText(name);
+            QTest::keyClick(field, Qt::Key_Return);
+        });
+    }
+    static std::vector<std::string> button_texts(QDialog& dialog) {
+        std::vector<std::string> texts;
+        for (const QPushButton* button : dialog.findChildren<QPushButton*>()) {
+            texts.push_back(button->text().remove(u'&').toStdString());
+        }
+        return texts;
+    }
+    desktop::File_Choice choice(const char* file) {
+        return {folder.path(), QString::fromUtf8(file), QStringLiteral(".mdb"),
+                QStringLiteral("Datenbank (*.mdb)")};
+    }
+    QString path(const char* name) { return folder.filePath(QString::fromUtf8(name)); }
+    void make(const char* name) { QFile(path(name)).open(QFile::WriteOnly); }
+
+    QTemporaryDir folder;
+    ui_desktop::Qt_Desktop desktop;
+};
+
+} // namespace
+
+TEST_F(Qt_Desktop_Test, saving_adds_the_extension_and_asks_nothing_of_its_own) {
+    make("alt.mdb");
+    const struct {
+        const char* typed;
+        const char* path;
+    } cases[] = {{"neu", "neu.mdb"},
+                 {"alt", "alt.mdb"},
+                 {"alt.mdb", "alt.mdb"},
+                 {"Anlage 1.2", "Anlage 1.2.mdb"}};
+    for (const auto& c : cases) {
+        type_name(QString::fromUtf8(c.typed));
+        EXPECT_EQ(desktop.ask_save_file(choice("")), path(c.path)) << c.typed;
+    }
+    in_dialog([](QDialog& dialog) { dialog.reject(); });
+    EXPECT_EQ(desktop.ask_save_file(choice("alt.mdb")), std::nullopt);
+}
+
+TEST_F(Qt_Desktop_Test, opening_takes_files_that_exist) {
+    make("alt.mdb");
+    type_name(QStringLiteral("alt"));
+    EXPECT_EQ(desktop.ask_open_file(choice("")), path("alt.mdb"));
+    in_dialog([](QDialog& dialog) {
+        EXPECT_EQ(dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->text(),
+                  QStringLiteral("alt.mdb"));
+    });
+    EXPECT_EQ(desktop.ask_open_file(choice("alt.mdb")), std::nullopt);
+}
+
+TEST_F(Qt_Desktop_Test, a_folder_is_chosen_by_any_name_in_it) {
+    type_name(QStringLiteral("gibt es nicht"));
+    EXPECT_EQ(desktop.ask_folder(folder.path()), folder.path() + u'/');
+}
+
+TEST_F(Qt_Desktop_Test, questions_are_german_and_closing_them_means_no) {
+    in_dialog([](QDialog& dialog) {
+        EXPECT_THAT(button_texts(dialog), testing::UnorderedElementsAre("Ja", "Nein"));
+        EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Achtung"));
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+    });
+    EXPECT_FALSE(desktop.ask_yes_no(QStringLiteral("Achtung"), QStringLiteral("Löschen?")));
+    in_dialog([](QDialog& dialog) {
+        qobject_cast<QMessageBox*>(&dialog)->button(QMessageBox::Yes)->click();
+    });
+    EXPECT_TRUE(desktop.ask_yes_no(QStringLiteral("Achtung"), QStringLiteral("Löschen?")));
+    in_dialog([](QDialog& dialog) {
+        EXPECT_THAT(button_texts(dialog), testing::Contains("Abbrechen"));
+        EXPECT_THAT(button_texts(dialog), testing::Contains("Speichern"));
+    });
+    desktop.ask_save_file(choice("x.mdb"));
+}
