@@ -68,6 +68,7 @@ enum class What {
     definition_page,
     definition_loop,
     definition_length,
+    definition_counts, ///< more columns or indexes than a table can have
     definition_end,
     definition_constant,
     definition_free,

@@ -6,6 +6,8 @@ namespace {
 
 // 255 columns and 32 indexes with the longest names need fewer.
 constexpr std::size_t most_pages = 64, chain_head = 8;
+// Jet allows 32 indexes; the double leaves room for those that it may make for itself.
+constexpr std::uint32_t most_columns = 255, most_indexes = 64;
 constexpr std::uint32_t constant_at = 0x0C, type_at = 0x28, system_type = 0x53;
 constexpr std::uint32_t definition_constant = 0x659, index_constant = 0x783;
 
@@ -85,6 +87,11 @@ public:
 
     bool parse() {
         header();
+        if (out_.column_count > most_columns || out_.real_count > most_indexes ||
+            out_.logical_count > most_indexes)
+            return refuse(What::definition_counts,
+                          words("claims ", out_.column_count, " columns, ", out_.logical_count,
+                                " indexes and ", out_.real_count, " trees"));
         at_ = format_.blocks + std::size_t{format_.real_count} * out_.real_count;
         if (!counts_fit()) return refuse(What::definition_length, "is too short for its parts");
         columns();
@@ -134,11 +141,11 @@ private:
     }
 
     void reals() {
-        constexpr std::uint32_t most_columns = 10, unused = 0xFFFF;
+        constexpr std::uint32_t key_columns = 10, unused = 0xFFFF;
         for (std::uint32_t i = 0; i < out_.real_count; ++i) {
             const Bytes record = bytes_.part(at_, format_.real);
             Real_Index index;
-            for (std::uint32_t k = 0; k < most_columns; ++k) {
+            for (std::uint32_t k = 0; k < key_columns; ++k) {
                 const std::size_t at = format_.real_columns + std::size_t{3} * k;
                 if (record.u16(at) == unused) continue;
                 index.columns.push_back({record.u16(at), record.u8(at + 2) == 1});

@@ -111,11 +111,13 @@ void check_header(Inspection& inspection, const Header& header) {
     if (header.password)
         findings.warning(What::password, 0, "The file is protected by a password.");
     const Page page = inspection.pages.page(0);
+    std::size_t open = 0;
     for (std::uint32_t user = 0; user < 256; ++user)
-        if (page.bytes.u16(inspection.format.commit_bytes + std::size_t{2} * user) == 0)
-            findings.warning(What::commit_bytes, 0,
-                             words("The commit bytes of user ", user,
-                                   " are zero: a write was perhaps interrupted."));
+        if (page.bytes.u16(inspection.format.commit_bytes + std::size_t{2} * user) == 0) ++open;
+    if (open > 0)
+        findings.warning(What::commit_bytes, 0,
+                         words("The commit bytes of ", open, " of 256 users are zero: a write was ",
+                               "perhaps interrupted."));
 }
 
 } // namespace jet::check
