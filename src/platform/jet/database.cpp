@@ -64,21 +64,31 @@ std::optional<std::vector<Value>> Table::row(Row_Id id) const {
     });
 }
 
-Inserted Table::insert(std::span<const Cell> cells) const {
-    Statement statement(*engine_);
+Inserted Table::insert(std::span<const Cell> cells, Empty_Text empty) const {
+    Statement statement(*engine_, empty);
     Inserted inserted;
     engine_->change([&] { statement.insert(id_, cells); }, [&] { inserted = statement.apply(); });
     return inserted;
 }
 
-void Table::update(Row_Id id, std::span<const Cell> cells) const {
-    Statement statement(*engine_);
+void Table::update(Row_Id id, std::span<const Cell> cells, Empty_Text empty) const {
+    Statement statement(*engine_, empty);
     engine_->change([&] { statement.update(id_, id, cells); }, [&] { statement.apply(); });
 }
 
 void Table::erase(Row_Id id) const {
     Statement statement(*engine_);
     engine_->change([&] { statement.erase(id_, id); }, [&] { statement.apply(); });
+}
+
+std::vector<Follower> Table::followers(Row_Id id) const {
+    return engine_->watch([&] {
+        const Reading reading(*engine_);
+        std::vector<Follower> found;
+        for (const auto& [table, row] : Statement(*engine_).followers(id_, id))
+            found.push_back({Table(*engine_, table), row});
+        return found;
+    });
 }
 
 Database::Database(std::unique_ptr<Engine> engine) : engine_(std::move(engine)) {}

@@ -110,7 +110,8 @@ struct Inserted {
 struct Follower;
 
 /// A table; cheap to copy, must not outlive its Database. After a change of its columns or indexes
-/// (by this copy or another) the same object shows the new ones.
+/// (by this copy or another) the same object shows the new ones; references that it has given out
+/// end then.
 class Table {
 public:
     const std::u16string& name() const; ///< as it stands in the catalogue

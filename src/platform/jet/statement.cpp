@@ -116,7 +116,8 @@ void Statement::set_cell(const Table_State& table, Planned& row, std::size_t col
     const auto& record = table.definition->columns.at(column);
     auto fitting = fitted(record, value);
     const auto* text = std::get_if<std::u16string>(&fitting);
-    if (text != nullptr && text->empty() && !table.columns[column].allow_zero_length)
+    if (text != nullptr && text->empty() && !table.columns[column].allow_zero_length &&
+        empty_ == Empty_Text::null)
         fitting = Null{};
     if (const auto* number = std::get_if<std::int32_t>(&fitting); number && record.auto_number())
         row.auto_number = *number;
@@ -191,6 +192,18 @@ void Statement::update(Page_Number id, Row_Id row, std::span<const Cell> cells) 
 void Statement::erase(Page_Number id, Row_Id row) {
     plan(writable_table(id), row, Kind::erase);
     finish_plan();
+}
+
+std::vector<std::pair<Page_Number, Row_Id>> Statement::followers(Page_Number id, Row_Id row) {
+    const auto& logicals = writable_table(id).definition->logicals;
+    const bool referenced = std::any_of(logicals.begin(), logicals.end(), [](const auto& index) {
+        return is_relation(index, Side::referenced);
+    });
+    std::vector<std::pair<Page_Number, Row_Id>> found;
+    if (!referenced) return found;
+    erase(id, row);
+    for (std::size_t i = 1; i < plan_.size(); ++i) found.emplace_back(plan_[i].table, plan_[i].row);
+    return found;
 }
 
 void Statement::finish_plan() {

@@ -16,11 +16,14 @@ namespace jet {
 /// file or the medium does.
 class Statement {
 public:
-    explicit Statement(Engine& engine) : engine_(engine) {}
+    explicit Statement(Engine& engine, Empty_Text empty = Empty_Text::null)
+        : engine_(engine), empty_(empty) {}
 
     void insert(Page_Number table, std::span<const Cell> cells);
     void update(Page_Number table, Row_Id row, std::span<const Cell> cells);
     void erase(Page_Number table, Row_Id row);
+    /// What erasing a row would delete or change besides.
+    std::vector<std::pair<Page_Number, Row_Id>> followers(Page_Number table, Row_Id row);
     /// @return the row that was inserted, if any.
     Inserted apply();
 
@@ -68,6 +71,7 @@ private:
     bool planned_key(const Table_State& table, std::size_t real, const Bytes& key);
 
     Engine& engine_;
+    Empty_Text empty_;
     std::deque<Planned> plan_; ///< references stay valid while it grows
     std::map<std::pair<Page_Number, Row_Id>, std::size_t> places_;
     std::deque<std::size_t> to_follow_;

@@ -296,6 +296,8 @@ TEST_F(Own_Table, empty_text_is_null_where_it_is_not_allowed) {
     const auto table = make({column(u"Free", Column_Type::text, 10), strict});
     const auto row = table.insert({{1, u""}, {2, u""}}).id;
     EXPECT_EQ(*table.row(row), (std::vector<Value>{1, u"", Null{}}));
+    table.update(row, std::vector<Cell>{{2, u""}}, jet::Empty_Text::kept);
+    EXPECT_EQ(*table.row(row), (std::vector<Value>{1, u"", u""}));
 }
 
 TEST_F(Own_Table, defaults_fill_what_is_not_given) {
@@ -361,6 +363,9 @@ TEST_F(Own_Table, relations_follow_their_rules) {
     auto found = table.find({{0, 2}});
     ASSERT_TRUE(found.next());
     const auto second = found.id();
+    const auto followers = table.followers(second);
+    ASSERT_EQ(followers.size(), 1998U);
+    EXPECT_EQ((*table.row(followers.front().row))[0], Value(3));
     table.erase(second);
     EXPECT_EQ(table.row_count(), 2U);
     EXPECT_EQ(faults(database, true), "");
