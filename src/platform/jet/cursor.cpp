@@ -153,6 +153,8 @@ std::optional<std::vector<Row_Id>> Table::candidates(const Table_State& table,
                 values.push_back(cell.value);
                 break;
             }
+    const bool left_out = table.shapes[path->real].ignore_nulls;
+    if (left_out && std::all_of(values.begin(), values.end(), is_null)) return std::nullopt;
     try {
         return rows_with_key(*engine_, table, path->real, values);
     } catch (const Error& error) {

@@ -90,7 +90,7 @@ std::optional<Access_Path> access_path(const Table_State& table,
             if (std::find(columns.begin(), columns.end(), position) == columns.end()) break;
             path.columns.push_back(position);
         }
-        if (definition.reals[real].ignores_nulls() || path.columns.empty()) continue;
+        if (path.columns.empty()) continue;
         if (!best || path.columns.size() > best->columns.size()) best = std::move(path);
     }
     return best;

@@ -300,6 +300,33 @@ TEST_F(Own_Table, empty_text_is_null_where_it_is_not_allowed) {
     EXPECT_EQ(*table.row(row), (std::vector<Value>{1, u"", u""}));
 }
 
+TEST_F(Own_Table, rows_are_found_by_any_of_their_cells) {
+    jet::Index index;
+    index.name = u"Pair";
+    index.columns = {{u"A", true}, {u"B", false}};
+    index.ignore_nulls = true;
+    const auto table = make({column(u"A"), column(u"B"), column(u"C")}, {index});
+    for (int i = 0; i < 60; ++i)
+        table.insert({{1, i % 3 == 0 ? Value(Null{}) : Value(i % 5)},
+                      {2, i % 3 == 0 ? Value(Null{}) : Value(i % 4)},
+                      {3, i % 2}});
+    const auto count = [&](std::initializer_list<Cell> equal) {
+        int found = 0;
+        for (auto cursor = table.find(equal); cursor.next(); ++found)
+            for (const auto& cell : equal) EXPECT_EQ(cursor.value(cell.column), cell.value);
+        return found;
+    };
+    EXPECT_EQ(count({{1, 2}}), 8);
+    EXPECT_EQ(count({{1, 2}, {2, 1}}), 2);
+    EXPECT_EQ(count({{2, 1}}), 10);
+    EXPECT_EQ(count({{3, 1}}), 30);
+    EXPECT_EQ(count({{1, Null{}}}), 20);
+    EXPECT_EQ(count({{1, Null{}}, {3, 0}}), 10);
+    EXPECT_EQ(count({{1, 77}}), 0);
+    EXPECT_TRUE(table.quick(std::vector<std::size_t>{3, 2, 1}));
+    EXPECT_FALSE(table.quick(std::vector<std::size_t>{2, 3}));
+}
+
 TEST_F(Own_Table, defaults_fill_what_is_not_given) {
     const struct {
         Column_Type type;
