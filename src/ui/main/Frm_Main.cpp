@@ -119,7 +119,8 @@ void Frm_Main::set_selected() {
         scripts::AktScripts().Clear();
     }
     Redraw_Script_List();
-    say_trouble();
+    const int left_out = SetID != 0 ? database_.script_states_left_out() : 0;
+    if (!say_trouble() && left_out > 0) say(text(Text::script_states_left_out).arg(left_out));
 }
 
 void Frm_Main::Show_CVs(std::int32_t SetID) {

@@ -65,6 +65,7 @@ void Frm_Main::say_opening() {
     if (opening.ldb_beside) parts.append(text(Text::ldb_beside));
     append_count(parts, Text::sets_in_no_view, database_.sets_in_no_view());
     append_count(parts, Text::sets_completed, database_.sets_completed_in_memory());
+    append_count(parts, Text::script_states_left_out, database_.script_states_left_out());
     say(parts.join(u' '));
 }
 

@@ -71,7 +71,6 @@ constexpr Entry table[] = {
     {Text::set_added, u"CV-Set „%1“ hinzugefügt."},
     {Text::set_renamed, u"CV-Set „%1“ umbenannt."},
     {Text::set_deleted, u"CV-Set „%1“ gelöscht."},
-    {Text::name_empty, u"Ohne Namen wurde nichts geändert."},
     {Text::cv_stored, u"CV %1 = %2 gespeichert."},
     {Text::cv_number_beyond, u"Nichts gespeichert: CV-Nummern gehen von 1 bis 1024."},
     {Text::cv_value_beyond, u"Nichts gespeichert: CV-Werte gehen von 0 bis 255."},

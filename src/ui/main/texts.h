@@ -64,10 +64,9 @@ enum class Text {
     blocked_replaced,
 
     no_set_selected,
-    set_added,   ///< %1 number and name
-    set_renamed, ///< %1 name
-    set_deleted, ///< %1 name
-    name_empty,
+    set_added,        ///< %1 number and name
+    set_renamed,      ///< %1 name
+    set_deleted,      ///< %1 name
     cv_stored,        ///< %1 number, %2 value
     cv_number_beyond, ///< nothing stored, number outside 1..1024
     cv_value_beyond,  ///< nothing stored, value above 255
