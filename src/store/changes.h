@@ -7,15 +7,17 @@
 
 namespace store {
 
-enum class Table { Sets, CVs, Scripte, Scriptstates };
+enum class Table { Sets, CVs, Scripte, Scriptstates, other };
 
 /// One row that was added (nothing before), changed or deleted (nothing after). Rows carry all
 /// columns of the table, those of other programs too, so that they can be put back as they were.
 struct Row_Change {
     Table table = Table::Sets;
-    std::int32_t key = 0; ///< SetID, CVID, ScriptID or SSID
+    std::int32_t key = 0; ///< SetID, CVID, ScriptID or SSID; 0 in other tables
     ado::Row before;
     ado::Row after;
+    /// Name of a table of another program: a relation may delete or change its rows with ours.
+    QString other = {};
 };
 
 /// Everything that one outermost operation changed, in the order in which it happened.
@@ -32,6 +34,8 @@ public:
     /// Called once after each outermost operation that changed something, when it is on disk; not
     /// for one that was rolled back. The connection may be used again.
     virtual void changed(const Change_Record& record) = 0;
+    /// Another library is opened, or none: what was told before says nothing about it.
+    virtual void library_left() {}
 };
 
 } // namespace store

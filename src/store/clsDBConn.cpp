@@ -107,13 +107,18 @@ int clsDBConn::Inside::width(QLatin1StringView table, QLatin1StringView column) 
 
 void clsDBConn::Inside::close() {
     recordset.close();
+    transaction.reset(); // must not outlive the connection; an operation that is open is lost
+    spoiled = depth > 0;
+    record = {};
     picture.clear();
     completed.clear();
     connection.close();
+    copy_kept.reset();
     active = false;
     lost = false;
     akt_set = 0;
     scripts::AktScripts().Clear();
+    if (listener != nullptr) listener->library_left();
 }
 
 ado::Recordset& clsDBConn::Inside::query(const QString& sql, std::vector<QString> wanted) {
@@ -129,7 +134,10 @@ int clsDBConn::Inside::execute(const QString& sql) {
 
 clsDBConn::clsDBConn(files::Disk& disk) : inside_(std::make_unique<Inside>(disk)) {}
 
-clsDBConn::~clsDBConn() { inside_->connection.close(); }
+clsDBConn::~clsDBConn() {
+    inside_->transaction.reset();
+    inside_->connection.close();
+}
 
 void clsDBConn::Connection_Start(const QString& FileName) {
     Inside& inside = *inside_;
@@ -192,6 +200,8 @@ int clsDBConn::script_name_width() const { return inside_->width("Scripte"_L1, "
 int clsDBConn::script_info_width() const { return inside_->width("Scriptstates"_L1, "Info"_L1); }
 
 void clsDBConn::listen(Change_Listener* listener) { inside_->listener = listener; }
+
+void clsDBConn::keep_copies(Before_First_Write* keeper) { inside_->keeper = keeper; }
 
 clsDBConn& DBConn() {
     static clsDBConn connection;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/files/disk.h"
+#include "store/Before_First_Write.h"
 #include "store/CVRec.h"
 #include "store/List_Filler.h"
 #include "store/changes.h"
@@ -12,12 +13,20 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace scripts {
 class cls_Script_Sets;
 }
 
 namespace store {
+
+/// How putting rows back has ended.
+enum class Replayed {
+    done,
+    differs, ///< somebody else has changed what they hang on; nothing was put back
+    failed   ///< nothing was put back, and last_trouble() says why
+};
 
 /// The program's only access to a library of CV sets.
 ///
@@ -75,6 +84,13 @@ public:
 
     /// At most one; nullptr: none. Must outlive the connection or be taken off.
     void listen(Change_Listener* listener);
+    /// At most one; nullptr: no copies are kept. Must outlive the connection or be taken off.
+    void keep_copies(Before_First_Write* keeper);
+
+    /// Brings rows from what they were before to what they were after, one after the other, with
+    /// their keys and all of their columns. All or nothing, and only if each row still is as it was
+    /// before. The reason for not doing it is noted as a trouble. Not inside an Operation.
+    Replayed replay(const std::vector<Row_Change>& changes);
 
     // Sets
 
@@ -139,6 +155,8 @@ public:
     /// Deletes a script with its states; it stays in AktScripts.
     bool DB_Delete_Script(std::int32_t position);
     std::int32_t DB_Count_Scripts(std::int32_t SetID);
+    /// The set of a script; 0 when there is no such script.
+    std::int32_t set_of_script(std::int32_t ScriptID);
 
 private:
     friend class Operation;

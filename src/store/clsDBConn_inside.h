@@ -70,8 +70,14 @@ struct clsDBConn::Inside : ado::Row_Watcher {
     void begin_lost(); ///< an operation in which nothing is done
     bool end(bool keep);
     void row_changed(const QString& table, const ado::Row& before, const ado::Row& after) override;
+    void replay(const Row_Change& change);
+    static QString table_name(const Row_Change& change);
     void leave_lost_file();
     void close();
+
+    Before_First_Write* keeper = nullptr;
+    std::optional<bool> copy_kept; ///< nothing: not asked for since the library was opened
+    bool keep_copy();              ///< @return whether an old file may be upgraded
 
     /// Runs work under one shared lock; an error ends it and is noted. @return whether it ran to
     /// its end.

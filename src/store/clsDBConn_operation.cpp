@@ -32,6 +32,12 @@ std::int32_t key_in(const ado::Row& row, QLatin1StringView key) {
 
 } // namespace
 
+QString clsDBConn::Inside::table_name(const Row_Change& change) {
+    for (const Table_Name& known : table_names)
+        if (known.table == change.table) return known.name;
+    return change.other;
+}
+
 bool clsDBConn::Inside::is_refusal(ado::Failure kind) {
     return kind == ado::Failure::refused || kind == ado::Failure::not_found ||
            kind == ado::Failure::statement;
@@ -67,10 +73,19 @@ void clsDBConn::Inside::begin_lost() {
     spoiled = true;
 }
 
+/// Nothing of a transaction reaches the file before its commit, so until then the file can be
+/// copied as it was.
+bool clsDBConn::Inside::keep_copy() {
+    if (keeper == nullptr) return true;
+    if (!copy_kept) copy_kept = keeper->keep_copy(file);
+    return *copy_kept;
+}
+
 bool clsDBConn::Inside::end(bool keep) {
     spoiled = spoiled || !keep;
     if (--depth > 0) return !spoiled;
     bool kept = !std::exchange(spoiled, false);
+    if (kept && !record.rows.empty()) keep_copy();
     try {
         if (kept) transaction->commit();
     } catch (const ado::Error& error) {
@@ -90,7 +105,9 @@ void clsDBConn::Inside::row_changed(const QString& table, const ado::Row& before
         if (table.compare(known.name, Qt::CaseInsensitive) != 0) continue;
         const std::int32_t key = key_in(after.empty() ? before : after, known.key);
         record.rows.push_back({known.table, key, before, after});
+        return;
     }
+    record.rows.push_back({Table::other, 0, before, after, table});
 }
 
 Operation::Operation(clsDBConn& connection) : inside_(*connection.inside_) {

@@ -105,7 +105,8 @@ void clsDBConn::Inside::upgrade() {
     if (!is_library || lacks.empty()) return; // nothing is added to databases of other kinds
     if (blocked() == Blocked::no && begin()) {
         // one refused (a key that old files do not have) does not keep the others out
-        for (const Addition& addition : lacks) changing([&] { add(catalog, addition); });
+        if (keep_copy())
+            for (const Addition& addition : lacks) changing([&] { add(catalog, addition); });
         end(true);
     }
     reading(ado::Extent::some, [&] {

@@ -183,4 +183,14 @@ std::int32_t clsDBConn::DB_Count_Scripts(std::int32_t SetID) {
     return count;
 }
 
+std::int32_t clsDBConn::set_of_script(std::int32_t ScriptID) {
+    std::int32_t id = 0;
+    inside_->reading(ado::Extent::some, [&] {
+        ado::Recordset& row = inside_->query(u"SELECT * FROM Scripte WHERE ScriptID = "_s +
+                                             QString::number(ScriptID));
+        if (!row.at_end()) id = row.number(u"SetID").value_or(0);
+    });
+    return id;
+}
+
 } // namespace store

@@ -15,8 +15,10 @@
 
 namespace ado {
 
+using jet::Empty_Text;
+
 /// Told of every row that is added (nothing before), changed or deleted (nothing after), with all
-/// columns of its table.
+/// columns of its table. Rows that a relation takes along are told before the row that they follow.
 class Row_Watcher {
 public:
     virtual ~Row_Watcher() = default;
@@ -67,8 +69,10 @@ public:
     /// A block for rows that are going to be added.
     Found_Rows nothing_of(const QString& table);
     /// Adds a row and appends it to `block`. @return its place there.
-    std::uint32_t insert(const QString& table, Row_Block& block, const Row& cells);
-    void update(const QString& table, Row_Block& block, std::uint32_t row, const Row& cells);
+    std::uint32_t insert(const QString& table, Row_Block& block, const Row& cells,
+                         Empty_Text empty = Empty_Text::null);
+    void update(const QString& table, Row_Block& block, std::uint32_t row, const Row& cells,
+                Empty_Text empty = Empty_Text::null);
     void erase(const QString& table, Row_Block& block, std::uint32_t row);
 
 private:

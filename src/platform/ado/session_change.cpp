@@ -134,10 +134,11 @@ Found_Rows Session::nothing_of(const QString& table) {
     return {std::make_shared<Row_Block>(translated([&] { return shape(table); }).columns), {}};
 }
 
-std::uint32_t Session::insert(const QString& table, Row_Block& block, const Row& cells) {
+std::uint32_t Session::insert(const QString& table, Row_Block& block, const Row& cells,
+                              Empty_Text empty) {
     return translated([&] {
         const jet::Table stored = stored_table(table);
-        const auto id = stored.insert(cells_of(stored, cells)).id;
+        const auto id = stored.insert(cells_of(stored, cells), empty).id;
         const auto after = values_of(stored, id);
         const auto row = static_cast<std::uint32_t>(block.size());
         block.append(id, after);
@@ -147,11 +148,12 @@ std::uint32_t Session::insert(const QString& table, Row_Block& block, const Row&
     });
 }
 
-void Session::update(const QString& table, Row_Block& block, std::uint32_t row, const Row& cells) {
+void Session::update(const QString& table, Row_Block& block, std::uint32_t row, const Row& cells,
+                     Empty_Text empty) {
     translated([&] {
         const jet::Table stored = stored_table(table);
         const auto before = values_of(stored, block.id(row));
-        stored.update(block.id(row), cells_of(stored, cells));
+        stored.update(block.id(row), cells_of(stored, cells), empty);
         const auto after = values_of(stored, block.id(row));
         Held_Table* const held = held_with(table, block);
         if (held != nullptr) held->remove(row);
@@ -165,8 +167,17 @@ void Session::erase(const QString& table, Row_Block& block, std::uint32_t row) {
     translated([&] {
         const jet::Table stored = stored_table(table);
         const auto before = values_of(stored, block.id(row));
+        const auto followers = stored.followers(block.id(row));
+        std::vector<std::vector<Value>> followers_before;
+        for (const jet::Follower& follower : followers)
+            followers_before.push_back(values_of(follower.table, follower.row));
         stored.erase(block.id(row));
         if (Held_Table* const held = held_with(table, block)) held->remove(row);
+        for (std::size_t i = followers.size(); i-- > 0;) {
+            const auto& [other, id] = followers[i];
+            held_.erase(QString::fromStdU16String(other.name()).toLower());
+            tell(other, followers_before[i], other.row(id).value_or(std::vector<Value>()));
+        }
         tell(stored, before, {});
     });
 }

@@ -114,7 +114,8 @@ bool Memory_Disk::folder_exists(const std::string& path) {
 
 void Memory_Disk::make_folder(const std::string& path) {
     check_folder_of(path);
-    if (!folders_.insert(path).second) throw Error(Failure::exists, path, "folder exists");
+    if (files_.contains(path) || !folders_.insert(path).second)
+        throw Error(Failure::exists, path, "folder exists");
 }
 
 void Memory_Disk::remove(const std::string& path) {

@@ -4,11 +4,11 @@ namespace files {
 
 Replacement::Replacement(Disk& disk, const std::string& path)
     : disk_(disk), path_(disk.resolve(path)) {
-    const bool replaces = disk_.file_exists(path_);
+    replaces_ = disk_.file_exists(path_);
     // Renaming asks nobody for the rights of the file that goes.
-    if (replaces) static_cast<void>(disk_.open(path_, Access::read_write));
+    if (replaces_) static_cast<void>(disk_.open(path_, Access::read_write));
     open_beside();
-    if (replaces) disk_.copy_rights(path_, beside_); // before anything private is in it
+    if (replaces_) disk_.copy_rights(path_, beside_); // before anything private is in it
 }
 
 void Replacement::open_beside() {
@@ -35,6 +35,10 @@ Replacement::~Replacement() {
     }
 }
 
+void Replacement::take_rights_of(const std::string& other) {
+    if (!replaces_) disk_.copy_rights(other, beside_);
+}
+
 void Replacement::write(std::span<const std::byte> bytes) {
     file_->write_at(written_, bytes);
     written_ += bytes.size();
@@ -53,9 +57,10 @@ void replace_file(Disk& disk, const std::string& path, std::span<const std::byte
     replacement.finish();
 }
 
-void copy_file(Disk& disk, const std::string& from, const std::string& to) {
+void copy_file(Disk& disk, const std::string& from, const std::string& to, Rights rights) {
     const auto source = disk.open(from, Access::read);
     Replacement copy(disk, to);
+    if (rights == Rights::of_source) copy.take_rights_of(from);
     std::vector<std::byte> portion(std::size_t{1} << 20);
     std::uint64_t offset = 0;
     while (const std::size_t count = source->read_at(offset, portion)) {

@@ -15,6 +15,8 @@ public:
     Replacement(const Replacement&) = delete;
     Replacement& operator=(const Replacement&) = delete;
 
+    /// Gives the new file the rights of another one, unless it replaces a file.
+    void take_rights_of(const std::string& other);
     /// Adds to the end.
     void write(std::span<const std::byte> bytes);
     /// Syncs the content, renames, syncs the folder.
@@ -28,6 +30,7 @@ private:
     Disk& disk_;
     std::string path_;
     std::string beside_;
+    bool replaces_ = false;
     std::unique_ptr<File> file_;
     std::uint64_t written_ = 0;
 };
@@ -35,9 +38,16 @@ private:
 /// Gives the name a new content in one step; on any Error the old file stands whole.
 void replace_file(Disk& disk, const std::string& path, std::span<const std::byte> bytes);
 
-/// Copies in one step in the same sense, a portion at a time. The copy has the rights of a new
-/// file, or of the file that it replaces.
-void copy_file(Disk& disk, const std::string& from, const std::string& to);
+/// Whose rights a copy gets that replaces nothing.
+enum class Rights {
+    of_new_file, ///< as for any file that the user makes
+    of_source    ///< nobody can read it who could not read the other
+};
+
+/// Copies in one step in the same sense, a portion at a time. A copy that replaces a file has the
+/// rights of that one.
+void copy_file(Disk& disk, const std::string& from, const std::string& to,
+               Rights rights = Rights::of_new_file);
 
 std::vector<std::byte> read_file(Disk& disk, const std::string& path);
 

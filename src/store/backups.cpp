@@ -1,0 +1,239 @@
+#include "store/backups.h"
+
+#include "platform/files/replace.h"
+#include "platform/jet/database.h"
+
+#include <QCryptographicHash>
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace store {
+
+namespace {
+
+constexpr std::size_t copies_kept = 10;
+const std::string folder_name = "Sicherungen";
+const QString time_form = u"yyyy-MM-dd HH-mm-ss"_s;
+const QString extension = u".mdb"_s;
+
+std::string joined(const std::string& folder, const std::string& name) {
+    if (folder.empty() || folder.back() == '/') return folder + name;
+    return folder + '/' + name;
+}
+
+QString name_of(const std::string& path) {
+    return QString::fromStdString(path.substr(path.find_last_of('/') + 1));
+}
+
+/// What the names of a library's copies begin with. Two libraries "a.mdb" and "a.MDB" in one folder
+/// do not share their copies.
+QString stem_of(const std::string& path) {
+    const QString name = name_of(path);
+    return name.endsWith(extension) ? name.chopped(extension.size()) : name;
+}
+
+QString copy_name(const QString& stem, const QDateTime& time) {
+    return stem + u' ' + time.toString(time_form) + extension;
+}
+
+/// When the copy of this name was made; nothing when it is no copy of the library.
+std::optional<QDateTime> time_in(const QString& name, const QString& stem) {
+    if (name.size() != stem.size() + 1 + time_form.size() + extension.size()) return std::nullopt;
+    const QString text = name.sliced(stem.size() + 1, time_form.size());
+    // Date and time apart: read in another time zone, the two together need not exist.
+    const QDate date = QDate::fromString(text.first(10), u"yyyy-MM-dd"_s);
+    const QTime time = QTime::fromString(text.last(8), u"HH-mm-ss"_s);
+    const QString name_again = // what was read leniently differs
+        stem + date.toString(u" yyyy-MM-dd"_s) + time.toString(u" HH-mm-ss"_s) + extension;
+    return name == name_again ? std::optional(QDateTime(date, time)) : std::nullopt;
+}
+
+Failure translated(files::Failure kind) {
+    switch (kind) {
+    case files::Failure::not_found:
+        return Failure::not_found;
+    case files::Failure::exists:
+        return Failure::refused;
+    case files::Failure::denied:
+        return Failure::denied;
+    case files::Failure::read_only:
+        return Failure::read_only;
+    case files::Failure::locked_elsewhere:
+        return Failure::locked_elsewhere;
+    case files::Failure::disk_full:
+        return Failure::disk_full;
+    case files::Failure::device:
+        return Failure::device;
+    }
+    return Failure::device;
+}
+
+/// Keeps everybody from changing a library while it lives, with what a crash cut off taken back.
+class Held_Library {
+public:
+    Held_Library(files::Disk& disk, const std::string& path)
+        : database_(jet::Database::open(disk, path, jet::Mode::read_write)), guard_(database_) {}
+
+private:
+    jet::Database database_;
+    jet::Read_Guard guard_;
+};
+
+} // namespace
+
+Backups::Backups(files::Disk& disk, const QString& user_folder, Clock clock)
+    : disk_(disk), user_folder_(user_folder.toStdString()), clock_(std::move(clock)) {}
+
+template <class Work>
+bool Backups::noting(Work work) {
+    try {
+        work();
+        return true;
+    } catch (const files::Error& error) {
+        trouble_ = {translated(error.kind), QString::fromStdString(error.subject),
+                    QString::fromStdString(error.detail)};
+    }
+    return false;
+}
+
+std::optional<Trouble> Backups::take_trouble() { return std::exchange(trouble_, std::nullopt); }
+
+std::vector<Backups::Place> Backups::places(const std::string& path) const {
+    const std::string folder = files::folder_of(path);
+    const std::string of_user = joined(user_folder_, folder_name);
+    const auto mark =
+        QCryptographicHash::hash(QByteArray::fromStdString(folder), QCryptographicHash::Sha256);
+    return {{joined(folder, folder_name), folder},
+            {joined(of_user, mark.toHex().first(16).toStdString()), of_user}};
+}
+
+std::string Backups::copy_to(const Place& place, const std::string& path) {
+    for (const std::string& folder : {place.above, place.folder})
+        if (!folder.empty() && !disk_.folder_exists(folder)) disk_.make_folder(folder);
+    QDateTime time = clock_();
+    std::string copy;
+    do { // the second may be taken: by the copy before, or after the clock was set back
+        copy = joined(place.folder, copy_name(stem_of(path), time).toStdString());
+        time = time.addSecs(1);
+    } while (disk_.file_exists(copy));
+    files::copy_file(disk_, path, copy, files::Rights::of_source);
+    return copy;
+}
+
+std::string Backups::make_copy(const std::string& path) {
+    const auto all = places(path);
+    try {
+        return copy_to(all.front(), path);
+    } catch (const files::Error&) {
+        try {
+            return copy_to(all.back(), path);
+        } catch (const files::Error&) {
+            // The failure of the place that people expect is the one worth telling.
+        }
+        throw;
+    }
+}
+
+/// A copy that cannot be removed does no harm.
+void Backups::remove_old(const std::string& path, const std::string& just_made) noexcept {
+    try {
+        const std::string folder = files::folder_of(just_made);
+        std::vector<std::string> copies;
+        for (const std::string& name : disk_.files_in(folder))
+            if (time_in(QString::fromStdString(name), stem_of(path)) &&
+                joined(folder, name) != just_made) // not the newest by its name if the clock is
+                copies.push_back(name);            // wrong now or was wrong once
+        std::sort(copies.begin(), copies.end(), std::greater<>());
+        for (std::size_t i = copies_kept - 1; i < copies.size(); ++i)
+            disk_.remove(joined(folder, copies[i]));
+    } catch (const files::Error&) {
+    }
+}
+
+bool Backups::keep_copy(const QString& file) {
+    return noting([&] {
+        const std::string path = disk_.resolve(file.toStdString());
+        const auto identity = disk_.identity(path);
+        const auto known = copied_.find(path);
+        if (known != copied_.end() && known->second == identity) return;
+        remove_old(path, make_copy(path));
+        if (identity) copied_[path] = *identity;
+    });
+}
+
+void Backups::made_now(const QString& file) {
+    noting([&] {
+        const std::string path = disk_.resolve(file.toStdString());
+        if (const auto identity = disk_.identity(path)) copied_[path] = *identity;
+    });
+}
+
+std::optional<int> Backups::sets_in(const std::string& path) {
+    try {
+        auto library = jet::Database::open(disk_, path, jet::Mode::read_only);
+        if (const auto sets = library.table(u"Sets")) return static_cast<int>(sets->row_count());
+    } catch (const jet::Error&) {
+        // Whatever is wrong with it, it cannot be brought back.
+    }
+    return std::nullopt;
+}
+
+std::vector<Backup> Backups::copies_of(const QString& file) {
+    std::vector<Backup> found;
+    noting([&] {
+        const std::string path = disk_.resolve(file.toStdString());
+        for (const Place& place : places(path)) {
+            if (!disk_.folder_exists(place.folder)) continue;
+            for (const std::string& name : disk_.files_in(place.folder)) {
+                const auto time = time_in(QString::fromStdString(name), stem_of(path));
+                const std::string copy = joined(place.folder, name);
+                if (time) found.push_back({QString::fromStdString(copy), *time, sets_in(copy)});
+            }
+        }
+    });
+    std::stable_sort(found.begin(), found.end(),
+                     [](const Backup& one, const Backup& other) { return one.made > other.made; });
+    return found;
+}
+
+/// A journal that could not be settled with the library that it belongs to must not come to lie
+/// beside another one.
+void Backups::put_journal_away(const std::string& path) {
+    const std::string journal = path + "-journal";
+    if (!disk_.file_exists(journal)) return;
+    std::string away;
+    for (int number = 1; away.empty() || disk_.file_exists(away); ++number)
+        away = journal + "-aside-" + std::to_string(number);
+    disk_.rename(journal, away);
+}
+
+void Backups::put_back(const std::string& copy, const std::string& path) {
+    std::string kept;
+    std::optional<Held_Library> held;
+    if (disk_.file_exists(path)) {
+        try {
+            held.emplace(disk_, path);
+        } catch (const jet::Error& error) { // damaged, perhaps: the more reason to bring one back
+            if (error.kind == jet::Failure::locked_elsewhere)
+                throw files::Error(files::Failure::locked_elsewhere, path, error.detail);
+        }
+        kept = make_copy(path);
+    }
+    if (!held) put_journal_away(path);
+    files::copy_file(disk_, copy, path, files::Rights::of_source);
+    copied_.erase(path);
+    if (!kept.empty()) remove_old(path, kept);
+}
+
+bool Backups::restore(const QString& copy, const QString& file) {
+    if (!sets_in(copy.toStdString())) {
+        trouble_ = {Failure::damaged, copy, u"it cannot be read as a library"_s};
+        return false;
+    }
+    return noting([&] { put_back(copy.toStdString(), disk_.resolve(file.toStdString())); });
+}
+
+} // namespace store

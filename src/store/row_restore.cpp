@@ -1,0 +1,167 @@
+// Putting rows back as they were, and what must hold for it.
+
+#include "store/clsDBConn_inside.h"
+
+#include <set>
+#include <tuple>
+#include <utility>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace store {
+
+namespace {
+
+using Keys = std::set<std::int32_t>;
+
+ado::Error differs(const QString& table, std::int32_t key) {
+    return {ado::Failure::refused, table + QLatin1Char(' ') + QString::number(key),
+            u"somebody else has changed it or what it hangs on"_s};
+}
+
+std::int32_t number_in(const ado::Row& row, const QString& column) {
+    for (const auto& [name, value] : row)
+        if (name.compare(column, Qt::CaseInsensitive) == 0) return ado::number(value).value_or(0);
+    return 0;
+}
+
+ado::Row differing_cells(const Row_Change& change) {
+    ado::Row cells;
+    for (std::size_t i = 0; i < change.after.size() && i < change.before.size(); ++i)
+        if (change.after[i] != change.before[i]) cells.push_back(change.after[i]);
+    return cells;
+}
+
+/// Values of a column in the rows of a table that come back.
+Keys coming_back(const std::vector<Row_Change>& changes, Table table, const QString& column) {
+    Keys found;
+    for (const Row_Change& change : changes)
+        if (change.table == table && change.before.empty())
+            found.insert(number_in(change.after, column));
+    return found;
+}
+
+Keys going(const std::vector<Row_Change>& changes, Table table) {
+    Keys found;
+    for (const Row_Change& change : changes)
+        if (change.table == table && change.after.empty()) found.insert(change.key);
+    return found;
+}
+
+/// What rows need of others, whether or not the library holds relations that watch over it.
+/// Throws where it is not so; asked when all rows are put back.
+class Surroundings {
+public:
+    using Query = std::function<ado::Recordset&(const QString& sql, std::vector<QString> wanted)>;
+    explicit Surroundings(Query query) : query_(std::move(query)) {}
+
+    void check(const std::vector<Row_Change>& changes) {
+        Keys sets = coming_back(changes, Table::CVs, u"SetID"_s);
+        sets.merge(coming_back(changes, Table::Scripte, u"SetID"_s));
+        for (const std::int32_t set : sets) need(u"Sets"_s, u"SetID"_s, set);
+        for (const std::int32_t set : going(changes, Table::Sets)) {
+            need_none(u"CVs"_s, u"SetID"_s, set);
+            need_none(u"Scripte"_s, u"SetID"_s, set);
+        }
+        for (const std::int32_t script : going(changes, Table::Scripte))
+            need_none(u"Scriptstates"_s, u"ScriptID"_s, script);
+        check_states(changes);
+        check_places(changes);
+    }
+
+private:
+    using Place = std::tuple<std::int32_t, std::int32_t, std::int32_t>;
+
+    ado::Recordset& rows(const QString& table, const QString& column, std::int32_t key,
+                         std::vector<QString> wanted = {}) {
+        wanted.push_back(column);
+        return query_(u"SELECT * FROM %1 WHERE %2 = %3"_s.arg(table, column).arg(key),
+                      std::move(wanted));
+    }
+    void need(const QString& table, const QString& column, std::int32_t key) {
+        if (rows(table, column, key).at_end()) throw differs(table, key);
+    }
+    void need_none(const QString& table, const QString& column, std::int32_t key) {
+        if (!rows(table, column, key).at_end()) throw differs(table, key);
+    }
+
+    /// The states of a script come and go together: others in between would be somebody else's.
+    void check_states(const std::vector<Row_Change>& changes) {
+        const Keys own = coming_back(changes, Table::Scriptstates, u"SSID"_s);
+        for (const std::int32_t script : coming_back(changes, Table::Scriptstates, u"ScriptID"_s)) {
+            need(u"Scripte"_s, u"ScriptID"_s, script);
+            auto& states = rows(u"Scriptstates"_s, u"ScriptID"_s, script, {u"SSID"_s});
+            for (; !states.at_end(); states.move_next())
+                if (!own.contains(states.number(u"SSID").value_or(0)))
+                    throw differs(u"Scripte"_s, script);
+        }
+    }
+
+    /// A CV that comes back must not meet a younger one in its place. Older ones were there before:
+    /// libraries of other programs may hold a CV twice.
+    void check_places(const std::vector<Row_Change>& changes) {
+        const Keys own = coming_back(changes, Table::CVs, u"CVID"_s);
+        std::map<std::int32_t, std::map<Place, std::int32_t>> sets;
+        for (const Row_Change& change : changes) {
+            if (change.table != Table::CVs || !change.before.empty()) continue;
+            const auto at = [&](const QString& column) { return number_in(change.after, column); };
+            sets[at(u"SetID"_s)][{at(u"CVPageHi"_s), at(u"CVPageLo"_s), at(u"CVNr"_s)}] =
+                change.key;
+        }
+        for (const auto& [set, places] : sets) {
+            auto& cvs = rows(u"CVs"_s, u"SetID"_s, set,
+                             {u"CVID"_s, u"CVPageHi"_s, u"CVPageLo"_s, u"CVNr"_s});
+            for (; !cvs.at_end(); cvs.move_next()) {
+                const auto at = [&](QStringView column) { return cvs.number(column).value_or(0); };
+                const auto met = places.find({at(u"CVPageHi"), at(u"CVPageLo"), at(u"CVNr")});
+                const std::int32_t key = at(u"CVID");
+                if (met != places.end() && key > met->second && !own.contains(key))
+                    throw differs(u"CVs"_s, met->second);
+            }
+        }
+    }
+
+    Query query_;
+};
+
+} // namespace
+
+void clsDBConn::Inside::replay(const Row_Change& change) {
+    ado::Session& session = connection.session();
+    const QString table = table_name(change);
+    if (change.before.empty()) {
+        session.insert(table, *session.nothing_of(table).block, change.after,
+                       ado::Empty_Text::kept);
+    } else {
+        const ado::Found_Rows found = session.rows_equal(table, change.before);
+        if (found.order.empty()) throw differs(table, change.key);
+        if (change.after.empty())
+            session.erase(table, *found.block, found.order.front());
+        else
+            session.update(table, *found.block, found.order.front(), differing_cells(change),
+                           ado::Empty_Text::kept);
+    }
+    if (record.rows.back().after != change.after) throw differs(table, change.key);
+}
+
+Replayed clsDBConn::replay(const std::vector<Row_Change>& changes) {
+    Inside& inside = *inside_;
+    if (!inside.begin()) return Replayed::failed;
+    Replayed result = Replayed::done;
+    try {
+        for (const Row_Change& change : changes) inside.replay(change);
+        const auto query = [&](const QString& sql, std::vector<QString> wanted) -> auto& {
+            return inside.query(sql, std::move(wanted));
+        };
+        Surroundings(query).check(changes);
+    } catch (const ado::Error& error) {
+        inside.note(error);
+        result = Inside::is_refusal(error.kind) ? Replayed::differs : Replayed::failed;
+    }
+    const bool current_set_goes = going(changes, Table::Sets).contains(inside.akt_set);
+    if (!inside.end(result == Replayed::done) && result == Replayed::done) return Replayed::failed;
+    if (result == Replayed::done && current_set_goes) inside.akt_set = 0;
+    return result;
+}
+
+} // namespace store

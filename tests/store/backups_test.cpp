@@ -1,0 +1,400 @@
+// Copies before the first change, and bringing one back.
+
+#include "store/backups.h"
+#include "store/undo_library.h"
+#include "support/crash_sweep.h"
+
+#include <gmock/gmock.h>
+
+using namespace store;
+using namespace Qt::Literals::StringLiterals;
+using testing::ElementsAre;
+using undo::Content;
+using undo::content;
+using undo::difference;
+using undo::Person;
+
+namespace {
+
+const QDateTime noon(QDate(2026, 3, 1), QTime(12, 0, 0));
+
+QString text(const std::string& utf8) { return QString::fromStdString(utf8); }
+
+/// A run of the program: a connection that keeps copies.
+struct Program {
+    Program(files::Disk& disk, QDateTime& now)
+        : backups(disk, u"user"_s, [&now] { return now; }), db(disk) {
+        db.keep_copies(&backups);
+    }
+    bool change(const std::string& path, int value) {
+        db.Connection_Start(text(path));
+        Person person(db);
+        return db.Connection_Active() && person.write(1, 900, value).CVID != 0;
+    }
+    std::string trouble() { return backups.take_trouble() ? "told" : ""; }
+
+    Backups backups;
+    clsDBConn db;
+};
+
+class Copies : public On_Library {
+protected:
+    void put(const std::string& path = "a.mdb", const std::string& sample = "library_2000") {
+        if (library::names().empty()) GTEST_SKIP() << "no samples";
+        library::put(disk, sample, path);
+        if (!disk.folder_exists("user")) disk.make_folder("user");
+    }
+    std::vector<std::string> names(const std::string& folder = "Sicherungen") {
+        return disk.folder_exists(folder) ? disk.files_in(folder) : std::vector<std::string>();
+    }
+    /// A change in a run of its own, at some seconds after noon.
+    void change_at(int seconds, int value, const std::string& path = "a.mdb") {
+        now = noon.addSecs(seconds);
+        Program run(disk, now);
+        ASSERT_TRUE(run.change(path, value)) << library::trouble(run.db);
+        EXPECT_EQ(run.trouble(), "");
+    }
+
+    QDateTime now = noon;
+};
+
+TEST_F(Copies, one_is_made_before_the_first_change_of_a_run) {
+    put();
+    if (IsSkipped()) return;
+    const auto before = disk.bytes("a.mdb");
+    Program run(disk, now);
+    run.db.Connection_Start(u"a.mdb"_s);
+    library::sets(run.db, 8);
+    library::cvs(run.db, 1);
+    EXPECT_FALSE(run.db.DB_Rename_CVSet(QString(300, u'x'), 0)) << "refused: nothing is written";
+    EXPECT_THAT(names(), ElementsAre());
+    for (int value = 1; value < 4; ++value) ASSERT_TRUE(run.change("a.mdb", value));
+    EXPECT_THAT(names(), ElementsAre("a 2026-03-01 12-00-00.mdb"));
+    EXPECT_EQ(disk.bytes("Sicherungen/a 2026-03-01 12-00-00.mdb"), before);
+    EXPECT_NE(disk.bytes("a.mdb"), before);
+}
+
+TEST_F(Copies, a_library_made_in_this_run_needs_none_until_another_lies_there) {
+    put();
+    if (IsSkipped()) return;
+    Program run(disk, now);
+    run.backups.made_now(u"a.mdb"_s);
+    ASSERT_TRUE(run.change("a.mdb", 1));
+    EXPECT_THAT(names(), ElementsAre());
+    disk.remove("a.mdb");
+    put();
+    ASSERT_TRUE(run.change("a.mdb", 1));
+    EXPECT_EQ(names().size(), 1U);
+}
+
+TEST_F(Copies, nobody_can_write_while_one_is_made) {
+    put();
+    if (IsSkipped()) return;
+    struct Keeper : Before_First_Write {
+        explicit Keeper(clsDBConn& other_) : other(other_) {}
+        bool keep_copy(const QString&) override {
+            ++asked;
+            std::int16_t number = 0;
+            EXPECT_EQ(other.DB_Add_CVSet(u"x"_s, number, 8), 0);
+            EXPECT_EQ(library::trouble(other), "locked_elsewhere");
+            return true;
+        }
+        clsDBConn& other;
+        int asked = 0;
+    };
+    clsDBConn other(disk);
+    other.Connection_Start(u"a.mdb"_s);
+    Keeper keeper(other);
+    db.keep_copies(&keeper);
+    db.Connection_Start(u"a.mdb"_s);
+    Person person(db);
+    person.write(1, 900, 1);
+    person.write(1, 901, 1);
+    EXPECT_EQ(keeper.asked, 1);
+}
+
+TEST_F(Copies, an_old_library_is_upgraded_only_when_there_is_one) {
+    for (const bool possible : {true, false}) {
+        put("a.mdb", "old_library");
+        if (IsSkipped()) return;
+        const auto before = disk.bytes("a.mdb");
+        if (!possible) {
+            disk.set_bytes("user/Sicherungen", {});
+            disk.remove("Sicherungen/a 2026-03-01 12-00-00.mdb");
+            disk.protect_folder("Sicherungen");
+        }
+        Program run(disk, now);
+        run.db.Connection_Start(u"a.mdb"_s);
+        ASSERT_TRUE(run.db.Connection_Active());
+        EXPECT_FALSE(library::sets(run.db, 8).empty());
+        EXPECT_EQ(run.trouble(), possible ? "" : "told");
+        if (possible) {
+            EXPECT_EQ(disk.bytes("Sicherungen/a 2026-03-01 12-00-00.mdb"), before);
+            EXPECT_NE(disk.bytes("a.mdb"), before);
+        } else {
+            EXPECT_EQ(content(disk).tables.size(), 2U) << "no tables were added";
+            Person person(run.db);
+            EXPECT_NE(person.write(1, 900, 1).CVID, 0) << "a change that was asked for is made";
+        }
+    }
+}
+
+TEST_F(Copies, the_newest_ten_are_kept_and_nothing_else_is_touched) {
+    put();
+    if (IsSkipped()) return;
+    disk.make_folder("Sicherungen");
+    std::vector<std::string> strangers{"ab 2026-03-01 11-00-00.mdb",
+                                       "a 2026-03-01 11-00-00.mdb-journal",
+                                       "a 2026-13-01 11-00-00.mdb",
+                                       "a 2026-03-01 11-00-0x.mdb",
+                                       "a 2026-03-01 11-00-00 2026-03-01 11-00-00.mdb",
+                                       "a 2026-03-01_11-00-00.mdb",
+                                       "A 2026-03-01 11-00-00.mdb",
+                                       "a2026-03-01 11-00-00.mdb",
+                                       "a.mdb"};
+    for (const std::string& name : strangers) disk.set_bytes("Sicherungen/" + name, {});
+    for (int i = 0; i < 14; ++i) change_at(i, i);
+    std::vector<std::string> expected = strangers;
+    for (int i = 4; i < 14; ++i)
+        expected.push_back("a " + noon.addSecs(i).toString(u"yyyy-MM-dd HH-mm-ss"_s).toStdString() +
+                           ".mdb");
+    EXPECT_THAT(names(), testing::UnorderedElementsAreArray(expected));
+}
+
+TEST_F(Copies, two_within_a_second_and_a_clock_that_goes_back_lose_none) {
+    put();
+    if (IsSkipped()) return;
+    change_at(0, 1);
+    change_at(0, 2);
+    EXPECT_EQ(names().size(), 2U);
+    for (int i = 2; i < 12; ++i) change_at(i, i);
+    ASSERT_EQ(names().size(), 10U);
+    const auto present = disk.bytes("a.mdb");
+    change_at(-3600, 20); // the clock was set back: older than all by its name
+    EXPECT_EQ(names().size(), 10U);
+    EXPECT_EQ(names().front(), "a 2026-03-01 11-00-00.mdb");
+    EXPECT_EQ(disk.bytes("Sicherungen/a 2026-03-01 11-00-00.mdb"), present);
+}
+
+TEST_F(Copies, libraries_of_any_name_keep_theirs_apart) {
+    if (library::names().empty()) GTEST_SKIP() << "no samples";
+    disk.make_folder("o");
+    const std::vector<std::string> odd{"o/a.mdb",
+                                       "o/a.MDB",
+                                       "o/a.b.mdb",
+                                       "o/50% [x].mdb",
+                                       "o/ä ß.mdb",
+                                       "o/-a*?.mdb",
+                                       "o/a 2026-03-01 12-00-00.mdb"};
+    for (const std::string& path : odd) put(path);
+    for (const std::string& path : odd) {
+        change_at(0, 1, path);
+        change_at(60, 2, path);
+    }
+    EXPECT_EQ(names("o/Sicherungen").size(), 2 * odd.size());
+    Program last(disk, now);
+    for (const std::string& path : odd) {
+        SCOPED_TRACE(path);
+        const auto found = last.backups.copies_of(text(path));
+        ASSERT_EQ(found.size(), 2U);
+        EXPECT_EQ(found.front().made, noon.addSecs(60));
+        EXPECT_EQ(found.back().made, noon);
+        EXPECT_EQ(found.front().sets, 45);
+    }
+}
+
+TEST_F(Copies, where_the_folder_cannot_be_made_they_go_to_the_users_own) {
+    if (library::names().empty()) GTEST_SKIP() << "no samples";
+    for (const std::string folder : {"one", "two"}) {
+        disk.make_folder(folder);
+        put(folder + "/a.mdb");
+        disk.set_bytes(folder + "/Sicherungen", {}); // a file has the name
+        change_at(0, 1, folder + "/a.mdb");
+        change_at(1, 2, folder + "/a.mdb");
+    }
+    Program last(disk, now);
+    disk.set_bytes(last.backups.copies_of(u"one/a.mdb"_s).front().path.toStdString(), {});
+    const auto one = last.backups.copies_of(u"one/a.mdb"_s);
+    const auto two = last.backups.copies_of(u"two/a.mdb"_s);
+    ASSERT_EQ(one.size(), 2U);
+    ASSERT_EQ(two.size(), 2U);
+    EXPECT_EQ(one.front().sets, std::nullopt) << "listed, but not a library";
+    EXPECT_EQ(one.back().sets, 45);
+    EXPECT_EQ(two.front().sets, 45);
+    EXPECT_TRUE(two.front().path.startsWith(u"user/Sicherungen/"_s));
+}
+
+TEST_F(Copies, one_is_brought_back_and_the_present_library_becomes_one) {
+    put();
+    if (IsSkipped()) return;
+    const Content before = content(disk);
+    change_at(0, 1);
+    now = noon.addSecs(60);
+    Program run(disk, now);
+    ASSERT_TRUE(run.change("a.mdb", 2));
+    clsDBConn other(disk);
+    other.Connection_Start(u"a.mdb"_s);
+    const Content present = content(disk);
+    run.db.Connection_Close();
+    const auto found = run.backups.copies_of(u"a.mdb"_s);
+    ASSERT_EQ(found.size(), 2U);
+    ASSERT_TRUE(run.backups.restore(found.back().path, u"a.mdb"_s));
+    EXPECT_EQ(difference(content(disk), before), "");
+    const auto now_there = run.backups.copies_of(u"a.mdb"_s);
+    ASSERT_EQ(now_there.size(), 3U);
+    EXPECT_EQ(difference(content(disk, now_there.front().path.toStdString()), present), "");
+    std::int16_t number = 0;
+    EXPECT_EQ(other.DB_Add_CVSet(u"x"_s, number, 8), 0);
+    EXPECT_EQ(library::trouble(other), "replaced");
+    ASSERT_TRUE(run.change("a.mdb", 3)) << library::trouble(run.db);
+    EXPECT_EQ(run.backups.copies_of(u"a.mdb"_s).size(), 4U) << "a library like any other";
+    EXPECT_EQ(library::faults(disk, "a.mdb"), std::vector<std::string>());
+}
+
+TEST_F(Copies, the_oldest_of_ten_can_be_brought_back) {
+    put();
+    if (IsSkipped()) return;
+    const Content first = content(disk);
+    for (int i = 0; i < 10; ++i) change_at(i, i);
+    now = noon.addSecs(60);
+    Program run(disk, now);
+    const auto found = run.backups.copies_of(u"a.mdb"_s);
+    ASSERT_EQ(found.size(), 10U);
+    ASSERT_TRUE(run.backups.restore(found.back().path, u"a.mdb"_s));
+    EXPECT_EQ(difference(content(disk), first), "");
+    EXPECT_EQ(run.backups.copies_of(u"a.mdb"_s).size(), 10U);
+}
+
+TEST_F(Copies, a_damaged_or_missing_library_is_replaced_and_its_journal_is_not_applied) {
+    for (const bool missing : {true, false}) {
+        put();
+        if (IsSkipped()) return;
+        change_at(missing ? 0 : 60, 1);
+        const auto damaged = std::vector<std::byte>(5000, std::byte{7});
+        disk.set_bytes("a.mdb-journal", damaged);
+        if (missing)
+            disk.remove("a.mdb");
+        else
+            disk.set_bytes("a.mdb", damaged);
+        Program run(disk, now);
+        const auto found = run.backups.copies_of(u"a.mdb"_s);
+        ASSERT_TRUE(run.backups.restore(found.front().path, u"a.mdb"_s)) << run.trouble();
+        EXPECT_FALSE(disk.file_exists("a.mdb-journal"));
+        EXPECT_EQ(run.backups.copies_of(u"a.mdb"_s).size(), found.size() + (missing ? 0 : 1));
+        EXPECT_EQ(library::faults(disk, "a.mdb"), std::vector<std::string>());
+    }
+    EXPECT_TRUE(disk.file_exists("a.mdb-journal-aside-2"));
+}
+
+TEST_F(Copies, what_cannot_be_read_or_kept_is_not_brought_back) {
+    put();
+    if (IsSkipped()) return;
+    change_at(0, 1);
+    change_at(1, 2);
+    const auto present = disk.bytes("a.mdb");
+    Program run(disk, now);
+    const auto found = run.backups.copies_of(u"a.mdb"_s);
+    disk.set_bytes(found.front().path.toStdString(), {});
+    EXPECT_FALSE(run.backups.restore(found.front().path, u"a.mdb"_s));
+    EXPECT_EQ(run.backups.take_trouble()->kind, Failure::damaged);
+    EXPECT_FALSE(run.backups.restore(u"nicht da"_s, u"a.mdb"_s));
+    {
+        clsDBConn other(disk);
+        other.Connection_Start(u"a.mdb"_s);
+        const Operation held(other);
+        EXPECT_FALSE(run.backups.restore(found.back().path, u"a.mdb"_s));
+        EXPECT_EQ(run.backups.take_trouble()->kind, Failure::locked_elsewhere);
+    }
+    disk.protect_folder("Sicherungen");
+    disk.set_bytes("user/Sicherungen", {});
+    EXPECT_FALSE(run.backups.restore(found.back().path, u"a.mdb"_s));
+    EXPECT_EQ(run.backups.take_trouble()->kind, Failure::denied);
+    EXPECT_EQ(disk.bytes("a.mdb"), present);
+}
+
+/// Contents of all copies.
+std::vector<Content> kept(files::Disk& disk) {
+    std::vector<Content> found;
+    for (const Backup& copy : Backups(disk, u"user"_s).copies_of(u"a.mdb"_s))
+        found.push_back(content(disk, copy.path.toStdString()));
+    return found;
+}
+
+/// Refused calls and losses of power: no state of the library is ever lost.
+class Copies_In_Trouble : public Copies {
+protected:
+    void prepare() {
+        put("a.mdb", "old_library");
+        if (IsSkipped()) return;
+        change_at(0, 1);
+        before = content(disk);
+    }
+    /// Opens, so that what was cut off is taken back.
+    static Content left(files::Disk& found) {
+        clsDBConn opened(found);
+        opened.Connection_Start(u"a.mdb"_s);
+        EXPECT_TRUE(opened.Connection_Active());
+        return content(found);
+    }
+    Content before;
+};
+
+TEST_F(Copies_In_Trouble, no_change_without_a_copy_unless_that_was_told) {
+    prepare();
+    if (IsSkipped()) return;
+    bool told = false;
+    const auto work = [&](files::Disk& on) {
+        Program run(on, now);
+        run.db.Connection_Start(u"a.mdb"_s);
+        run.db.AktCVSetID(1);
+        CVRec rec{0, 1, 901, 7, 0, false};
+        const bool stored = run.db.DB_Write_CV(rec);
+        told = run.trouble() == "told";
+        if (!stored) throw std::runtime_error("not stored");
+    };
+    now = noon.addSecs(60);
+    const auto check = [&](files::Disk& found, support::Outcome outcome) {
+        const Content now_there = left(found);
+        const auto copies = kept(found);
+        const bool changed = !(now_there == before);
+        if (outcome == support::Outcome::finished) {
+            EXPECT_TRUE(changed);
+        }
+        if (changed && !told) {
+            EXPECT_GE(std::count(copies.begin(), copies.end(), before), 1);
+        }
+    };
+    EXPECT_GT(support::sweep_refusals(disk, work, check), 50);
+    told = false;
+    if (support::long_tests()) {
+        EXPECT_GT(support::sweep_crashes(disk, work, check), 50);
+    }
+}
+
+TEST_F(Copies_In_Trouble, bringing_one_back_happens_whole_or_not_at_all) {
+    prepare();
+    if (IsSkipped()) return;
+    const std::string copy = "Sicherungen/a 2026-03-01 12-00-00.mdb";
+    const Content old = content(disk, copy);
+    now = noon.addSecs(60);
+    const auto work = [&](files::Disk& on) {
+        Backups backups(on, u"user"_s, [&] { return now; });
+        if (!backups.restore(text(copy), u"a.mdb"_s)) throw std::runtime_error("not restored");
+    };
+    const auto check = [&](files::Disk& found, support::Outcome outcome) {
+        const Content now_there = content(found);
+        EXPECT_TRUE(now_there == old ||
+                    (outcome != support::Outcome::finished && now_there == before));
+        const auto copies = kept(found);
+        EXPECT_GE(std::count(copies.begin(), copies.end(), old), 1);
+        if (now_there == old) {
+            EXPECT_GE(std::count(copies.begin(), copies.end(), before), 1);
+        }
+    };
+    EXPECT_GT(support::sweep_crashes(disk, work, check), 50);
+    if (support::long_tests()) {
+        EXPECT_GT(support::sweep_refusals(disk, work, check), 50);
+    }
+}
+
+} // namespace

@@ -1,0 +1,483 @@
+// Taking back and doing again, each time compared with the whole library as it was.
+
+#include "store/undo_library.h"
+#include "support/crash_sweep.h"
+
+#include <algorithm>
+#include <random>
+
+using namespace store;
+using namespace Qt::Literals::StringLiterals;
+using undo::Content;
+using undo::content;
+using undo::difference;
+using undo::Person;
+using Outcome = Undo_Result::Outcome;
+
+namespace {
+
+struct Command {
+    std::string what;
+    std::function<bool(Person&)> run;
+    Undo_Name name;
+};
+
+/// On a set that has CVs.
+std::vector<Command> commands(std::int32_t set) {
+    using Kind = Undo_Kind;
+    return {
+        {"add set",
+         [](Person& p) { return p.add_set(u"Neu, \"ä\""_s) != 0; },
+         {Kind::sets_added, 1, 0, u"Neu, \"ä\""_s}},
+        {"rename set",
+         [=](Person& p) { return p.rename(set, u"Anders"_s); },
+         {Kind::sets_renamed, 1, 0, u"Anders"_s}},
+        {"new CV",
+         [=](Person& p) { return p.write(set, 300, 5, 9).CVID != 0; },
+         {Kind::cvs_stored, 1, 0, u"300"_s}},
+        {"overwrite it",
+         [=](Person& p) { return p.write(set, 300, 6, 9).CVID != 0; },
+         {Kind::cvs_stored, 1, 0, u"300"_s}},
+        {"paste CVs",
+         [=](Person& p) { return p.write_many(set, 60, 3); },
+         {Kind::cvs_stored, 60, 0, {}}},
+        {"paste a set",
+         [](Person& p) { return p.paste_set(u"Eingefügt"_s, 40); },
+         {Kind::sets_added, 1, 40, u"Eingefügt"_s}},
+        {"delete CVs",
+         [=](Person& p) { return p.delete_cvs(set, 14); },
+         {Kind::cvs_deleted, 14, 0, {}}},
+        {"add script",
+         [=](Person& p) { return p.add_script(set, 12) > 0; },
+         {Kind::scripts_added, 1, 0, u"Pfeife"_s}},
+        {"save script",
+         [=](Person& p) { return p.save_script(set, 1, 5); },
+         {Kind::scripts_saved, 1, 0, {}}},
+        {"empty script",
+         [=](Person& p) { return p.save_script(set, 1, 0); },
+         {Kind::scripts_saved, 1, 0, {}}},
+        {"fill it",
+         [=](Person& p) { return p.save_script(set, 1, 256); },
+         {Kind::scripts_saved, 1, 0, {}}},
+        {"rename script",
+         [=](Person& p) { return p.rename_script(set, 1, u"Glocke"_s); },
+         {Kind::scripts_renamed, 1, 0, u"Glocke"_s}},
+        {"delete script",
+         [=](Person& p) { return p.delete_script(set, 1); },
+         {Kind::scripts_deleted, 1, 0, u"Glocke"_s}},
+    };
+}
+
+class Undo : public On_Library {
+protected:
+    /// Lists the sets first, so that no number is missing any more.
+    void open_listed(const std::string& sample) {
+        open(sample);
+        if (IsSkipped()) return;
+        library::sets(db, 8);
+        library::sets(db, 265);
+    }
+    std::string shown() { ///< what was wrong, for the log
+        const auto trouble = db.take_trouble();
+        return trouble ? (trouble->subject + u": "_s + trouble->detail).toStdString() : "";
+    }
+
+    Undo_History history{db};
+};
+
+TEST_F(Undo, every_command_goes_back_and_forth) {
+    for (const std::string& sample : library::names()) {
+        SCOPED_TRACE(sample);
+        open_listed(sample);
+        Person person(db);
+        std::vector<Content> states{content(disk)};
+        auto all = commands(library::sets(db, 8).front().second);
+        const auto sets = library::sets(db, 8);
+        const auto with_scripts = std::find_if(sets.begin(), sets.end(), [&](const auto& set) {
+            return db.DB_Count_Scripts(set.second) > 0;
+        });
+        if (with_scripts != sets.end())
+            all.push_back({"delete a set with scripts",
+                           [&](Person&) { return db.DB_Del_CVSet(with_scripts->second); },
+                           {}});
+        for (const Command& command : all) {
+            SCOPED_TRACE(command.what);
+            ASSERT_TRUE(command.run(person)) << shown();
+            states.push_back(content(disk));
+            ASSERT_NE(difference(states.back(), states[states.size() - 2]), "");
+            ASSERT_TRUE(history.undo_name());
+            if (command.name.count > 0) {
+                EXPECT_EQ(*history.undo_name(), command.name) << history.undo_name()->count;
+            }
+        }
+        for (std::size_t i = states.size() - 1; i > 0; --i) {
+            ASSERT_EQ(history.undo().outcome, Outcome::done) << all[i - 1].what << shown();
+            ASSERT_EQ(difference(content(disk), states[i - 1]), "") << all[i - 1].what;
+        }
+        EXPECT_EQ(history.undo().outcome, Outcome::nothing_to_do);
+        for (std::size_t i = 1; i < states.size(); ++i) {
+            ASSERT_EQ(history.redo().outcome, Outcome::done) << all[i - 1].what << shown();
+            ASSERT_EQ(difference(content(disk), states[i]), "") << all[i - 1].what;
+        }
+        EXPECT_EQ(history.redo().outcome, Outcome::nothing_to_do);
+        EXPECT_EQ(library::faults(disk, "a.mdb"), std::vector<std::string>());
+    }
+}
+
+TEST_F(Undo, a_deleted_set_comes_back_whole_and_is_named) {
+    open_listed("worn_library"); // with a column and long texts of another program
+    if (IsSkipped()) return;
+    const Content before = content(disk);
+    std::vector<std::int32_t> ids;
+    for (const auto& [text, id] : library::sets(db, 8)) ids.push_back(id);
+    const QString name = db.Get_Set_Name(ids.front());
+    const auto cvs = static_cast<int>(library::cvs(db, ids.front()).size());
+    for (const std::int32_t id : ids) ASSERT_TRUE(db.DB_Del_CVSet(id));
+    for (std::size_t i = ids.size(); i > 0; --i) {
+        const Undo_Result result = history.undo();
+        ASSERT_EQ(result.outcome, Outcome::done) << shown();
+        EXPECT_EQ(result.set, ids[i - 1]);
+        EXPECT_EQ(result.name.kind, Undo_Kind::sets_deleted);
+        if (i > 1) continue;
+        EXPECT_EQ(result.name.subject, name);
+        EXPECT_EQ(result.name.cvs, cvs);
+    }
+    EXPECT_EQ(difference(content(disk), before), "");
+    EXPECT_EQ(library::faults(disk, "a.mdb"), std::vector<std::string>());
+}
+
+/// A table of another program whose rows follow ours.
+void add_follower(jet::Database& file, const std::u16string& name, bool cascade) {
+    jet::Column id, set, remark;
+    id.name = u"ID";
+    id.auto_number = id.required = true;
+    set.name = u"SetID";
+    remark.name = u"Bemerkung";
+    remark.type = jet::Column_Type::memo;
+    jet::Index key;
+    key.name = u"PrimaryKey";
+    key.columns = {{u"ID"}};
+    key.primary = true;
+    const jet::Table made = file.create_table(name, std::array{id, set, remark}, std::array{key});
+    jet::Relation relation;
+    relation.cascade_delete = cascade;
+    relation.null_on_delete = !cascade;
+    relation.name = u"Sets" + name;
+    relation.table = u"Sets";
+    relation.columns = {u"SetID"};
+    relation.foreign_table = name;
+    relation.foreign_columns = {u"SetID"};
+    file.add_relation(relation);
+    for (const std::int32_t number : {1, 3, 3, 5})
+        made.insert({{1, number}, {2, std::u16string(3000, u'b')}});
+}
+
+TEST_F(Undo, rows_of_other_programs_that_go_with_a_set_come_back) {
+    if (library::names().empty()) GTEST_SKIP() << "no samples";
+    library::put(disk, "library_2000", "a.mdb");
+    {
+        auto file = jet::Database::open(disk, "a.mdb", jet::Mode::read_write);
+        add_follower(file, u"Bilder", true);
+        add_follower(file, u"Loks", false);
+    }
+    db.Connection_Start(u"a.mdb"_s);
+    const Content before = content(disk);
+    ASSERT_TRUE(db.DB_Del_CVSet(3)) << shown();
+    const Content after = content(disk);
+    ASSERT_NE(difference(after, before), "");
+    EXPECT_EQ(history.undo_name()->kind, Undo_Kind::sets_deleted);
+    ASSERT_EQ(history.undo().outcome, Outcome::done) << shown();
+    EXPECT_EQ(difference(content(disk), before), "");
+    ASSERT_EQ(history.redo().outcome, Outcome::done) << shown();
+    EXPECT_EQ(difference(content(disk), after), "");
+    ASSERT_EQ(history.undo().outcome, Outcome::done) << shown();
+    EXPECT_EQ(difference(content(disk), before), "");
+    EXPECT_EQ(library::faults(disk, "a.mdb"), std::vector<std::string>());
+}
+
+TEST_F(Undo, a_long_run_goes_back_step_by_step) {
+    open_listed("library_2003");
+    if (IsSkipped()) return;
+    Person person(db);
+    std::mt19937 random(7);
+    const auto any = [&](std::size_t count) { return random() % count; };
+    std::vector<Content> states{content(disk)};
+    const int length = support::long_tests() ? 1000 : 40;
+    while (static_cast<int>(states.size()) <= length) {
+        const auto sets = library::sets(db, any(4) == 0 ? 265 : 8);
+        if (sets.empty()) {
+            person.add_set(u"x"_s);
+        } else {
+            const std::int32_t set = sets[any(sets.size())].second;
+            const int value = static_cast<int>(any(256));
+            switch (any(9)) {
+            case 0:
+                person.add_set(u"Satz %1"_s.arg(value));
+                break;
+            case 1:
+                person.rename(set, u"Name %1"_s.arg(value));
+                break;
+            case 2:
+                db.DB_Del_CVSet(set);
+                break;
+            case 3:
+                person.write(set, 1 + value, value);
+                break;
+            case 4:
+                person.write_many(set, 1 + value % 20, value);
+                break;
+            case 5:
+                person.delete_cvs(set, 1 + value % 7);
+                break;
+            case 6:
+                if (person.load_scripts(set) < 16) person.add_script(set, value);
+                break;
+            case 7:
+                person.save_script(set, 1, value);
+                break;
+            default:
+                person.delete_script(set, 1);
+                break;
+            }
+        }
+        Content now = content(disk);
+        if (!(now == states.back())) states.push_back(std::move(now));
+        if (any(5) == 0 && states.size() > 1) { // a little back and forth in between
+            ASSERT_EQ(history.undo().outcome, Outcome::done) << shown();
+            ASSERT_EQ(difference(content(disk), states[states.size() - 2]), "");
+            if (any(2) == 0)
+                states.pop_back();
+            else
+                ASSERT_EQ(history.redo().outcome, Outcome::done) << shown();
+        }
+    }
+    for (std::size_t i = states.size() - 1; i > 0; --i) {
+        SCOPED_TRACE(i);
+        ASSERT_EQ(history.undo().outcome, Outcome::done) << shown();
+        ASSERT_EQ(difference(content(disk), states[i - 1]), "");
+    }
+    EXPECT_FALSE(history.undo_name());
+    for (std::size_t i = 1; i < states.size(); ++i)
+        ASSERT_EQ(history.redo().outcome, Outcome::done) << shown();
+    EXPECT_EQ(difference(content(disk), states.back()), "");
+    EXPECT_EQ(library::faults(disk, "a.mdb"), std::vector<std::string>());
+}
+
+TEST_F(Undo, keys_are_not_given_twice) {
+    open_listed("library_2000");
+    if (IsSkipped()) return;
+    Person person(db);
+    const std::int32_t one = person.add_set(u"eins"_s);
+    const std::int32_t cv = person.write(one, 900, 1).CVID;
+    ASSERT_TRUE(db.DB_Del_CVSet(one));
+    const std::int32_t two = person.add_set(u"zwei"_s);
+    EXPECT_GT(two, one);
+    EXPECT_EQ(history.undo().outcome, Outcome::done);
+    EXPECT_EQ(history.undo().outcome, Outcome::done);
+    EXPECT_EQ(db.DB_Get_CV(cv).CVWert, 1);
+    EXPECT_EQ(history.redo_name()->kind, Undo_Kind::sets_deleted);
+    EXPECT_GT(person.add_set(u"drei"_s), two) << "a key that was seen is not used again";
+    EXPECT_GT(person.write(one, 901, 1).CVID, cv);
+    EXPECT_FALSE(history.redo_name()) << "a new step ends what could be done again";
+}
+
+TEST_F(Undo, the_current_set_goes_with_its_row) {
+    open_listed("library_2000");
+    if (IsSkipped()) return;
+    Person person(db);
+    const std::int32_t set = person.add_set(u"eins"_s);
+    person.write(set, 900, 1);
+    EXPECT_EQ(history.undo().set, set);
+    EXPECT_EQ(db.AktCVSetID(), set);
+    EXPECT_EQ(history.undo().set, 0);
+    EXPECT_EQ(db.AktCVSetID(), 0);
+    EXPECT_EQ(history.redo().set, set);
+    const int position = person.add_script(set, 3);
+    ASSERT_TRUE(person.save_script(set, position, 2));
+    EXPECT_EQ(history.undo().set, set) << "lines lead to the set of their script";
+}
+
+TEST_F(Undo, what_listing_completes_stays) {
+    open("partly_numbered");
+    if (IsSkipped()) return;
+    Person person(db);
+    std::int32_t unnumbered = 0;
+    for (const QJsonObject& set : library::expected_rows("partly_numbered", u"Sets"_s))
+        if (set[u"Nummer"_s].isNull() && !set[u"ResCV"_s].isNull())
+            unnumbered = set[u"SetID"_s].toInt();
+    ASSERT_NE(unnumbered, 0);
+    const QString name = db.Get_Set_Name(unnumbered);
+    ASSERT_TRUE(person.rename(unnumbered, u"Anders"_s));
+    const std::int16_t res_cv = db.reset_cv(unnumbered);
+    library::sets(db, res_cv);
+    const std::int16_t number = db.Get_Set_Nummer2(unnumbered);
+    ASSERT_NE(number, 0);
+    ASSERT_EQ(history.undo().outcome, Outcome::done) << shown();
+    EXPECT_EQ(db.Get_Set_Name(unnumbered), name);
+    EXPECT_EQ(db.Get_Set_Nummer2(unnumbered), number);
+    EXPECT_EQ(history.undo().outcome, Outcome::nothing_to_do);
+    ASSERT_EQ(history.redo().outcome, Outcome::done) << shown();
+    EXPECT_EQ(db.Get_Set_Name(unnumbered), u"Anders"_s);
+}
+
+TEST_F(Undo, the_history_ends_with_its_library) {
+    open_listed("library_2000");
+    if (IsSkipped()) return;
+    Person person(db);
+    for (const bool reopened : {true, false}) {
+        person.write(1, 900, reopened ? 1 : 2);
+        EXPECT_TRUE(history.undo_name());
+        reopened ? reopen() : db.Connection_Close();
+        EXPECT_FALSE(history.undo_name());
+        EXPECT_EQ(history.undo().outcome, Outcome::nothing_to_do);
+    }
+}
+
+TEST_F(Undo, the_upgrade_of_an_old_library_is_no_step) {
+    open("old_library");
+    if (IsSkipped()) return;
+    library::sets(db, 8);
+    EXPECT_FALSE(history.undo_name());
+    const Content upgraded = content(disk);
+    Person person(db);
+    ASSERT_TRUE(person.add_script(1, 3) > 0);
+    ASSERT_EQ(history.undo().outcome, Outcome::done);
+    EXPECT_EQ(difference(content(disk), upgraded), "");
+}
+
+TEST_F(Undo, nothing_is_taken_back_in_a_library_that_others_hold) {
+    open_listed("library_2000");
+    if (IsSkipped()) return;
+    Person person(db);
+    person.write(1, 900, 1);
+    const Content after = content(disk);
+    clsDBConn other(disk);
+    other.Connection_Start(u"a.mdb"_s);
+    {
+        const Operation held(other);
+        EXPECT_EQ(history.undo().outcome, Outcome::failed);
+        EXPECT_EQ(library::trouble(db), "locked_elsewhere");
+    }
+    EXPECT_EQ(difference(content(disk), after), "");
+    EXPECT_EQ(history.undo().outcome, Outcome::done) << "once it is free";
+}
+
+TEST_F(Undo, a_replaced_library_is_left_alone) {
+    open_listed("library_2000");
+    if (IsSkipped()) return;
+    Person person(db);
+    person.write(1, 900, 1);
+    disk.remove("a.mdb");
+    library::put(disk, "library_2003", "a.mdb");
+    const auto replaced = disk.bytes("a.mdb");
+    EXPECT_EQ(history.undo().outcome, Outcome::failed);
+    EXPECT_EQ(library::trouble(db), "replaced");
+    EXPECT_EQ(disk.bytes("a.mdb"), replaced);
+    EXPECT_FALSE(history.undo_name());
+}
+
+struct Meeting {
+    std::string what;
+    std::function<void(Person&)> own;
+    std::function<void(Person&, clsDBConn&)> others;
+    Outcome outcome = Outcome::changed_elsewhere;
+    bool redo = false; ///< the other one acts between undo and redo
+};
+
+std::vector<Meeting> meetings() {
+    const auto key_of = [](clsDBConn& db, int number) {
+        db.AktCVSetID(1);
+        CVRec rec{0, 1, static_cast<std::int16_t>(number), 0, 0, false};
+        EXPECT_TRUE(db.DB_Find_CV(rec));
+        return rec.CVID;
+    };
+    return {
+        {"nothing near", [](Person& p) { p.write(1, 900, 1); },
+         [](Person& p, clsDBConn&) { p.write(1, 901, 1); }, Outcome::done},
+        {"overwritten", [](Person& p) { p.write(1, 900, 1); },
+         [](Person& p, clsDBConn&) { p.write(1, 900, 2); }},
+        {"deleted", [](Person& p) { p.write(1, 900, 1); },
+         [&](Person&, clsDBConn& db) { db.DB_Del_CVWert(key_of(db, 900)); }},
+        {"only the last of several overwritten", [](Person& p) { p.write_many(1, 20, 1); },
+         [](Person& p, clsDBConn&) { p.write(1, 513, 2); }},
+        {"deleted here, written there", [](Person& p) { p.delete_cvs(1, 1); },
+         [](Person& p, clsDBConn&) { p.write(1, 1, 77); }},
+        {"a new set is filled there", [](Person& p) { p.add_set(u"neu"_s); },
+         [](Person& p, clsDBConn& db) { p.write(library::sets(db, 8).back().second, 900, 1); }},
+        {"a new set gets scripts there", [](Person& p) { p.add_set(u"neu"_s); },
+         [](Person& p, clsDBConn& db) { p.add_script(library::sets(db, 8).back().second, 0); }},
+        {"renamed here and there", [](Person& p) { p.rename(1, u"hier"_s); },
+         [](Person& p, clsDBConn&) { p.rename(1, u"dort"_s); }},
+        {"the set of deleted CVs is gone", [](Person& p) { p.delete_cvs(1, 3); },
+         [](Person&, clsDBConn& db) { db.DB_Del_CVSet(1); }},
+        {"lines saved here and there", [](Person& p) { p.save_script(3, 1, 4); },
+         [](Person& p, clsDBConn&) { p.save_script(3, 1, 5); }},
+        {"lines taken away here, written there", [](Person& p) { p.save_script(3, 1, 0); },
+         [](Person& p, clsDBConn&) { p.save_script(3, 1, 5); }},
+        {"the set of a deleted script is gone", [](Person& p) { p.delete_script(3, 1); },
+         [](Person&, clsDBConn& db) { db.DB_Del_CVSet(3); }},
+        {"written there before it is done again", [](Person& p) { p.write(1, 900, 1); },
+         [](Person& p, clsDBConn&) { p.write(1, 900, 2); }, Outcome::changed_elsewhere, true},
+    };
+}
+
+TEST_F(Undo, a_step_that_others_have_touched_is_refused_and_ends_the_history) {
+    if (library::names().empty()) GTEST_SKIP() << "no samples";
+    for (const std::string sample : {"library_2000", "library_2003"})
+        for (const Meeting& meeting : meetings()) {
+            SCOPED_TRACE(sample + ", " + meeting.what);
+            open_listed(sample);
+            clsDBConn other(disk);
+            other.Connection_Start(u"a.mdb"_s);
+            Person person(db);
+            Person stranger(other);
+            person.rename(5, u"davor"_s);
+            meeting.own(person);
+            if (meeting.redo) {
+                ASSERT_EQ(history.undo().outcome, Outcome::done) << shown();
+            }
+            meeting.others(stranger, other);
+            const Content met = content(disk);
+            const Undo_Result result = meeting.redo ? history.redo() : history.undo();
+            ASSERT_EQ(result.outcome, meeting.outcome) << shown();
+            if (meeting.outcome == Outcome::done) continue;
+            EXPECT_EQ(difference(content(disk), met), "");
+            EXPECT_NE(library::trouble(db), "");
+            EXPECT_FALSE(history.undo_name() || history.redo_name());
+            EXPECT_EQ(library::faults(disk, "a.mdb"), std::vector<std::string>());
+        }
+}
+
+/// Whatever is left by a loss of power in the middle: all of a step or nothing of it.
+TEST_F(Undo, a_crash_leaves_a_step_done_or_taken_back) {
+    open_listed("old_library");
+    if (IsSkipped()) return;
+    db.Connection_Close();
+    const Content before = content(disk);
+    std::optional<Content> after;
+    const auto work = [&](files::Disk& on) {
+        clsDBConn own(on);
+        Undo_History steps(own);
+        own.Connection_Start(u"a.mdb"_s);
+        Person person(own);
+        if (!own.DB_Del_CVSet(2)) throw std::runtime_error("not deleted");
+        if (!after) after = content(on);
+        if (steps.undo().outcome != Outcome::done) throw std::runtime_error("not taken back");
+    };
+    files::Memory_Disk tried = disk.copy();
+    work(tried);
+    ASSERT_EQ(difference(content(tried), before), "");
+    const int checked =
+        support::sweep_crashes(disk, work, [&](files::Disk& found, support::Outcome outcome) {
+            { // heals what was cut off
+                clsDBConn opened(found);
+                opened.Connection_Start(u"a.mdb"_s);
+                ASSERT_TRUE(opened.Connection_Active());
+            }
+            const Content left = content(found);
+            ASSERT_TRUE(left == before || (outcome != support::Outcome::finished && left == after));
+        });
+    EXPECT_GT(checked, 50);
+}
+
+} // namespace
