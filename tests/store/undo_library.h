@@ -134,3 +134,21 @@ private:
 };
 
 } // namespace undo
+
+/// Keeps a history of what is done to a sample.
+class On_Undo : public On_Library {
+protected:
+    /// Lists the sets first, so that no number is missing any more.
+    void open_listed(const std::string& sample) {
+        open(sample);
+        if (IsSkipped()) return;
+        library::sets(db, 8);
+        library::sets(db, 265);
+    }
+    std::string shown() { ///< what was wrong, for the log
+        const auto trouble = db.take_trouble();
+        return trouble ? (trouble->subject + u": "_qs + trouble->detail).toStdString() : "";
+    }
+
+    store::Undo_History history{db};
+};
