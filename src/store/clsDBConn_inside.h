@@ -107,6 +107,9 @@ struct clsDBConn::Inside : ado::Row_Watcher {
         } catch (const ado::Error& error) {
             note(error);
             spoiled = spoiled || !is_refusal(error.kind);
+        } catch (...) { // a fault of ours
+            end(false);
+            throw;
         }
         return end(true) && done;
     }

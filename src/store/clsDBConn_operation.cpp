@@ -84,7 +84,7 @@ bool clsDBConn::Inside::keep_copy() {
 bool clsDBConn::Inside::end(bool keep) {
     spoiled = spoiled || !keep;
     if (--depth > 0) return !spoiled;
-    bool kept = !std::exchange(spoiled, false);
+    bool kept = !std::exchange(spoiled, false) && transaction.has_value();
     if (kept && !record.rows.empty()) keep_copy();
     try {
         if (kept) transaction->commit();

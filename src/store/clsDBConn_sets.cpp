@@ -134,6 +134,7 @@ void clsDBConn::Fill_Sets_in_SetObj(cls_Sets_Coll& sets) {
                            *row.SetID);
         });
         for (const auto& set : sets) sets.CVs_Left_Out += inside.fill_cvs(*set);
+        inside.recordset.close(); // it would keep the table that was held in memory
     });
 }
 

@@ -6,7 +6,9 @@ namespace store {
 // long as any CV of theirs is held. The first ones are small because many pages hold a CV or two.
 std::int16_t cls_CV_Page::Add_CV(std::int16_t CVNr, std::uint8_t Wert) {
     if (used_ == block_size_) {
-        block_size_ = std::clamp<std::size_t>(static_cast<std::size_t>(Count()), 1, 256);
+        block_size_ = Count() == 0 ? 1
+                                   : std::clamp(static_cast<std::size_t>(Count()) / 2,
+                                                std::size_t{2}, std::size_t{64});
         block_ = std::make_shared<cls_CV[]>(block_size_);
         used_ = 0;
     }

@@ -138,6 +138,44 @@ TEST_F(Operations, what_is_not_kept_is_rolled_back) {
     EXPECT_TRUE(write(902, 1)) << "the next operation is a new one";
 }
 
+TEST_F(Operations, the_library_may_be_read_whole_in_the_middle) {
+    open("worn_library");
+    if (IsSkipped()) return;
+    Operation outer(db);
+    cls_Sets_Coll sets;
+    for (const auto& [text, set] : library::sets(db, 8)) {
+        db.Fill_Sets_in_SetObj(sets);
+        db.AktCVSetID(set);
+        EXPECT_TRUE(write(900, 1));
+        EXPECT_TRUE(write(900, 2));
+        EXPECT_EQ(value(900), 2);
+        if (set % 3 == 0) {
+            EXPECT_TRUE(db.DB_Del_CVSet(set));
+        }
+    }
+    EXPECT_TRUE(outer.keep());
+    EXPECT_EQ(library::trouble(db), "");
+}
+
+TEST_F(Operations, one_that_lost_its_library_keeps_nothing) {
+    open("library_2000");
+    if (IsSkipped()) return;
+    const auto before = disk.bytes("a.mdb");
+    {
+        Operation outer(db);
+        db.AktCVSetID(1);
+        EXPECT_TRUE(write(900, 1));
+        reopen();
+        db.AktCVSetID(1);
+        EXPECT_EQ(value(900), -1);
+        EXPECT_FALSE(write(901, 1));
+        EXPECT_FALSE(outer.keep());
+    }
+    EXPECT_EQ(disk.bytes("a.mdb"), before);
+    db.AktCVSetID(1);
+    EXPECT_TRUE(write(901, 1));
+}
+
 TEST_F(Operations, a_refusal_inside_ends_only_the_refused_one) {
     open("library_2003"); // values are 16 bits, names 50 characters
     if (IsSkipped()) return;

@@ -57,21 +57,22 @@ Transaction::Transaction(Connection& connection) : session_(connection.session()
 
 Transaction::~Transaction() {
     changes_.reset();
-    session_.leave();
+    session_.leave(Extent::some);
 }
 
 void Transaction::commit() {
     translated([&] { changes_->commit(); });
 }
 
-Reading::Reading(Connection& connection, Extent extent) : session_(connection.session()) {
+Reading::Reading(Connection& connection, Extent extent)
+    : session_(connection.session()), extent_(extent) {
     translated([&] { guard_.emplace(session_.database()); });
     session_.enter(extent);
 }
 
 Reading::~Reading() {
     guard_.reset();
-    session_.leave();
+    session_.leave(extent_);
 }
 
 } // namespace ado

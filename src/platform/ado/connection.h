@@ -69,6 +69,7 @@ public:
 
 private:
     Session& session_;
+    Extent extent_;
     std::optional<jet::Read_Guard> guard_;
 };
 

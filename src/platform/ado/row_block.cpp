@@ -16,8 +16,15 @@ bool fits(std::int32_t number, jet::Column_Type type) {
     }
 }
 
-Row_Block::Row_Block(std::vector<Column> columns)
-    : columns_(std::move(columns)), cells_(columns_.size()) {}
+Row_Block::Row_Block(std::vector<Column> columns, bool for_reading)
+    : columns_(std::move(columns)), cells_(columns_.size()), for_reading_(for_reading) {}
+
+void Row_Block::append_id(jet::Row_Id id) {
+    ++size_;
+    if (for_reading_) return;
+    pages_.push_back(id.page);
+    slots_.push_back(id.slot);
+}
 
 std::optional<std::size_t> Row_Block::column(QStringView name) const {
     for (std::size_t i = 0; i < columns_.size(); ++i)
@@ -46,14 +53,11 @@ void Row_Block::append(const jet::Cursor& row) {
             cells_[i].values.push_back(row.value(source));
         }
     }
-    const jet::Row_Id id = row.id();
-    pages_.push_back(id.page);
-    slots_.push_back(id.slot);
+    append_id(row.id());
 }
 
 void Row_Block::append(jet::Row_Id id, std::span<const Value> values) {
-    pages_.push_back(id.page);
-    slots_.push_back(id.slot);
+    append_id(id);
     for (std::size_t i = 0; i < columns_.size(); ++i)
         if (columns_[i].source && !columns_[i].whole) cells_[i].values.emplace_back();
     replace(size() - 1, values);

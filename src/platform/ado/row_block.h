@@ -25,18 +25,19 @@ public:
         bool whole = false; ///< Byte, Integer or Long
     };
 
-    explicit Row_Block(std::vector<Column> columns);
+    /// @param for_reading the places of rows are not kept: they cannot be changed
+    explicit Row_Block(std::vector<Column> columns, bool for_reading = false);
 
     const std::vector<Column>& columns() const { return columns_; }
     std::optional<std::size_t> column(QStringView name) const; ///< without regard to case
 
-    std::size_t size() const { return pages_.size(); }
+    std::size_t size() const { return size_; }
     void append(const jet::Cursor& row);
     /// @param values all of the table
     void append(jet::Row_Id id, std::span<const Value> values);
     void replace(std::size_t row, std::span<const Value> values);
 
-    jet::Row_Id id(std::size_t row) const { return {pages_[row], slots_[row]}; }
+    jet::Row_Id id(std::size_t row) const { return {pages_.at(row), slots_.at(row)}; }
     bool null(std::size_t row, std::size_t column) const;
     /// Value of a whole column, null as 0.
     std::int32_t whole(std::size_t row, std::size_t column) const {
@@ -66,6 +67,10 @@ private:
 
     std::vector<Column> columns_;
     std::vector<Cells> cells_;
+    void append_id(jet::Row_Id id);
+
+    bool for_reading_;
+    std::size_t size_ = 0;
     std::vector<std::uint32_t> pages_; // Row_Id in five bytes
     std::vector<std::uint8_t> slots_;
 };

@@ -21,14 +21,14 @@ bool is_whole(jet::Column_Type type) {
 
 void Session::enter(Extent extent) {
     ++guards_;
-    whole_ = whole_ || extent == Extent::whole;
+    if (extent == Extent::whole) ++whole_guards_;
 }
 
-void Session::leave() {
-    if (--guards_ > 0) return;
-    held_.clear();
-    asked_.clear();
-    whole_ = false;
+void Session::leave(Extent extent) {
+    if (extent == Extent::whole) --whole_guards_;
+    // tables that were held for reading cannot serve what is changed afterwards
+    if (--guards_ == 0 || (extent == Extent::whole && whole_guards_ == 0)) held_.clear();
+    if (guards_ == 0) asked_.clear();
 }
 
 void Session::complete_in_memory(const QString& table, const std::vector<QString>& columns) {

@@ -28,7 +28,8 @@ public:
 /// How much a guard is going to read.
 enum class Extent {
     some, ///< a set, a script
-    whole ///< table after table: equality goes through a lookup in memory, index or not
+    whole ///< table after table: equality goes through a lookup in memory, index or not. Nothing
+          ///< is changed meanwhile
 };
 
 /// What a query found: places in a block, in the order asked for.
@@ -51,7 +52,7 @@ public:
     Row_Watcher* watcher = nullptr;
 
     void enter(Extent extent);
-    void leave();
+    void leave(Extent extent);
 
     /// Tables and columns that exist for reading only, without rows and values.
     void complete_in_memory(const QString& table, const std::vector<QString>& columns);
@@ -112,7 +113,7 @@ private:
     std::map<QString, Held_Table> held_;                // by table, lower case
     std::map<QString, int> asked_;                      // statements without an index
     int guards_ = 0;
-    bool whole_ = false;
+    int whole_guards_ = 0;
 };
 
 } // namespace ado

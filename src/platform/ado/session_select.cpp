@@ -133,7 +133,7 @@ Found_Rows Session::select(const Statement& statement, const std::vector<QString
 bool Session::worth_holding(const Shape& shape, const Statement& statement) {
     if (guards_ == 0 || statement.where.empty()) return false;
     if (!sortable_key(*shape.table, shape.columns)) return false;
-    if (whole_) return true;
+    if (whole_guards_ > 0) return true;
     std::vector<std::size_t> columns;
     for (const Condition& condition : statement.where)
         columns.push_back(*shape.columns[*shape.column(condition.column)].source);
@@ -143,7 +143,9 @@ bool Session::worth_holding(const Shape& shape, const Statement& statement) {
 Session::Held_Table& Session::held(const Shape& shape, const Columns& columns) {
     Held_Table& table = held_[shape.name.toLower()];
     if (table.block && covers(table.block->columns(), columns)) return table;
-    table = {std::make_shared<Row_Block>(table.block ? shape.columns : columns), {}};
+    const bool for_reading =
+        whole_guards_ > 0 && !shape.table->key().empty(); // else their places order rows
+    table = {std::make_shared<Row_Block>(table.block ? shape.columns : columns, for_reading), {}};
     for (jet::Cursor rows = shape.table->rows(jet::Order::file); rows.next();)
         table.block->append(rows);
     return table;
@@ -159,6 +161,7 @@ Found_Rows Session::select_held(const Shape& shape, const Statement& statement,
         for (std::uint32_t row = 0; row < block.size(); ++row)
             if (const auto number = block.number(row, column))
                 lookup->second[*number].push_back(row);
+        for (auto& [number, rows] : lookup->second) rows.shrink_to_fit();
     }
     Found_Rows found{table.block, {}};
     const auto bucket = lookup->second.find(statement.where.front().number);
