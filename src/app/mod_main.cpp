@@ -1,6 +1,7 @@
 #include "app/mod_main.h"
 
 #include "app/mod_fileverwaltung.h"
+#include "app/mod_save_settings.h"
 #include "platform/desktop/folders.h"
 #include "platform/files/replace.h"
 
@@ -104,29 +105,30 @@ void Init_Paths(desktop::Desktop& desktop, files::Disk& disk) {
     EnsureFolder(disk, globals.UserDataDir);
 }
 
-std::optional<files::Error> Check_Database_File(files::Disk& disk) {
+Default_Database Check_Database_File(files::Disk& disk) {
     if (FileExists(disk, current_database())) return {};
     globals.Database_Path = globals.StdSetdir.isEmpty() ? globals.StdSetPath : globals.StdSetdir;
     globals.Database_File = default_database;
     try {
         make_folders(disk, globals.Database_Path);
-        if (!FileExists(disk, current_database())) {
-            files::copy_file(disk, globals.EmptyDBTemplate.toStdString(),
-                             current_database().toStdString());
-        }
-        return {};
+        if (FileExists(disk, current_database())) return {};
+        files::copy_file(disk, globals.EmptyDBTemplate.toStdString(),
+                         current_database().toStdString());
+        return {.made = true, .trouble = {}};
     } catch (const files::Error& error) {
-        return error;
+        return {.made = false, .trouble = error};
     }
 }
 
-std::optional<files::Error> Init_Globals(desktop::Desktop& desktop, files::Disk& disk) {
+Default_Database Init_Globals(desktop::Desktop& desktop, files::Disk& disk,
+                              Window_Place& main_window) {
     Init_Paths(desktop, disk);
-    std::optional<files::Error> trouble = Check_Database_File(disk);
+    Load_Settings(disk, main_window);
+    Default_Database database = Check_Database_File(disk);
     for (int key = 0; key < 30; ++key) {
         globals.FKeyNames[static_cast<std::size_t>(key)] = FKey_Name(key);
     }
-    return trouble;
+    return database;
 }
 
 } // namespace app

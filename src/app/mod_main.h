@@ -67,11 +67,18 @@ Rectangle Keep_Form_On_Monitor(const Rectangle& window);
 void Get_Monitors(desktop::Desktop& desktop);
 /// Sets the folders and the default database, and makes UserDataDir where it is missing.
 void Init_Paths(desktop::Desktop& desktop, files::Disk& disk);
+/// What became of the database that the program starts with.
+struct Default_Database {
+    bool made = false;                   ///< it did not exist before this run
+    std::optional<files::Error> trouble; ///< what stood in the way, when there is none in the end
+};
+
 /// Makes sure that Database_Path + Database_File exists: falls back to CV-Sets.mdb in the standard
 /// folder, copied from the template when it is missing. Never overwrites an existing file.
-/// @return what stood in the way, when there is no database in the end
-std::optional<files::Error> Check_Database_File(files::Disk& disk);
-/// Paths, settings, database and names, in this order. @return as Check_Database_File
-std::optional<files::Error> Init_Globals(desktop::Desktop& desktop, files::Disk& disk);
+Default_Database Check_Database_File(files::Disk& disk);
+/// Paths, settings, database and names, in this order.
+/// @param main_window gets the place that the settings name
+Default_Database Init_Globals(desktop::Desktop& desktop, files::Disk& disk,
+                              Window_Place& main_window);
 
 } // namespace app

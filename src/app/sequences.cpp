@@ -1,20 +1,27 @@
 #include "app/sequences.h"
 
+#include "app/mod_save_settings.h"
+
 namespace app {
 
 void start_up(Main_Window& window, desktop::Desktop& desktop, files::Disk& disk) {
     Get_Monitors(desktop);
-    const std::optional<files::Error> trouble = Init_Globals(desktop, disk);
+    Window_Place place = window.place();
+    const Default_Database database = Init_Globals(desktop, disk, place);
+    window.move_to(place);
     window.Fill_Last_Files_Menu();
     window.Redraw_Script_List();
+    if (database.made) window.default_database_made();
     window.Open_Database();
     window.choose_decoder_family(0);
-    if (trouble) window.no_default_database(*trouble); // last, so that its sentence stays in view
+    // last, so that its sentence stays in view
+    if (database.trouble) window.no_default_database(*database.trouble);
 }
 
-void shut_down(Main_Window& window) {
+std::optional<files::Error> shut_down(Main_Window& window, files::Disk& disk) {
     window.close_other_windows();
     window.Connection_Close();
+    return Save_Settings(disk, window.place());
 }
 
 } // namespace app

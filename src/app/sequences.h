@@ -8,6 +8,11 @@ namespace app {
 class Main_Window {
 public:
     virtual ~Main_Window() = default;
+    virtual Window_Place place() = 0;
+    /// Brings the window to a place on the screen.
+    virtual void move_to(const Window_Place& place) = 0;
+    /// The file that is opened first is new: nobody's work is in it yet.
+    virtual void default_database_made() = 0;
     virtual void Fill_Last_Files_Menu() = 0;
     virtual void Redraw_Script_List() = 0;
     virtual void Open_Database() = 0;                  ///< opens Database_Path + Database_File
@@ -20,7 +25,7 @@ public:
 
 /// The order in which the program starts.
 void start_up(Main_Window& window, desktop::Desktop& desktop, files::Disk& disk);
-/// The order in which it ends.
-void shut_down(Main_Window& window);
+/// The order in which it ends. @return why the settings could not be kept
+std::optional<files::Error> shut_down(Main_Window& window, files::Disk& disk);
 
 } // namespace app

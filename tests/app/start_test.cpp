@@ -1,10 +1,13 @@
 #include "app/diagnostic_log.h"
 #include "app/mod_fileverwaltung.h"
 #include "app/mod_main.h"
+#include "app/mod_save_settings.h"
 #include "app/sequences.h"
 
 #include "platform/files/faulty_disk.h"
 #include "platform/files/memory_disk.h"
+#include "platform/files/replace.h"
+#include "support/crash_sweep.h"
 #include "support/scripted_desktop.h"
 
 #include <gmock/gmock.h>
@@ -44,6 +47,13 @@ struct Start : testing::Test {
 
 struct Noting_Window : Main_Window {
     std::vector<std::string> calls;
+    Window_Place now{{8000}, {15945}, {10}, {20}};
+    Window_Place place() override { return now; }
+    void move_to(const Window_Place& place) override {
+        calls.push_back("move to " + std::to_string(place.left.value));
+        now = place;
+    }
+    void default_database_made() override { calls.emplace_back("made"); }
     void Fill_Last_Files_Menu() override { calls.emplace_back("recent files"); }
     void Redraw_Script_List() override { calls.emplace_back("scripts"); }
     void Open_Database() override { calls.push_back("open " + current_database().toStdString()); }
@@ -66,12 +76,53 @@ TEST_F(Start, first_on_a_clean_computer_copies_the_template) {
     EXPECT_EQ(text(disk, default_path), "template");
     EXPECT_TRUE(disk.folder_exists("/home/anna/.local/share/KELDA/TRV"));
     EXPECT_THAT(window.calls,
-                ElementsAre("recent files", "scripts", "open " + default_path, "family 0"));
+                ElementsAre("move to 10", "recent files", "scripts", "made",
+                            "open " + default_path, "family 0"));
     EXPECT_EQ(globals.EmptyDBTemplate.toStdString(), template_path); // not the first data folder
     EXPECT_EQ(globals.FKeyNames[29], QStringLiteral("MAN"));
     window.calls.clear();
-    shut_down(window);
+    EXPECT_FALSE(shut_down(window, disk));
     EXPECT_THAT(window.calls, ElementsAre("close windows", "close database"));
+}
+
+TEST_F(Start, finds_the_settings_that_the_run_before_has_kept) {
+    disk.set_bytes(template_path, bytes("template"));
+    disk.set_bytes("/home/anna/Anlage.mdb", bytes("mine"));
+    {
+        Noting_Window window;
+        start_up(window, desktop, disk);
+        set_current_database(QStringLiteral("/home/anna/Anlage.mdb"));
+        globals.comport = 7;
+        window.now.left = {4500};
+        EXPECT_FALSE(shut_down(window, disk));
+    }
+    reset_globals();
+    Noting_Window window;
+    start_up(window, desktop, disk);
+    EXPECT_EQ(globals.comport, 7);
+    EXPECT_THAT(window.calls, ElementsAre("move to 4500", "recent files", "scripts",
+                                          "open /home/anna/Anlage.mdb", "family 0"));
+}
+
+TEST_F(Start, neither_a_crash_nor_a_failing_disk_loses_the_settings) {
+    Noting_Window window;
+    start_up(window, desktop, disk);
+    ASSERT_FALSE(shut_down(window, disk));
+    const std::string path = IniFile().toStdString();
+    const auto before = disk.bytes(path);
+    globals.comport = 9;
+    files::Memory_Disk changed = disk.copy();
+    ASSERT_FALSE(shut_down(window, changed));
+    const auto after = changed.bytes(path);
+    const auto save = [&](files::Disk& on) {
+        if (const auto trouble = shut_down(window, on)) throw *trouble;
+    };
+    const auto whole = [&](files::Disk& found, support::Outcome outcome) {
+        const auto left = files::read_file(found, path);
+        EXPECT_TRUE(left == after || (left == before && outcome != support::Outcome::finished));
+    };
+    EXPECT_GT(support::sweep_crashes(disk, save, whole, true), 10);
+    EXPECT_GT(support::sweep_refusals(disk, save, whole), 5);
 }
 
 TEST_F(Start, goes_on_without_a_database_and_says_why) {
@@ -92,7 +143,8 @@ TEST_F(Start, a_full_disk_leaves_no_half_database) {
     disk.set_bytes(template_path, bytes(std::string(5000, 't')));
     files::Faulty_Disk full(disk);
     full.limit_room(4000);
-    const auto trouble = Init_Globals(desktop, full);
+    Window_Place place;
+    const auto trouble = Init_Globals(desktop, full, place).trouble;
     ASSERT_TRUE(trouble);
     EXPECT_EQ(trouble->kind, files::Failure::disk_full);
     EXPECT_THAT(disk.paths(), ElementsAre(template_path));
@@ -114,18 +166,18 @@ TEST_F(Start, falls_back_to_the_standard_folder_and_overwrites_nothing) {
         SCOPED_TRACE(c.name);
         globals.StdSetdir = c.StdSetdir;
         set_current_database(QStringLiteral("/home/anna/weg/Anlage.mdb"));
-        EXPECT_FALSE(Check_Database_File(disk));
+        EXPECT_TRUE(Check_Database_File(disk).made);
         EXPECT_EQ(current_database().toStdString(), c.found);
         EXPECT_EQ(text(disk, c.found), "template");
 
         disk.set_bytes(c.found, bytes("mine"));
         set_current_database(QStringLiteral("/home/anna/weg/Anlage.mdb"));
-        EXPECT_FALSE(Check_Database_File(disk));
+        EXPECT_FALSE(Check_Database_File(disk).made);
         EXPECT_EQ(text(disk, c.found), "mine");
     }
     disk.set_bytes("/home/anna/Anlage.mdb", bytes("current"));
     set_current_database(QStringLiteral("/home/anna/Anlage.mdb"));
-    EXPECT_FALSE(Check_Database_File(disk));
+    EXPECT_FALSE(Check_Database_File(disk).made);
     EXPECT_EQ(current_database(), QStringLiteral("/home/anna/Anlage.mdb"));
 }
 

@@ -6,6 +6,16 @@ namespace files {
 
 constexpr std::uint64_t sector = 512;
 
+namespace {
+
+void make_folders(Memory_Disk& disk, const std::string& folder) {
+    if (disk.folder_exists(folder)) return;
+    make_folders(disk, folder_of(folder));
+    disk.make_folder(folder);
+}
+
+} // namespace
+
 class Crash_File final : public File {
 public:
     Crash_File(Crash_Disk& disk, std::unique_ptr<File> live)
@@ -75,8 +85,7 @@ void Crash_Disk::Medium::apply_torn(const Change& change, std::mt19937& torn) {
 Crash_Disk::Crash_Disk(Memory_Disk& content) {
     for (const std::string& path : content.paths()) {
         const Identity identity = *content.identity(path);
-        const std::string folder = folder_of(path);
-        if (!live_.folder_exists(folder)) live_.make_folder(folder);
+        make_folders(live_, folder_of(path));
         live_.restore(path, content.bytes(path), identity);
         medium_.names[path] = identity.inode;
         medium_.contents[identity.inode] = content.bytes(path);
@@ -92,8 +101,7 @@ Memory_Disk Crash_Disk::after_power_loss(const Fates& fates, std::mt19937& torn)
     }
     Memory_Disk disk;
     for (const auto& [path, inode] : medium.names) {
-        const std::string folder = folder_of(path);
-        if (!disk.folder_exists(folder)) disk.make_folder(folder);
+        make_folders(disk, folder_of(path));
         disk.restore(path, medium.contents[inode], {1, inode});
     }
     return disk;
