@@ -40,10 +40,11 @@ struct Found_Rows {
 
 /// An open database as the objects of this folder share it: rows are found and changed here.
 ///
-/// While a guard is open, tables whose rows are asked for again and again by a column without an
-/// index are held in memory with a lookup per column, so that loading a library set by set is not
-/// quadratic. Own changes keep them right, nobody else's can happen meanwhile, and they go with the
-/// last guard.
+/// While a guard is open, rows that are asked for again and again are held in memory with a lookup
+/// per column: the whole table where no index leads to them, so that loading a library set by set
+/// is not quadratic in its size; else the part that the index leads to, so that storing a set CV by
+/// CV is not quadratic in the set's. Own changes keep them right, nobody else's can happen
+/// meanwhile, and they go with the last guard.
 class Session {
 public:
     explicit Session(jet::Database database) : database_(std::move(database)) {}
@@ -84,34 +85,45 @@ private:
         std::optional<std::size_t> column(const QString& name) const;
     };
     using Lookup = std::unordered_map<std::int32_t, std::vector<std::uint32_t>>;
-    struct Held_Table {
+    using Part = std::optional<Condition>; // nothing: all rows
+    struct Held_Rows {
+        Part part;
         std::shared_ptr<Row_Block> block;
         std::map<std::size_t, Lookup> lookups; // by column of the block
+        Lookup& lookup(std::size_t column);
         void add(std::uint32_t row);
         void remove(std::uint32_t row);
+    };
+    struct Asked {
+        Part part;
+        int times = 0; // in turn
     };
 
     Shape shape(const QString& table);
     jet::Table stored_table(const QString& table);
     static std::vector<Row_Block::Column> chosen(const Shape& shape, const Statement& statement,
                                                  const std::vector<QString>& wanted);
-    bool worth_holding(const Shape& shape, const Statement& statement);
-    Held_Table& held(const Shape& shape, const std::vector<Row_Block::Column>& columns);
-    Found_Rows select_held(const Shape& shape, const Statement& statement,
-                           const std::vector<Row_Block::Column>& columns);
-    static Found_Rows select_stored(const Shape& shape, const Statement& statement,
+    static Part quick_part(const Shape& shape, const std::vector<Condition>& where);
+    /// @return nothing while reading the file is as good.
+    Held_Rows* rows_in_memory(const Shape& shape, const std::vector<Condition>& where,
+                              const std::vector<Row_Block::Column>& columns);
+    Held_Rows& hold(const Shape& shape, const Part& part,
+                    const std::vector<Row_Block::Column>& columns);
+    static Found_Rows select_held(Held_Rows& held, const std::vector<Condition>& where);
+    static Found_Rows select_stored(const Shape& shape, const std::vector<Condition>& where,
                                     std::vector<Row_Block::Column> columns);
     static void scan(const Shape& shape, const Statement& statement, Row_Block& block);
     static void sort(const Shape& shape, const Statement& statement, Found_Rows& found);
     Found_Rows select_joined(const Statement& statement);
-    Held_Table* held_with(const QString& table, const Row_Block& block);
+    Held_Rows* held_with(const QString& table, const Row_Block& block);
+    void let_go(const QString& table);
     void tell(const jet::Table& table, const std::vector<Value>& before,
               const std::vector<Value>& after) const;
 
     jet::Database database_;
     std::map<QString, std::vector<QString>> completed_; // by table, lower case
-    std::map<QString, Held_Table> held_;                // by table, lower case
-    std::map<QString, int> asked_;                      // statements without an index
+    std::map<QString, Held_Rows> held_;                 // by table, lower case
+    std::map<QString, Asked> asked_;                    // by table, lower case
     int guards_ = 0;
     int whole_guards_ = 0;
 };

@@ -83,21 +83,26 @@ void Session::check(const QString& table, const Row& cells) {
     });
 }
 
-void Session::Held_Table::add(std::uint32_t row) {
+void Session::Held_Rows::add(std::uint32_t row) {
     for (auto& [column, lookup] : lookups)
         if (const auto number = block->number(row, column)) lookup[*number].push_back(row);
 }
 
-void Session::Held_Table::remove(std::uint32_t row) {
+void Session::Held_Rows::remove(std::uint32_t row) {
     for (auto& [column, lookup] : lookups)
         if (const auto number = block->number(row, column)) std::erase(lookup[*number], row);
 }
 
-Session::Held_Table* Session::held_with(const QString& table, const Row_Block& block) {
+void Session::let_go(const QString& table) {
+    held_.erase(table.toLower());
+    asked_.erase(table.toLower());
+}
+
+Session::Held_Rows* Session::held_with(const QString& table, const Row_Block& block) {
     const auto found = held_.find(table.toLower());
     if (found == held_.end()) return nullptr;
     if (found->second.block.get() == &block) return &found->second;
-    held_.erase(found); // rows of another block: where they stand in this one is not known
+    let_go(table); // rows of another block: where they stand in this one is not known
     return nullptr;
 }
 
@@ -142,7 +147,7 @@ std::uint32_t Session::insert(const QString& table, Row_Block& block, const Row&
         const auto after = values_of(stored, id);
         const auto row = static_cast<std::uint32_t>(block.size());
         block.append(id, after);
-        if (Held_Table* const held = held_with(table, block)) held->add(row);
+        if (Held_Rows* const held = held_with(table, block)) held->add(row);
         tell(stored, {}, after);
         return row;
     });
@@ -155,7 +160,7 @@ void Session::update(const QString& table, Row_Block& block, std::uint32_t row, 
         const auto before = values_of(stored, block.id(row));
         stored.update(block.id(row), cells_of(stored, cells), empty);
         const auto after = values_of(stored, block.id(row));
-        Held_Table* const held = held_with(table, block);
+        Held_Rows* const held = held_with(table, block);
         if (held != nullptr) held->remove(row);
         block.replace(row, after);
         if (held != nullptr) held->add(row);
@@ -172,10 +177,10 @@ void Session::erase(const QString& table, Row_Block& block, std::uint32_t row) {
         for (const jet::Follower& follower : followers)
             followers_before.push_back(values_of(follower.table, follower.row));
         stored.erase(block.id(row));
-        if (Held_Table* const held = held_with(table, block)) held->remove(row);
+        if (Held_Rows* const held = held_with(table, block)) held->remove(row);
         for (std::size_t i = followers.size(); i-- > 0;) {
             const auto& [other, id] = followers[i];
-            held_.erase(QString::fromStdU16String(other.name()).toLower());
+            let_go(QString::fromStdU16String(other.name()));
             tell(other, followers_before[i], other.row(id).value_or(std::vector<Value>()));
         }
         tell(stored, before, {});

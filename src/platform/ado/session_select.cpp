@@ -48,9 +48,10 @@ bool holds(const jet::Cursor& row, const std::vector<Test>& tests) {
     });
 }
 
-bool holds(const Row_Block& block, std::uint32_t row, const Statement& statement) {
-    return std::all_of(statement.where.begin(), statement.where.end(), [&](const Condition& test) {
-        return block.number(row, *block.column(test.column)) == test.number;
+/// The same in a block, whose columns they name.
+bool holds(const Row_Block& block, std::uint32_t row, const std::vector<Test>& tests) {
+    return std::all_of(tests.begin(), tests.end(), [&](const Test& test) {
+        return block.number(row, test.column) == test.number;
     });
 }
 
@@ -122,63 +123,93 @@ Found_Rows Session::select(const Statement& statement, const std::vector<QString
                 return !table.columns[*table.column(condition.column)].source;
             });
         if (never) return Found_Rows{std::make_shared<Row_Block>(std::move(columns)), {}};
-        Found_Rows found = worth_holding(table, statement)
-                               ? select_held(table, statement, columns)
-                               : select_stored(table, statement, std::move(columns));
+        Held_Rows* const held = rows_in_memory(table, statement.where, columns);
+        Found_Rows found = held != nullptr
+                               ? select_held(*held, statement.where)
+                               : select_stored(table, statement.where, std::move(columns));
         sort(table, statement, found);
         return found;
     });
 }
 
-bool Session::worth_holding(const Shape& shape, const Statement& statement) {
-    if (guards_ == 0 || statement.where.empty()) return false;
-    if (!sortable_key(*shape.table, shape.columns)) return false;
-    if (whole_guards_ > 0) return true;
-    std::vector<std::size_t> columns;
-    for (const Condition& condition : statement.where)
-        columns.push_back(*shape.columns[*shape.column(condition.column)].source);
-    return !shape.table->quick(columns) && ++asked_[shape.name.toLower()] > 1;
+/// The first condition whose rows an index finds.
+Session::Part Session::quick_part(const Shape& shape, const std::vector<Condition>& where) {
+    for (const Condition& condition : where) {
+        const auto& column = shape.columns[*shape.column(condition.column)];
+        if (column.whole && shape.table->quick(std::array{*column.source})) return condition;
+    }
+    return std::nullopt;
 }
 
-Session::Held_Table& Session::held(const Shape& shape, const Columns& columns) {
-    Held_Table& table = held_[shape.name.toLower()];
-    if (table.block && covers(table.block->columns(), columns)) return table;
+Session::Held_Rows* Session::rows_in_memory(const Shape& shape, const std::vector<Condition>& where,
+                                            const Columns& columns) {
+    if (guards_ == 0 || where.empty()) return nullptr;
+    if (!sortable_key(*shape.table, shape.columns)) return nullptr;
+    if (whole_guards_ > 0) return &hold(shape, std::nullopt, columns);
+    const Part part = quick_part(shape, where);
+    if (part && where.size() == 1) return nullptr; // the index leads to no others
+    Asked& asked = asked_[shape.name.toLower()];
+    if (asked.part != part) asked = {part};
+    return ++asked.times > 1 ? &hold(shape, part, columns) : nullptr;
+}
+
+Session::Held_Rows& Session::hold(const Shape& shape, const Part& part, const Columns& columns) {
+    Held_Rows& held = held_[shape.name.toLower()];
+    const bool same = held.block && held.part == part;
+    if (same && covers(held.block->columns(), columns)) return held;
+    const Columns& kept = same ? shape.columns : columns;
+    if (part) {
+        held = {part, select_stored(shape, {*part}, kept).block, {}};
+        return held;
+    }
     const bool for_reading =
         whole_guards_ > 0 && !shape.table->key().empty(); // else their places order rows
-    table = {std::make_shared<Row_Block>(table.block ? shape.columns : columns, for_reading), {}};
+    held = {part, std::make_shared<Row_Block>(kept, for_reading), {}};
     for (jet::Cursor rows = shape.table->rows(jet::Order::file); rows.next();)
-        table.block->append(rows);
-    return table;
+        held.block->append(rows);
+    return held;
 }
 
-Found_Rows Session::select_held(const Shape& shape, const Statement& statement,
-                                const Columns& columns) {
-    Held_Table& table = held(shape, columns);
-    const std::size_t column = *table.block->column(statement.where.front().column);
-    const auto [lookup, is_new] = table.lookups.try_emplace(column);
-    if (is_new) {
-        const Row_Block& block = *table.block;
-        for (std::uint32_t row = 0; row < block.size(); ++row)
-            if (const auto number = block.number(row, column))
-                lookup->second[*number].push_back(row);
-        for (auto& [number, rows] : lookup->second) rows.shrink_to_fit();
+Session::Lookup& Session::Held_Rows::lookup(std::size_t column) {
+    const auto [found, is_new] = lookups.try_emplace(column);
+    if (!is_new) return found->second;
+    std::vector<std::uint32_t>* bucket = nullptr;
+    std::optional<std::int32_t> last; // rows of one set mostly stand together
+    for (std::uint32_t row = 0; row < block->size(); ++row) {
+        const auto number = block->number(row, column);
+        if (!number) continue;
+        if (number != last) bucket = &found->second[*number];
+        last = number;
+        bucket->push_back(row);
     }
-    Found_Rows found{table.block, {}};
-    const auto bucket = lookup->second.find(statement.where.front().number);
-    if (bucket == lookup->second.end()) return found;
-    if (statement.where.size() == 1) {
+    for (auto& [number, rows] : found->second) rows.shrink_to_fit();
+    return found->second;
+}
+
+Found_Rows Session::select_held(Held_Rows& held, const std::vector<Condition>& where) {
+    Found_Rows found{held.block, {}};
+    std::vector<Test> tests;
+    for (const Condition& condition : where)
+        tests.push_back({*held.block->column(condition.column), condition.number});
+    // all rows of a part hold its own condition, so that another one narrows the search
+    const Test& narrow = held.part ? tests.back() : tests.front();
+    const Lookup& lookup = held.lookup(narrow.column);
+    const auto bucket = lookup.find(narrow.number);
+    if (bucket == lookup.end()) return found;
+    if (tests.size() == 1) {
         found.order = bucket->second;
         return found;
     }
     std::copy_if(bucket->second.begin(), bucket->second.end(), std::back_inserter(found.order),
-                 [&](std::uint32_t row) { return holds(*table.block, row, statement); });
+                 [&](std::uint32_t row) { return holds(*held.block, row, tests); });
     return found;
 }
 
-Found_Rows Session::select_stored(const Shape& shape, const Statement& statement, Columns columns) {
+Found_Rows Session::select_stored(const Shape& shape, const std::vector<Condition>& where,
+                                  Columns columns) {
     Found_Rows found{std::make_shared<Row_Block>(std::move(columns)), {}};
     std::vector<Test> tests;
-    for (const Condition& condition : statement.where) {
+    for (const Condition& condition : where) {
         const auto& column = shape.columns[*shape.column(condition.column)];
         if (!fits(condition.number, shape.table->columns()[*column.source].type)) return found;
         tests.push_back({*column.source, condition.number, column.whole});

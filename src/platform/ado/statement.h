@@ -11,6 +11,7 @@ namespace ado {
 struct Condition {
     QString column;
     std::int32_t number = 0;
+    bool operator==(const Condition&) const = default;
 };
 
 /// The SQL that is understood, taken apart:
