@@ -101,9 +101,10 @@ public:
     void forget_table(Page_Number id);
 
     Heap_Hints& hints() { return hints_; }
-    /// Whether the table gets its first autonumber since something may have been changed elsewhere;
-    /// afterwards its counter holds.
-    bool first_numbering(Page_Number table) { return numbered_.insert(table).second; }
+    /// Whether the counter of autonumbers is known to lie above every key: a row has got its number
+    /// since something may have been changed elsewhere.
+    bool counter_holds(Page_Number table) const { return numbered_.contains(table); }
+    void note_counter_holds(Page_Number table) { numbered_.insert(table); }
 
     std::uint64_t changes() const { return changes_; }
     std::uint64_t change_count();

@@ -44,6 +44,12 @@ const std::u16string& name_of(const Definition& definition, std::size_t real) {
     return nameless;
 }
 
+/// An empty text becomes null in a column that does not allow it.
+void null_if_forbidden(const Column& column, Value& value) {
+    const auto* text = std::get_if<std::u16string>(&value);
+    if (text != nullptr && text->empty() && !column.allow_zero_length) value = Null{};
+}
+
 Guid random_guid() {
     std::random_device source;
     Guid guid;
@@ -115,10 +121,7 @@ void Statement::set_cell(const Table_State& table, Planned& row, std::size_t col
                          const Value& value) {
     const auto& record = table.definition->columns.at(column);
     auto fitting = fitted(record, value);
-    const auto* text = std::get_if<std::u16string>(&fitting);
-    if (text != nullptr && text->empty() && !table.columns[column].allow_zero_length &&
-        empty_ == Empty_Text::null)
-        fitting = Null{};
+    if (empty_ == Empty_Text::null) null_if_forbidden(table.columns[column], fitting);
     if (const auto* number = std::get_if<std::int32_t>(&fitting); number && record.auto_number())
         row.auto_number = *number;
     row.values[column] = std::move(fitting);
@@ -135,7 +138,10 @@ void Statement::insert(Page_Number id, std::span<const Cell> cells) {
     for (const auto& cell : cells) set_cell(table, row, cell.column, cell.value);
     for (std::size_t i = 0; i < columns; ++i) {
         const auto& record = table.definition->columns[i];
-        if (!row.changed[i]) row.values[i] = default_value(record, table.columns[i].default_value);
+        if (!row.changed[i]) {
+            row.values[i] = default_value(record, table.columns[i].default_value);
+            null_if_forbidden(table.columns[i], row.values[i]);
+        }
         if (record.auto_guid() && is_null(row.values[i])) row.values[i] = random_guid();
     }
     row.before.resize(columns);
@@ -151,6 +157,7 @@ void Statement::number_row(const Table_State& table, Planned& row) {
             if (last == std::numeric_limits<std::int32_t>::max())
                 refuse(table.columns[i].name, "all numbers are used up");
             row.values[i] = last + 1;
+            row.counted = true;
         }
         row.auto_number = std::get<std::int32_t>(row.values[i]);
     }
@@ -160,7 +167,7 @@ void Statement::number_row(const Table_State& table, Planned& row) {
 std::int32_t Statement::highest_number(const Table_State& table, std::size_t column) {
     const auto& definition = *table.definition;
     std::int32_t highest = 0;
-    if (!engine_.first_numbering(table.object.page())) return highest;
+    if (engine_.counter_holds(table.object.page())) return highest;
     const auto note = [&](Row_Source& source) {
         const auto value = value_at(source, column);
         if (const auto* number = std::get_if<std::int32_t>(&value))
@@ -381,6 +388,7 @@ Inserted Statement::apply() {
             inserted.auto_number = row.auto_number.value_or(0);
         }
         if (row.auto_number) table_writer.note_auto_number(*row.auto_number);
+        if (row.counted) engine_.note_counter_holds(row.table);
     }
     return inserted;
 }

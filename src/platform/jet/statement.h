@@ -37,6 +37,7 @@ private:
         std::vector<Value> values; ///< the same, and all that is set
         std::vector<bool> changed;
         std::optional<std::int32_t> auto_number; ///< set by this statement
+        bool counted = false;                    ///< the number is the next one
     };
     /// A row that refers to one that goes or gets another key, in a relation without cascades.
     struct Forbidding {

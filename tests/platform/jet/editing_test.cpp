@@ -352,9 +352,14 @@ TEST_F(Own_Table, defaults_fill_what_is_not_given) {
                    one.type == Column_Type::text ? 20 : 0));
         made.default_value = one.expression;
     }
+    auto strict = column(u"Strict", Column_Type::text, 20);
+    strict.default_value = u"\"\"";
+    strict.allow_zero_length = false;
+    columns.push_back(strict);
     const auto table = make(columns);
     const auto row = *table.row(table.insert({}).id);
     for (std::size_t i = 0; i < std::size(cases); ++i) EXPECT_EQ(row[i + 1], cases[i].value) << i;
+    EXPECT_EQ(row.back(), Value(Null{})) << "an empty default, too, is null where that is needed";
     EXPECT_EQ(faults(database, true), "");
 }
 
