@@ -121,6 +121,14 @@ void clsDBConn::Inside::close() {
     if (listener != nullptr) listener->library_left();
 }
 
+std::optional<files::Identity> clsDBConn::Inside::file_now() {
+    try {
+        return disk.identity(file.toStdString());
+    } catch (const files::Error&) { // a medium that is away, perhaps
+        return std::nullopt;
+    }
+}
+
 ado::Recordset& clsDBConn::Inside::query(const QString& sql, std::vector<QString> wanted) {
     commands[0].text = sql;
     recordset.open(commands[0], std::move(wanted));
@@ -147,6 +155,7 @@ void clsDBConn::Connection_Start(const QString& FileName) {
         inside.connection.open(ado::Connection::string_for(FileName));
         for (ado::Command& command : inside.commands) command.bind(inside.connection);
         inside.active = inside.connection.state() == ado::State::open;
+        inside.identity = inside.file_now();
         inside.ldb_beside = inside.disk.file_exists(lock_file_of(FileName).toStdString());
     } catch (const ado::Error& error) {
         inside.note(error);
@@ -159,6 +168,8 @@ void clsDBConn::Connection_Start(const QString& FileName) {
 void clsDBConn::Connection_Close() { inside_->close(); }
 
 bool clsDBConn::Connection_Active() const { return inside_->active; }
+
+bool clsDBConn::is_library() const { return inside_->active && inside_->is_library; }
 
 QString clsDBConn::database_file() const { return inside_->file; }
 
@@ -174,6 +185,18 @@ Opening clsDBConn::opening() const {
 }
 
 bool clsDBConn::writable() const { return inside_->active && inside_->blocked() == Blocked::no; }
+
+std::optional<std::uint64_t> clsDBConn::change_count() {
+    Inside& inside = *inside_;
+    std::optional<std::uint64_t> count;
+    inside.reading(ado::Extent::some, [&] {
+        if (inside.file_now() != inside.identity)
+            throw ado::Error{ado::Failure::replaced, inside.file,
+                             u"the path names another file by now"_s};
+        count = inside.connection.change_count();
+    });
+    return count;
+}
 
 std::int32_t clsDBConn::AktCVSetID() const { return inside_->akt_set; }
 

@@ -52,6 +52,8 @@ public:
     void Connection_Start(const QString& FileName);
     void Connection_Close();
     bool Connection_Active() const;
+    /// Whether the tables of a library are there, so that it is no database of another kind.
+    bool is_library() const;
     QString database_file() const; ///< as given to the last Connection_Start
     /// How the open library was found. `blocked` is brought up to date with what was met since.
     Opening opening() const;
@@ -62,6 +64,10 @@ public:
     /// 0 store it here; with 0 they work on the set already current.
     std::int32_t AktCVSetID() const;
     void AktCVSetID(std::int32_t SetID);
+
+    /// Differs whenever rows may have changed since it was last asked for, by this copy of the
+    /// program or another. @return nothing: the library cannot be looked at, and why is noted
+    std::optional<std::uint64_t> change_count();
 
     // Troubles and counts for the status bar
 
@@ -90,7 +96,8 @@ public:
     /// Brings rows from what they were before to what they were after, one after the other, with
     /// their keys and all of their columns. All or nothing, and only if each row still is as it was
     /// before. The reason for not doing it is noted as a trouble. Not inside an Operation.
-    Replayed replay(const std::vector<Row_Change>& changes);
+    /// @param doubles CVs that CVs coming back may meet in their places
+    Replayed replay(const std::vector<Row_Change>& changes, const std::set<std::int32_t>& doubles);
 
     // Sets
 

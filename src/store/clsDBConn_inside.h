@@ -41,7 +41,10 @@ struct clsDBConn::Inside : ado::Row_Watcher {
     ado::Catalog catalog;
 
     bool active = false;
+    bool is_library = false; ///< Sets and CVs are there
     QString file;
+    std::optional<files::Identity> identity;   ///< of the file that is open
+    std::optional<files::Identity> file_now(); ///< which the path names by now
     std::int32_t akt_set = 0;
     bool ldb_beside = false;
 
@@ -71,6 +74,7 @@ struct clsDBConn::Inside : ado::Row_Watcher {
     bool end(bool keep);
     void row_changed(const QString& table, const ado::Row& before, const ado::Row& after) override;
     void replay(const Row_Change& change);
+    void note_doubles(); ///< in the record
     static QString table_name(const Row_Change& change);
     void leave_lost_file();
     void close();
@@ -118,6 +122,18 @@ struct clsDBConn::Inside : ado::Row_Watcher {
     bool changing_current_set(Work work) {
         if (active && akt_set == 0) note(Failure::no_set, file, QStringLiteral("no current set"));
         return akt_set != 0 && changing(work);
+    }
+    /// Runs work of which half would be a loss: when it is refused after its first change, the
+    /// outermost operation is rolled back.
+    template <class Work>
+    void whole(Work work) {
+        const std::size_t before = record.rows.size();
+        try {
+            work();
+        } catch (const ado::Error&) {
+            spoiled = spoiled || record.rows.size() > before;
+            throw;
+        }
     }
     static bool is_refusal(ado::Failure kind);
 

@@ -98,7 +98,7 @@ void add_in_memory(ado::Catalog& catalog, const Addition& addition) {
 
 void clsDBConn::Inside::upgrade() {
     std::vector<Addition> lacks;
-    const bool is_library = reading(ado::Extent::some, [&] {
+    is_library = reading(ado::Extent::some, [&] {
         for (const QString& table : {u"Sets"_s, u"CVs"_s}) catalog.columns(table);
         lacks = missing(catalog);
     });

@@ -36,7 +36,8 @@ public:
     void meanwhile(std::function<void()> act) { expected_.back().meanwhile = std::move(act); }
 
     desktop::File_Choice last_choice;
-    QString clipboard;
+    desktop::Clipboard clipboard;
+    bool clipboard_refuses = false;
     QString documents = QStringLiteral("/home/anna/Dokumente");
     QString local_data = QStringLiteral("/home/anna/.local/share");
     QStringList common_data{QStringLiteral("/opt/share"), QStringLiteral("/usr/share")};
@@ -46,9 +47,10 @@ public:
     QString local_data_folder() override { return local_data; }
     QStringList common_data_folders() override { return common_data; }
     std::vector<desktop::Bounds> monitors() override { return screens; }
-    QString clipboard_text() override { return clipboard; }
-    bool set_clipboard_text(const QString& text) override {
-        clipboard = text;
+    desktop::Clipboard Get_Clipboard_Text() override { return clipboard; }
+    bool Set_Clipboard_Text(const desktop::Clipboard& content) override {
+        if (clipboard_refuses) return false;
+        clipboard = content;
         return true;
     }
     std::optional<QString> ask_open_file(const desktop::File_Choice& choice) override {

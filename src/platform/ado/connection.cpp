@@ -33,6 +33,10 @@ void Connection::close() { session_.reset(); }
 
 Status Connection::status() const { return session().database().status(); }
 
+std::uint64_t Connection::change_count() const {
+    return translated([&] { return session().database().change_count(); });
+}
+
 Blocked Connection::blocked(const QString& table) const {
     return translated([&] {
         const auto found = session().database().table(table.toStdU16String());

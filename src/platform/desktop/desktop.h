@@ -24,6 +24,13 @@ struct File_Choice {
     QString filter;    ///< as shown, with the pattern in brackets: "Datenbank (*.mdb)"
 };
 
+/// What the clipboard holds, in two forms at most.
+struct Clipboard {
+    QString text; ///< for everybody; empty: no text there
+    QString own;  ///< the same in a form that only copies of this program read; may be empty
+    bool operator==(const Clipboard&) const = default;
+};
+
 /// What the program asks of the desktop it runs on. The real one lives in ui/desktop, tests bring
 /// one that answers from a script. Folders are absolute, without a separator at the end.
 class Desktop {
@@ -36,8 +43,10 @@ public:
     virtual QStringList common_data_folders() = 0;
     virtual std::vector<Bounds> monitors() = 0;
 
-    virtual QString clipboard_text() = 0;
-    virtual bool set_clipboard_text(const QString& text) = 0; ///< @return whether it was accepted
+    /// What other programs put there has no form of our own.
+    virtual Clipboard Get_Clipboard_Text() = 0;
+    /// Takes the place of what was there. @return whether it was accepted
+    virtual bool Set_Clipboard_Text(const Clipboard& content) = 0;
 
     /// @return the full path of an existing file; nothing when the user cancelled.
     virtual std::optional<QString> ask_open_file(const File_Choice& choice) = 0;

@@ -3,7 +3,6 @@
 #include "platform/desktop/folders.h"
 
 #include <QApplication>
-#include <QClipboard>
 #include <QDir>
 #include <QFileDialog>
 #include <QHeaderView>
@@ -53,14 +52,6 @@ std::vector<desktop::Bounds> Qt_Desktop::monitors() {
                        place.top() + place.height()});
     }
     return all;
-}
-
-QString Qt_Desktop::clipboard_text() { return QGuiApplication::clipboard()->text(); }
-
-bool Qt_Desktop::set_clipboard_text(const QString& text) {
-    QClipboard* clipboard = QGuiApplication::clipboard();
-    clipboard->setText(text);
-    return clipboard->ownsClipboard();
 }
 
 std::optional<QString> Qt_Desktop::ask_open_file(const desktop::File_Choice& choice) {

@@ -12,8 +12,8 @@ public:
     QStringList common_data_folders() override;
     std::vector<desktop::Bounds> monitors() override;
 
-    QString clipboard_text() override;
-    bool set_clipboard_text(const QString& text) override;
+    desktop::Clipboard Get_Clipboard_Text() override;
+    bool Set_Clipboard_Text(const desktop::Clipboard& content) override;
 
     std::optional<QString> ask_open_file(const desktop::File_Choice& choice) override;
     std::optional<QString> ask_save_file(const desktop::File_Choice& choice) override;

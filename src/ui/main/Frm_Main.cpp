@@ -3,12 +3,12 @@
 #include "app/mod_fileverwaltung.h"
 #include "app/text_table.h"
 #include "scripts/cls_script_coll.h"
+#include "store/backups.h"
 #include "ui/main/UC_Scripte.h"
 #include "ui/main/main_form.h"
 #include "ui/main/status_line.h"
 #include "ui/main/texts.h"
 
-#include <QCloseEvent>
 #include <QCoreApplication>
 #include <QMenu>
 #include <QMenuBar>
@@ -26,7 +26,7 @@ constexpr int first_height = 720; ///< of a window that nobody has sized yet, in
 Frm_Main::Frm_Main(desktop::Desktop& desktop, files::Disk& disk, store::clsDBConn& database)
     : desktop_(desktop), disk_(disk), database_(database), form_(new Main_Form(this)),
       cv_panel_(std::make_unique<Cv_Panel>(*form_, database, *this)),
-      status_(new Status_Line(this)), write_protected_(new QLabel(this)) {
+      status_(new Status_Line(this)), write_protected_(new QLabel(this)), history_(database) {
     app::TextTable.fill();
     setObjectName(QStringLiteral("Frm_Main"));
     setCentralWidget(form_);
@@ -45,7 +45,7 @@ Frm_Main::Frm_Main(desktop::Desktop& desktop, files::Disk& disk, store::clsDBCon
     show_title();
 }
 
-Frm_Main::~Frm_Main() = default;
+Frm_Main::~Frm_Main() { database_.keep_copies(nullptr); }
 
 void Frm_Main::wire() {
     Entry_List* sets = form_->lst_sets;
@@ -54,6 +54,10 @@ void Frm_Main::wire() {
     connect(sets, &QListView::doubleClicked, this, &Frm_Main::rename_set);
     connect(sets, &Entry_List::context_menu_wanted, this,
             [this](const QPoint& place) { mnu_cv_set_->popup(place); });
+    connect(sets, &Entry_List::copy_pressed, this, &Frm_Main::copy_set);
+    connect(sets, &Entry_List::paste_pressed, this, &Frm_Main::paste_set);
+    connect(form_->lst_CVs, &Entry_List::copy_pressed, this, &Frm_Main::copy_cvs);
+    connect(form_->lst_CVs, &Entry_List::paste_pressed, this, &Frm_Main::paste_cvs);
     connect(form_->lst_CVs, &Entry_List::context_menu_wanted, this,
             [this](const QPoint& place) { mnu_copymenu_->popup(place); });
     for (int i = 0; i < 2; ++i) {
@@ -68,16 +72,6 @@ void Frm_Main::wire() {
 }
 
 void Frm_Main::load() { app::start_up(*this, desktop_, disk_); }
-
-void Frm_Main::unload() {
-    if (std::exchange(unloaded_, true)) return;
-    app::shut_down(*this);
-}
-
-void Frm_Main::closeEvent(QCloseEvent* event) {
-    unload();
-    event->accept();
-}
 
 void Frm_Main::end_program() {
     close();
@@ -181,7 +175,12 @@ void Frm_Main::say(const QString& sentence) { status_->say(sentence); }
 
 bool Frm_Main::say_trouble() {
     const std::optional<store::Trouble> trouble = database_.take_trouble();
-    if (!trouble) return false;
+    const std::optional<store::Trouble> no_copy =
+        backups_ ? backups_->take_trouble() : std::nullopt;
+    if (!trouble && no_copy)
+        say_and_log(text(Text::backup_failed).arg(sentence(*no_copy)),
+                    no_copy->subject + u": "_qs + no_copy->detail);
+    if (!trouble) return no_copy.has_value();
     if (trouble->kind == store::Failure::replaced && !database_.Connection_Active()) {
         Refresh_Sets(); // the library is closed: nothing of it stays in view
     }

@@ -4,7 +4,7 @@
 #include "app/sequences.h"
 #include "platform/desktop/desktop.h"
 #include "platform/files/disk.h"
-#include "store/clsDBConn.h"
+#include "store/undo_history.h"
 #include "ui/main/cv_panel.h"
 
 #include <QMainWindow>
@@ -13,6 +13,12 @@
 
 class QLabel;
 class QMenu;
+
+namespace store {
+class Backups;
+struct Paste_Report;
+struct Pasted;
+} // namespace store
 
 namespace vqx_export {
 enum class File_Type;
@@ -24,6 +30,7 @@ class Main_Form;
 class Status_Line;
 struct Menu_Entry;
 class frm_get_2_string;
+enum class Text;
 
 /// The program's only top-level window: the sets of the open library, the CVs and scripts of the
 /// selected one, and the menus through which everything else is reached.
@@ -46,6 +53,9 @@ public:
     void Delete_Set(std::int32_t SetID);
     void Show_Page_Fields(bool visible);
 
+    app::Window_Place place() override;
+    void move_to(const app::Window_Place& place) override;
+    void default_database_made() override;
     void Open_Database() override;
     void Redraw_Script_List() override;
     void Fill_Last_Files_Menu() override;
@@ -58,6 +68,7 @@ public:
     bool say_trouble() override;
 
 protected:
+    void changeEvent(QEvent* event) override;
     void closeEvent(QCloseEvent* event) override;
 
 private:
@@ -80,6 +91,7 @@ private:
     // menus.cpp
     static const std::vector<Menu_Entry>& menu_entries();
     void build_menus();
+    void build_extras();
     void enable_commands();
 
     // set_commands.cpp
@@ -89,6 +101,31 @@ private:
     void delete_set_at_once();
     QString with_cut(const QString& sentence, const frm_get_2_string& dialog) const;
     QString shown_set() const; ///< the selected entry of the set list
+
+    // clipboard_commands.cpp
+    void copy_cvs();
+    void copy_set();
+    void copy_listing();
+    void paste_cvs();
+    void paste_set();
+    void put_on_clipboard(const desktop::Clipboard& content, const QString& sentence);
+    /// Loads the whole library into SetsObj. @return the selected set in it; nullptr: why is said
+    const store::cls_CV_Set* load_selected_set();
+    void paste(const store::Pasted& pasted);
+    static QString sentence_on(const store::Pasted& pasted, const store::Paste_Report& report);
+
+    // extras_commands.cpp
+    void settings();
+    void undo();
+    void redo();
+    void go_through_history(const store::Undo_Result& result, Text done, Text nothing);
+    void show_set(std::int32_t SetID);
+    void name_steps(bool menu_open);
+    void restore_backup();
+    store::Backups& backups(); ///< made when the folders are known
+
+    // window_events.cpp
+    void refill_if_changed();
 
     // file_commands.cpp
     void open_database();
@@ -111,7 +148,15 @@ private:
     QMenu* mnu_open_last_ = nullptr;
     QMenu* mnu_cv_set_ = nullptr;
     QMenu* mnu_copymenu_ = nullptr;
-    int family_ = 0; ///< 0 QR, 1 QD
+    QMenu* menu_extras_ = nullptr;
+    QAction* mnu_undo_ = nullptr;
+    QAction* mnu_redo_ = nullptr;
+    store::Undo_History history_;
+    std::unique_ptr<store::Backups> backups_;
+    app::Twips stored_left_; ///< of the settings
+    app::Twips stored_top_;
+    std::uint64_t shown_state_ = 0; ///< of the library, when the lists were last compared with it
+    int family_ = 0;                ///< 0 QR, 1 QD
     bool redrawing_scripts_ = false;
     bool unloaded_ = false;
 };

@@ -9,6 +9,7 @@
 #include <QToolTip>
 #include <algorithm>
 #include <array>
+#include <set>
 #include <utility>
 
 namespace ui_main {
@@ -108,6 +109,22 @@ std::int32_t Entry_List::selected_key() const {
     return is_selected(current_row()) ? key(current_row()) : 0;
 }
 
+std::vector<std::int32_t> Entry_List::selected_keys() const {
+    std::vector<std::int32_t> keys;
+    for (const int row : selected_rows()) keys.push_back(key(row));
+    return keys;
+}
+
+void Entry_List::select_keys(const std::vector<std::int32_t>& keys, std::int32_t current) {
+    if (const auto row = row_of(current))
+        selectionModel()->setCurrentIndex(model_.index(*row), QItemSelectionModel::NoUpdate);
+    const std::set<std::int32_t> wanted(keys.begin(), keys.end());
+    QItemSelection selection;
+    for (int row = 0; row < count(); ++row)
+        if (wanted.contains(key(row))) selection.select(model_.index(row), model_.index(row));
+    selectionModel()->select(selection, QItemSelectionModel::ClearAndSelect);
+}
+
 void Entry_List::select_row(int row) {
     selectionModel()->setCurrentIndex(model_.index(row), QItemSelectionModel::ClearAndSelect);
     scrollTo(currentIndex());
@@ -127,7 +144,9 @@ void Entry_List::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Delete) {
         Q_EMIT delete_pressed();
     } else if (event->matches(QKeySequence::Copy)) {
-        event->ignore(); // the view would put the text of one row on the clipboard
+        Q_EMIT copy_pressed();
+    } else if (event->matches(QKeySequence::Paste)) {
+        Q_EMIT paste_pressed();
     } else {
         QListView::keyPressEvent(event);
         if (is_plain_way(*event) && currentIndex().isValid()) Q_EMIT chosen();

@@ -50,6 +50,10 @@ public:
     /// Key of the current row if it is selected, else 0.
     std::int32_t selected_key() const;
 
+    std::vector<std::int32_t> selected_keys() const; ///< from the top
+    /// Selects the rows with these keys that are there, and gives the keyboard's place to another.
+    void select_keys(const std::vector<std::int32_t>& keys, std::int32_t current);
+
     /// Selects this row alone and brings it into view.
     void select_row(int row);
     /// Gives the row the keyboard's place and brings it into view, with nothing selected.
@@ -61,6 +65,8 @@ Q_SIGNALS:
     /// The user clicked an entry or went to one with a plain arrow key.
     void chosen();
     void delete_pressed();
+    void copy_pressed();
+    void paste_pressed();
     void context_menu_wanted(const QPoint& global_place);
 
 protected:

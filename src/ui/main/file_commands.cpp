@@ -2,6 +2,7 @@
 #include "export/export_project.h"
 #include "platform/files/replace.h"
 #include "scripts/cls_Script_Sets.h"
+#include "store/backups.h"
 #include "ui/main/Frm_Main.h"
 #include "ui/main/main_form.h"
 #include "ui/main/project_texts.h"
@@ -41,18 +42,29 @@ void Frm_Main::Open_Database() {
     const QString path = app::current_database();
     app::Add_Last_File(path);
     Fill_Last_Files_Menu();
+    backups();
+    database_.take_trouble(); // of what was done before
     database_.Connection_Start(path);
     const std::optional<store::Trouble> trouble = database_.take_trouble();
     Refresh_Sets();
-    if (database_.Connection_Active())
+    const bool of_another_kind = trouble && trouble->kind == store::Failure::not_found;
+    if (database_.Connection_Active() && (database_.is_library() || of_another_kind))
         say_opening();
     else if (trouble)
         say(sentence(*trouble));
     say_and_log(status(), trouble ? path + u": "_qs + trouble->detail : path);
+    database_.take_trouble(); // a database of another kind has no sets to count; that is said
+    shown_state_ = database_.change_count().value_or(0);
 }
+
+void Frm_Main::default_database_made() { backups().made_now(app::current_database()); }
 
 void Frm_Main::say_opening() {
     const store::Opening opening = database_.opening();
+    if (!database_.is_library()) {
+        say(text(Text::opened_without_sets).arg(app::globals.Database_File));
+        return;
+    }
     QStringList parts{
         text(Text::opened).arg(app::globals.Database_File).arg(database_.Get_Anz_CVSets())};
     if (!database_.writable()) {
@@ -66,6 +78,8 @@ void Frm_Main::say_opening() {
     append_count(parts, Text::sets_in_no_view, database_.sets_in_no_view());
     append_count(parts, Text::sets_completed, database_.sets_completed_in_memory());
     append_count(parts, Text::script_states_left_out, database_.script_states_left_out());
+    if (const auto no_copy = backups().take_trouble())
+        parts.append(text(Text::backup_failed).arg(sentence(*no_copy)));
     say(parts.join(u' '));
 }
 
@@ -104,7 +118,9 @@ bool Frm_Main::make_database(const QString& path) {
     const bool over_itself = database_.Connection_Active() && path == app::current_database();
     if (over_itself) database_.Connection_Close();
     try {
+        if (app::FileExists(disk_, path)) backups().keep_copy(path);
         files::copy_file(disk_, app::globals.EmptyDBTemplate.toStdString(), path.toStdString());
+        backups().made_now(path);
         return true;
     } catch (const files::Error& error) {
         if (over_itself) Open_Database();

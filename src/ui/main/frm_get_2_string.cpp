@@ -1,5 +1,6 @@
 #include "ui/main/frm_get_2_string.h"
 
+#include "store/set_name.h"
 #include "ui/main/number_field.h"
 #include "ui/main/texts.h"
 
@@ -7,19 +8,6 @@
 #include <QHBoxLayout>
 
 namespace ui_main {
-namespace {
-
-// One line, as a name in a list must be, and no longer than the column. A character of two units
-// is not cut in half.
-QString fitted(QString name, int width) {
-    name.replace(u'\r', u' ').replace(u'\n', u' ');
-    if (name.size() <= width) return name;
-    name.truncate(width);
-    if (!name.isEmpty() && name.back().isHighSurrogate()) name.chop(1);
-    return name;
-}
-
-} // namespace
 
 frm_get_2_string::frm_get_2_string(QWidget* parent, int name_width)
     : QDialog(parent), Label1(new QLabel(text(Text::new_set_name), this)),
@@ -72,7 +60,7 @@ void frm_get_2_string::set_texts(const QString& caption, const QString& name,
 
 void frm_get_2_string::keep_width() {
     const QString given = Text1->text();
-    const QString name = fitted(given, name_width_);
+    const QString name = store::fitted_name(given, name_width_);
     if (name == given) return;
     const int cursor = Text1->cursorPosition();
     if (name.size() < given.size()) {

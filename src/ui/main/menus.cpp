@@ -18,7 +18,8 @@ constexpr Menu menus[] = {
     {"mnu_datei", u"&Datei", true},
     {"mnu_cv_set", u"&CV Set", true},
     {"mxu_FENTO", u"&FENTO", true},
-    {"mnu_copymenu", u"Copy", false}, // pops up on the CV list only
+    {"mnu_copymenu", u"Copy", false},  // pops up on the CV list only
+    {"mnu_extras", u"E&xtras", false}, // comes last into the bar
 };
 
 // A menu with its name on both faces: the menu itself and the entry that opens it.
@@ -50,15 +51,19 @@ const std::vector<Menu_Entry>& Frm_Main::menu_entries() {
         {"mnu_cv_set", "mnu_cvset_hinzu", u"&Hinzufügen", &Frm_Main::add_set},
         {"mnu_cv_set", "mnu_cvset_rename", u"&Umbenennen (Doppelklick)", &Frm_Main::rename_set},
         {"mnu_cv_set", "mnu_cvset_del", u"&Löschen (Entf)", &Frm_Main::delete_set},
-        {"mnu_cv_set", "mnu_cvset_copy", u"&Kopieren"},
-        {"mnu_cv_set", "mnu_cvset_paste", u"&Einfügen"},
-        {"mnu_cv_set", "mnu_cvset_export_txt", u"In &Zwischenablage"},
+        {"mnu_cv_set", "mnu_cvset_copy", u"&Kopieren", &Frm_Main::copy_set},
+        {"mnu_cv_set", "mnu_cvset_paste", u"&Einfügen", &Frm_Main::paste_set},
+        {"mnu_cv_set", "mnu_cvset_export_txt", u"In &Zwischenablage", &Frm_Main::copy_listing},
         {"mxu_FENTO", "mnu_CVSet_Laden", u"&Gewähltes CV-Set in QD-Decoder laden", nullptr,
          Family::qd},
         {"mxu_FENTO", "mnu_get_decodertyp", u"&Decodertyp abfragen", nullptr, Family::qd},
-        {"mnu_copymenu", "mnu_copy", u"&Kopieren"},
-        {"mnu_copymenu", "mnu_paste", u"&Einfügen"},
-        {"", "mnu_einstellungen", u"&Einstellungen"},
+        {"mnu_copymenu", "mnu_copy", u"&Kopieren", &Frm_Main::copy_cvs},
+        {"mnu_copymenu", "mnu_paste", u"&Einfügen", &Frm_Main::paste_cvs},
+        {"", "mnu_einstellungen", u"&Einstellungen", &Frm_Main::settings},
+        {"mnu_extras", "mnu_undo", u"&Rückgängig", &Frm_Main::undo},
+        {"mnu_extras", "mnu_redo", u"&Wiederholen", &Frm_Main::redo},
+        {"mnu_extras", "nix3", u""},
+        {"mnu_extras", "mnu_restore", u"&Sicherung wiederherstellen", &Frm_Main::restore_backup},
     };
     return entries;
 }
@@ -79,13 +84,26 @@ void Frm_Main::build_menus() {
         auto* action = new QAction(QString::fromUtf16(entry.caption), this);
         action->setObjectName(QString::fromLatin1(entry.name));
         action->setSeparator(action->text().isEmpty());
+        action->setData(action->text()); // for entries that change theirs
         if (entry.run != nullptr) connect(action, &QAction::triggered, this, entry.run);
         place->addAction(action);
     }
     mnu_cv_set_ = findChild<QMenu*>(QStringLiteral("mnu_cv_set"));
     mnu_copymenu_ = findChild<QMenu*>(QStringLiteral("mnu_copymenu"));
+    build_extras();
     Fill_Last_Files_Menu();
     enable_commands();
+}
+
+void Frm_Main::build_extras() {
+    menu_extras_ = findChild<QMenu*>(QStringLiteral("mnu_extras"));
+    menuBar()->addMenu(menu_extras_);
+    mnu_undo_ = findChild<QAction*>(QStringLiteral("mnu_undo"));
+    mnu_redo_ = findChild<QAction*>(QStringLiteral("mnu_redo"));
+    mnu_undo_->setShortcut(Qt::CTRL | Qt::Key_Z);
+    mnu_redo_->setShortcut(Qt::CTRL | Qt::SHIFT | Qt::Key_Z);
+    connect(menu_extras_, &QMenu::aboutToShow, this, [this] { name_steps(true); });
+    connect(menu_extras_, &QMenu::aboutToHide, this, [this] { name_steps(false); });
 }
 
 void Frm_Main::enable_commands() {

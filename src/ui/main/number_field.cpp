@@ -1,6 +1,7 @@
 #include "ui/main/number_field.h"
 
 #include <QFocusEvent>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QValidator>
 #include <algorithm>
@@ -61,6 +62,20 @@ int Number_Field::number() const { return leading_number(text()); }
 void Number_Field::take_focus() {
     setFocus();
     selectAll();
+}
+
+// A field with nothing of its own to take back leaves these keys to the window.
+bool Number_Field::event(QEvent* event) {
+    if (event->type() == QEvent::ShortcutOverride) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        const bool to_window = (key->matches(QKeySequence::Undo) && !isUndoAvailable()) ||
+                               (key->matches(QKeySequence::Redo) && !isRedoAvailable());
+        if (to_window) {
+            event->ignore();
+            return true;
+        }
+    }
+    return QLineEdit::event(event);
 }
 
 void Number_Field::focusInEvent(QFocusEvent* event) {

@@ -22,6 +22,7 @@ Q_SIGNALS:
     void too_high(int highest);
 
 protected:
+    bool event(QEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
 

@@ -54,6 +54,8 @@ constexpr Entry table[] = {
     {Text::number_too_high, u"Die Set-Nummer geht bis %1."},
 
     {Text::opened, u"„%1“ geöffnet, CV-Sets: %2."},
+    {Text::opened_without_sets,
+     u"„%1“ geöffnet; die Datei enthält keine CV-Sets (andere Art von Datenbank)."},
     {Text::recovered, u"Eine unterbrochene Änderung wurde zurückgenommen."},
     {Text::journal_set_aside, u"Ein fremdes Änderungsprotokoll liegt jetzt unter „%1“."},
     {Text::ldb_beside, u"Vielleicht hat auch ein anderes Programm die Datei offen (.ldb)."},
@@ -86,6 +88,41 @@ constexpr Entry table[] = {
     {Text::reason_denied, u"In diesem Ordner darf nicht geschrieben werden."},
     {Text::reason_full, u"Der Datenträger ist voll."},
     {Text::reason_other, u"Der Ordner ist nicht benutzbar."},
+
+    {Text::nothing_selected_to_copy, u"Es ist keine CV gewählt; nichts kopiert."},
+    {Text::set_gone, u"CV-Set „%1“ ist nicht mehr vorhanden."},
+    {Text::cvs_copied, u"Kopierte CVs: %1."},
+    {Text::set_copied, u"CV-Set „%1“ kopiert."},
+    {Text::listing_copied, u"CV-Set „%1“ als Text in die Zwischenablage gelegt."},
+    {Text::clipboard_refused, u"Die Zwischenablage hat den Text nicht angenommen."},
+    {Text::clipboard_empty, u"In der Zwischenablage ist kein Text."},
+    {Text::nothing_to_paste, u"In der Zwischenablage ist nichts, was hier eingefügt werden kann."},
+    {Text::cvs_pasted, u"Eingefügte CVs: %1."},
+    {Text::sets_pasted, u"Eingefügte CV-Sets: %1, CVs: %2."},
+    {Text::lines_skipped, u"Unlesbare Zeilen: %1, deshalb ausgelassene CVs oder Sets: %2."},
+    {Text::cvs_without_set, u"Ausgelassene CVs, weil kein CV-Set gewählt ist: %1."},
+    {Text::names_cut, u"Auf die Spaltenbreite gekürzte Namen: %1."},
+
+    {Text::step_undone, u"Rückgängig: %1"},
+    {Text::step_redone, u"Wiederholt: %1"},
+    {Text::nothing_to_undo, u"Es gibt nichts rückgängig zu machen."},
+    {Text::nothing_to_redo, u"Es gibt nichts zu wiederholen."},
+    {Text::step_changed_elsewhere, u"„%1“ lässt sich nicht mehr umkehren: Ein anderes Programm hat "
+                                   u"diese Daten inzwischen geändert."},
+
+    {Text::backup_failed, u"Es konnte keine Sicherung angelegt werden: %1"},
+    {Text::backups_title, u"Sicherungen von „%1“"},
+    {Text::backups_hint, u"Die gewählte Sicherung tritt an die Stelle der Datenbank. Der jetzige "
+                         u"Stand wird vorher selbst gesichert."},
+    {Text::backups_none, u"Von „%1“ gibt es keine Sicherungen."},
+    {Text::backup_date, u"Stand vom"},
+    {Text::backup_sets, u"CV-Sets"},
+    {Text::backup_unreadable, u"nicht lesbar"},
+    {Text::backup_restore, u"Wiederherstellen"},
+    {Text::backup_cancel, u"Abbrechen"},
+    {Text::backup_restored, u"Die Sicherung vom %1 ist wiederhergestellt."},
+    {Text::backup_not_restored, u"Die Sicherung wurde nicht wiederhergestellt: %1"},
+    {Text::settings_not_saved, u"Die Einstellungen konnten nicht gespeichert werden."},
 
     {Text::project_written, u"„%1“ gespeichert: CV-Sets %2, davon mit Scripten %3."},
     {Text::project_left_out_cvs, u"Nicht darstellbare CVs, weggelassen: %1."},
@@ -122,6 +159,26 @@ constexpr Trouble_Entry troubles[] = {
     {store::Failure::refused, u"Die Datenbank nimmt diese Angaben nicht an („%1“)."},
 };
 
+struct Step_Words {
+    store::Undo_Kind kind;
+    const char16_t* one;  ///< %1 name or number
+    const char16_t* many; ///< %1 how many
+};
+
+constexpr Step_Words steps[] = {
+    {store::Undo_Kind::sets_added, u"CV-Set „%1“ hinzugefügt", u"%1 CV-Sets hinzugefügt"},
+    {store::Undo_Kind::sets_deleted, u"CV-Set „%1“ gelöscht", u"%1 CV-Sets gelöscht"},
+    {store::Undo_Kind::sets_renamed, u"CV-Set „%1“ umbenannt", u"%1 CV-Sets umbenannt"},
+    {store::Undo_Kind::cvs_stored, u"CV %1 gespeichert", u"%1 CVs gespeichert"},
+    {store::Undo_Kind::cvs_deleted, u"CV %1 gelöscht", u"%1 CVs gelöscht"},
+    {store::Undo_Kind::scripts_added, u"Script „%1“ hinzugefügt", u"%1 Scripte hinzugefügt"},
+    {store::Undo_Kind::scripts_deleted, u"Script „%1“ gelöscht", u"%1 Scripte gelöscht"},
+    {store::Undo_Kind::scripts_renamed, u"Script „%1“ umbenannt", u"%1 Scripte umbenannt"},
+    {store::Undo_Kind::scripts_saved, u"Script-Zeilen gespeichert",
+     u"Zeilen von %1 Scripten gespeichert"},
+    {store::Undo_Kind::several, u"eine Änderung", u"%1 Änderungen"},
+};
+
 } // namespace
 
 QString text(Text which) {
@@ -142,6 +199,19 @@ QString sentence(const store::Trouble& trouble) {
         return form.contains(u"%1") ? form.arg(app::FileOf(trouble.subject)) : form;
     }
     return trouble.detail;
+}
+
+QString sentence(const store::Undo_Name& step) {
+    QString said;
+    for (const Step_Words& words : steps) {
+        if (words.kind != step.kind) continue;
+        said = QString::fromUtf16(step.count == 1 ? words.one : words.many);
+        if (said.contains(u"%1"))
+            said.replace(u"%1"_qs, step.count == 1 ? step.subject : QString::number(step.count));
+    }
+    if (step.cvs == 1) said += u" (mit 1 CV)"_qs;
+    if (step.cvs > 1) said += u" (mit %1 CVs)"_qs.arg(step.cvs);
+    return said;
 }
 
 QString reason(files::Failure failure) {

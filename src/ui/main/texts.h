@@ -2,6 +2,7 @@
 
 #include "platform/files/disk.h"
 #include "store/trouble.h"
+#include "store/undo_name.h"
 
 #include <QString>
 
@@ -49,9 +50,10 @@ enum class Text {
     name_cut,        ///< %1 characters
     number_too_high, ///< %1 highest
 
-    opened,            ///< %1 file, %2 number of sets
-    recovered,         ///< an interrupted change was undone
-    journal_set_aside, ///< %1 file
+    opened,              ///< %1 file, %2 number of sets
+    opened_without_sets, ///< %1 file
+    recovered,           ///< an interrupted change was undone
+    journal_set_aside,   ///< %1 file
     ldb_beside,
     sets_in_no_view,        ///< %1 sets
     sets_completed,         ///< %1 sets
@@ -82,6 +84,39 @@ enum class Text {
     reason_full,
     reason_other,
 
+    nothing_selected_to_copy,
+    set_gone,       ///< %1 number and name
+    cvs_copied,     ///< %1 CVs
+    set_copied,     ///< %1 number and name
+    listing_copied, ///< %1 number and name
+    clipboard_refused,
+    clipboard_empty,
+    nothing_to_paste,
+    cvs_pasted,      ///< %1 CVs
+    sets_pasted,     ///< %1 sets, %2 CVs
+    lines_skipped,   ///< %1 lines, %2 CVs or sets
+    cvs_without_set, ///< %1 CVs
+    names_cut,       ///< %1 names
+
+    step_undone, ///< %1 step
+    step_redone, ///< %1 step
+    nothing_to_undo,
+    nothing_to_redo,
+    step_changed_elsewhere, ///< %1 step
+
+    backup_failed, ///< %1 reason
+    backups_title, ///< %1 file
+    backups_hint,
+    backups_none, ///< %1 file
+    backup_date,
+    backup_sets,
+    backup_unreadable,
+    backup_restore,
+    backup_cancel,
+    backup_restored,     ///< %1 date
+    backup_not_restored, ///< %1 reason
+    settings_not_saved,
+
     project_written,          ///< %1 file, %2 sets, %3 sets with scripts
     project_left_out_cvs,     ///< %1 CVs
     project_left_out_scripts, ///< %1 scripts
@@ -98,6 +133,8 @@ QString sentence(const store::Trouble& trouble);
 /// The sentence about a default or new database that could not be made.
 /// @param template_path an error about this file is about a missing template
 QString sentence(const files::Error& error, const QString& database, const QString& template_path);
+/// What a step has done: "14 CVs gelöscht".
+QString sentence(const store::Undo_Name& step);
 /// Why a file could not be written, as the end of a sentence.
 QString reason(files::Failure failure);
 /// Why a library cannot be changed, as the end of a sentence.
