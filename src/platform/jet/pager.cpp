@@ -198,8 +198,7 @@ Page File_Pager::read_from_file(Page_Number number) {
 Page File_Pager::read(Page_Number number) {
     check_number(number);
     const auto found = changed_.find(number);
-    // A copy, because whoever holds the span from change() may go on writing to it.
-    if (found != changed_.end()) return std::make_shared<Page_Bytes>(*found->second.after);
+    if (found != changed_.end()) return found->second.after;
     return read_from_file(number);
 }
 
@@ -214,7 +213,10 @@ std::span<std::byte> File_Pager::change(Page_Number number) {
                 .try_emplace(number, Changed_Page{before, std::make_shared<Page_Bytes>(*before)})
                 .first;
     }
-    return *found->second.after;
+    auto& after = found->second.after;
+    if (after.use_count() > 1) // whoever holds the page goes on seeing it as it was
+        after = std::make_shared<Page_Bytes>(*after);
+    return *after;
 }
 
 Page_Number File_Pager::append() {

@@ -59,7 +59,8 @@ public:
     virtual bool in_write() const = 0;
     /// Throws jet::Error (damaged) for a page beyond the end of the file.
     virtual Page read(Page_Number number) = 0;
-    /// The page for changing in place; valid until commit or rollback.
+    /// The page for changing in place, until it is read or changed again, or the transaction ends:
+    /// a page that was read in between must not change under its holder.
     virtual std::span<std::byte> change(Page_Number number) = 0;
     /// Lengthens the file by one page of zeros. @return its number.
     virtual Page_Number append() = 0;

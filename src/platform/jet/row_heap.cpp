@@ -13,8 +13,8 @@ constexpr std::size_t worth_trying = 512;
 /// A page of map entries that are wrong is damage; it must not be written to.
 std::optional<Row_Pointer> Row_Heap::try_page(Page_Number page, std::span<const std::byte> row,
                                               Slot_Kind kind) {
-    const Data_Page data(*pager_, jet4_layout, page);
-    if (data.owner() != owner_) throw damaged(page, "is in a map to which it does not belong");
+    if (Data_Page(*pager_, jet4_layout, page).owner() != owner_)
+        throw damaged(page, "is in a map to which it does not belong");
     Page_Editor editor(*pager_, page);
     if (const auto slot = editor.add(row, kind)) return Row_Pointer{page, *slot};
     if (editor.free_bytes() < worth_trying) free_.remove(page);

@@ -228,7 +228,8 @@ void Usage_Map::add_reference(std::size_t span, const Growth& growth) {
     if (growth.global)
         for (std::size_t bit = 0; bit < each && span * each + bit < pager_->page_count(); ++bit)
             set_bit(page.subspan(bit_page_header), bit, false);
-    store_u32(&pager_->change(place_.page)[reference_place(span)], number);
+    const std::size_t place = reference_place(span);
+    store_u32(&pager_->change(place_.page)[place], number);
     // where the global map does not reach this page yet, it is in use for lack of a bit
     if (growth.global) set(number, false);
 }

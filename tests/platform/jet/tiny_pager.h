@@ -40,13 +40,13 @@ public:
     bool in_write() const override { return true; }
     jet::Page read(jet::Page_Number number) override {
         if (number >= pages_.size()) throw jet::damaged(number, "it lies beyond the end");
-        // whoever holds the span from change() may go on writing to it
-        if (changed.contains(number)) return std::make_shared<jet::Page_Bytes>(*pages_[number]);
         return pages_[number];
     }
+    /// Each time another piece of memory: whoever writes where he may no longer write is found out.
     std::span<std::byte> change(jet::Page_Number number) override {
         auto& page = pages_.at(number);
-        if (changed.insert(number).second) page = std::make_shared<jet::Page_Bytes>(*page);
+        changed.insert(number);
+        page = std::make_shared<jet::Page_Bytes>(*page);
         return *page;
     }
     jet::Page_Number append() override {
