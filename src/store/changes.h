@@ -3,6 +3,7 @@
 #include "platform/ado/value.h"
 
 #include <cstdint>
+#include <set>
 #include <vector>
 
 namespace store {
@@ -23,6 +24,9 @@ struct Row_Change {
 /// Everything that one outermost operation changed, in the order in which it happened.
 struct Change_Record {
     std::vector<Row_Change> rows;
+    /// CVs that stand in the places of deleted ones, by CVID: libraries of other programs may hold
+    /// a CV twice.
+    std::set<std::int32_t> doubles;
     /// Nobody asked for it: listing stored numbers and reset CVs that were missing.
     bool upkeep = false;
 };

@@ -85,7 +85,10 @@ bool clsDBConn::Inside::end(bool keep) {
     spoiled = spoiled || !keep;
     if (--depth > 0) return !spoiled;
     bool kept = !std::exchange(spoiled, false) && transaction.has_value();
-    if (kept && !record.rows.empty()) keep_copy();
+    if (kept && !record.rows.empty()) {
+        keep_copy();
+        note_doubles();
+    }
     try {
         if (kept) transaction->commit();
     } catch (const ado::Error& error) {

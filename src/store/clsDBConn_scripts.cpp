@@ -109,7 +109,7 @@ bool clsDBConn::Inside::changing_script(std::int32_t position,
                                         const std::function<void(scripts::cls_script&)>& work) {
     return changing_current_set([&] {
         if (!scripts::AktScripts().exists(position)) throw gone(u"script"_s, position);
-        work(*scripts::AktScripts().Item(position));
+        whole([&] { work(*scripts::AktScripts().Item(position)); });
     });
 }
 

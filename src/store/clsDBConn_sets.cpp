@@ -243,9 +243,11 @@ bool clsDBConn::DB_Del_CVSet(std::int32_t SetID) {
     Inside& inside = *inside_;
     const bool done = inside.changing([&] {
         inside.refuse_if_referred(SetID);
-        inside.delete_scripts_of(SetID);
-        inside.delete_rows(u"SELECT * FROM CVs WHERE SetID = "_s + QString::number(SetID));
-        inside.delete_rows(one_set(SetID));
+        inside.whole([&] {
+            inside.delete_scripts_of(SetID);
+            inside.delete_rows(u"SELECT * FROM CVs WHERE SetID = "_s + QString::number(SetID));
+            inside.delete_rows(one_set(SetID));
+        });
     });
     if (done) inside.akt_set = 0;
     return done;

@@ -2,6 +2,7 @@
 
 #include "store/clsDBConn_inside.h"
 
+#include <map>
 #include <set>
 #include <tuple>
 #include <utility>
@@ -12,7 +13,7 @@ namespace store {
 
 namespace {
 
-using Keys = std::set<std::int32_t>;
+using Key_Set = std::set<std::int32_t>;
 
 ado::Error differs(const QString& table, std::int32_t key) {
     return {ado::Failure::refused, table + QLatin1Char(' ') + QString::number(key),
@@ -33,16 +34,16 @@ ado::Row differing_cells(const Row_Change& change) {
 }
 
 /// Values of a column in the rows of a table that come back.
-Keys coming_back(const std::vector<Row_Change>& changes, Table table, const QString& column) {
-    Keys found;
+Key_Set coming_back(const std::vector<Row_Change>& changes, Table table, const QString& column) {
+    Key_Set found;
     for (const Row_Change& change : changes)
         if (change.table == table && change.before.empty())
             found.insert(number_in(change.after, column));
     return found;
 }
 
-Keys going(const std::vector<Row_Change>& changes, Table table) {
-    Keys found;
+Key_Set going(const std::vector<Row_Change>& changes, Table table) {
+    Key_Set found;
     for (const Row_Change& change : changes)
         if (change.table == table && change.after.empty()) found.insert(change.key);
     return found;
@@ -55,8 +56,33 @@ public:
     using Query = std::function<ado::Recordset&(const QString& sql, std::vector<QString> wanted)>;
     explicit Surroundings(Query query) : query_(std::move(query)) {}
 
-    void check(const std::vector<Row_Change>& changes) {
-        Keys sets = coming_back(changes, Table::CVs, u"SetID"_s);
+    /// CVs that stand in the places of those that come back and are none of them, by CVID.
+    Key_Set in_places(const std::vector<Row_Change>& changes) {
+        const Key_Set own = coming_back(changes, Table::CVs, u"CVID"_s);
+        std::map<std::int32_t, std::set<Place>> sets;
+        for (const Row_Change& change : changes) {
+            if (change.table != Table::CVs || !change.before.empty()) continue;
+            const auto at = [&](const QString& column) { return number_in(change.after, column); };
+            sets[at(u"SetID"_s)].insert({at(u"CVPageHi"_s), at(u"CVPageLo"_s), at(u"CVNr"_s)});
+        }
+        Key_Set found;
+        for (const auto& [set, places] : sets) {
+            auto& cvs = rows(u"CVs"_s, u"SetID"_s, set,
+                             {u"CVID"_s, u"CVPageHi"_s, u"CVPageLo"_s, u"CVNr"_s});
+            for (; !cvs.at_end(); cvs.move_next()) {
+                const auto at = [&](QStringView column) { return cvs.number(column).value_or(0); };
+                const std::int32_t key = at(u"CVID");
+                if (!own.contains(key) &&
+                    places.contains({at(u"CVPageHi"), at(u"CVPageLo"), at(u"CVNr")}))
+                    found.insert(key);
+            }
+        }
+        return found;
+    }
+
+    /// @param doubles met by CVs that come back, and not somebody else's
+    void check(const std::vector<Row_Change>& changes, const Key_Set& doubles) {
+        Key_Set sets = coming_back(changes, Table::CVs, u"SetID"_s);
         sets.merge(coming_back(changes, Table::Scripte, u"SetID"_s));
         for (const std::int32_t set : sets) need(u"Sets"_s, u"SetID"_s, set);
         for (const std::int32_t set : going(changes, Table::Sets)) {
@@ -66,7 +92,8 @@ public:
         for (const std::int32_t script : going(changes, Table::Scripte))
             need_none(u"Scriptstates"_s, u"ScriptID"_s, script);
         check_states(changes);
-        check_places(changes);
+        for (const std::int32_t met : in_places(changes))
+            if (!doubles.contains(met)) throw differs(u"CVs"_s, met);
     }
 
 private:
@@ -87,7 +114,7 @@ private:
 
     /// The states of a script come and go together: others in between would be somebody else's.
     void check_states(const std::vector<Row_Change>& changes) {
-        const Keys own = coming_back(changes, Table::Scriptstates, u"SSID"_s);
+        const Key_Set own = coming_back(changes, Table::Scriptstates, u"SSID"_s);
         for (const std::int32_t script : coming_back(changes, Table::Scriptstates, u"ScriptID"_s)) {
             need(u"Scripte"_s, u"ScriptID"_s, script);
             auto& states = rows(u"Scriptstates"_s, u"ScriptID"_s, script, {u"SSID"_s});
@@ -97,32 +124,15 @@ private:
         }
     }
 
-    /// A CV that comes back must not meet a younger one in its place. Older ones were there before:
-    /// libraries of other programs may hold a CV twice.
-    void check_places(const std::vector<Row_Change>& changes) {
-        const Keys own = coming_back(changes, Table::CVs, u"CVID"_s);
-        std::map<std::int32_t, std::map<Place, std::int32_t>> sets;
-        for (const Row_Change& change : changes) {
-            if (change.table != Table::CVs || !change.before.empty()) continue;
-            const auto at = [&](const QString& column) { return number_in(change.after, column); };
-            sets[at(u"SetID"_s)][{at(u"CVPageHi"_s), at(u"CVPageLo"_s), at(u"CVNr"_s)}] =
-                change.key;
-        }
-        for (const auto& [set, places] : sets) {
-            auto& cvs = rows(u"CVs"_s, u"SetID"_s, set,
-                             {u"CVID"_s, u"CVPageHi"_s, u"CVPageLo"_s, u"CVNr"_s});
-            for (; !cvs.at_end(); cvs.move_next()) {
-                const auto at = [&](QStringView column) { return cvs.number(column).value_or(0); };
-                const auto met = places.find({at(u"CVPageHi"), at(u"CVPageLo"), at(u"CVNr")});
-                const std::int32_t key = at(u"CVID");
-                if (met != places.end() && key > met->second && !own.contains(key))
-                    throw differs(u"CVs"_s, met->second);
-            }
-        }
-    }
-
     Query query_;
 };
+
+template <class Inside>
+Surroundings surroundings(Inside& inside) {
+    return Surroundings([&inside](const QString& sql, std::vector<QString> wanted) -> auto& {
+        return inside.query(sql, std::move(wanted));
+    });
+}
 
 } // namespace
 
@@ -144,16 +154,30 @@ void clsDBConn::Inside::replay(const Row_Change& change) {
     if (record.rows.back().after != change.after) throw differs(table, change.key);
 }
 
-Replayed clsDBConn::replay(const std::vector<Row_Change>& changes) {
+/// Asked before the commit: nobody else can have put a CV into the places since the deletion.
+void clsDBConn::Inside::note_doubles() {
+    std::vector<Row_Change> deleted;                      // turned round: as they would come back
+    const Key_Set sets = going(record.rows, Table::Sets); // which take all of their CVs along
+    for (const Row_Change& change : record.rows)
+        if (change.table == Table::CVs && change.after.empty() &&
+            !sets.contains(number_in(change.before, u"SetID"_s)))
+            deleted.push_back({change.table, change.key, {}, change.before});
+    if (deleted.empty() || listener == nullptr) return;
+    try {
+        record.doubles = surroundings(*this).in_places(deleted);
+    } catch (const ado::Error&) {
+        // Then bringing them back is refused; no reason to refuse the deletion.
+    }
+}
+
+Replayed clsDBConn::replay(const std::vector<Row_Change>& changes,
+                           const std::set<std::int32_t>& doubles) {
     Inside& inside = *inside_;
     if (!inside.begin()) return Replayed::failed;
     Replayed result = Replayed::done;
     try {
         for (const Row_Change& change : changes) inside.replay(change);
-        const auto query = [&](const QString& sql, std::vector<QString> wanted) -> auto& {
-            return inside.query(sql, std::move(wanted));
-        };
-        Surroundings(query).check(changes);
+        surroundings(inside).check(changes, doubles);
     } catch (const ado::Error& error) {
         inside.note(error);
         result = Inside::is_refusal(error.kind) ? Replayed::differs : Replayed::failed;

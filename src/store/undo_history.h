@@ -5,7 +5,9 @@
 
 #include <QSet>
 
+#include <cstdint>
 #include <optional>
+#include <set>
 #include <vector>
 
 namespace store {
@@ -54,6 +56,7 @@ private:
     struct Step {
         Undo_Name name;
         std::vector<Row_Change> changes;
+        std::set<std::int32_t> doubles; ///< see Change_Record
         void turn_round();
     };
     using Steps = std::vector<Step>;

@@ -81,4 +81,69 @@ TEST_F(Sharing, a_replaced_library_is_closed_and_not_written_to) {
     EXPECT_TRUE(write(db, 900, 1)) << "the new one is a library like any other";
 }
 
+/// Somebody else puts another library in the place while an operation is open.
+TEST_F(Sharing, a_library_replaced_in_the_middle_of_an_operation_is_left_alone) {
+    struct Told : Change_Listener {
+        void changed(const Change_Record&) override { ++changes; }
+        void library_left() override { ++left; }
+        int changes = 0;
+        int left = 0;
+    };
+    for (const bool read_in_between : {false, true}) {
+        SCOPED_TRACE(read_in_between);
+        open("library_2000");
+        if (IsSkipped()) return;
+        Told told;
+        db.listen(&told);
+        {
+            Operation outer(db);
+            ASSERT_TRUE(write(db, 900, 1));
+            disk.remove("a.mdb");
+            library::put(disk, "library_2003", "a.mdb");
+            if (read_in_between) {
+                EXPECT_EQ(value(db, 900), 1) << "the file that is open is still there";
+            }
+            EXPECT_TRUE(write(db, 901, 1));
+            Operation inner(db);
+            EXPECT_TRUE(write(db, 902, 1));
+            EXPECT_TRUE(inner.keep());
+            EXPECT_TRUE(db.Connection_Active()) << "closing waits for the end";
+            EXPECT_FALSE(outer.keep());
+        }
+        EXPECT_EQ(library::trouble(db), "replaced");
+        EXPECT_FALSE(db.Connection_Active());
+        EXPECT_EQ(told.changes, 0);
+        EXPECT_EQ(told.left, 1);
+        EXPECT_FALSE(write(db, 900, 1));
+        EXPECT_EQ(library::trouble(db), "not_open");
+        reopen();
+        EXPECT_EQ(value(db, 900), -1) << "nothing came into the other library";
+        EXPECT_TRUE(write(db, 900, 1));
+        EXPECT_EQ(library::faults(disk, "a.mdb"), std::vector<std::string>());
+        db.listen(nullptr);
+        db.Connection_Close();
+    }
+}
+
+TEST_F(Sharing, a_library_closed_inside_an_operation_keeps_nothing_of_it) {
+    open("library_2000");
+    if (IsSkipped()) return;
+    const auto before = disk.bytes("a.mdb");
+    {
+        Operation outer(db);
+        ASSERT_TRUE(write(db, 900, 1));
+        {
+            Operation inner(db);
+            ASSERT_TRUE(write(db, 901, 1));
+            db.Connection_Close();
+            EXPECT_FALSE(inner.keep());
+        }
+        EXPECT_FALSE(write(db, 902, 1));
+        EXPECT_FALSE(outer.keep());
+    }
+    EXPECT_EQ(disk.bytes("a.mdb"), before);
+    other.Connection_Start(u"a.mdb"_s);
+    EXPECT_TRUE(write(other, 900, 1)) << "and no lock stays";
+}
+
 } // namespace

@@ -1,0 +1,210 @@
+// Libraries in which other programs have laid down rules of their own.
+
+#include "scripts/cls_script_coll.h"
+#include "store/undo_library.h"
+
+#include <algorithm>
+#include <array>
+
+using namespace store;
+using namespace Qt::Literals::StringLiterals;
+using scripts::AktScripts;
+using undo::Content;
+using undo::content;
+using undo::difference;
+using undo::Person;
+using Outcome = Undo_Result::Outcome;
+
+namespace {
+
+constexpr std::int32_t set_with_scripts = 3;
+
+jet::Column named(const char16_t* name, jet::Column_Type type = jet::Column_Type::long_integer) {
+    jet::Column column;
+    column.name = name;
+    column.type = type;
+    column.length = type == jet::Column_Type::text ? 20 : 0;
+    return column;
+}
+
+/// A column without a default can be required only of a table without rows.
+void require_remark(jet::Database& file) {
+    const auto states = file.table(u"Scriptstates").value();
+    std::vector<std::vector<jet::Value>> rows;
+    std::vector<jet::Row_Id> ids;
+    for (auto row = states.rows(); row.next();) {
+        ids.push_back(row.id());
+        rows.push_back(row.values());
+    }
+    for (const jet::Row_Id id : ids) states.erase(id);
+    jet::Column remark = named(u"Bemerkung", jet::Column_Type::text);
+    remark.required = true;
+    file.add_column(u"Scriptstates", remark);
+    for (const auto& values : rows) {
+        std::vector<jet::Cell> cells{{*states.column(u"Bemerkung"), u"x"}};
+        for (std::size_t i = 0; i < values.size(); ++i) cells.push_back({i, values[i]});
+        states.insert(cells);
+    }
+}
+
+/// A table of notes, with one that refers to the last row of a set or script.
+void add_notes(jet::Database& file, const char16_t* table, const char16_t* key,
+               const char16_t* owner, std::int32_t owner_key) {
+    jet::Column id = named(u"ID");
+    id.auto_number = true;
+    jet::Index primary;
+    primary.name = u"PrimaryKey";
+    primary.columns = {{u"ID", true}};
+    primary.primary = true;
+    const auto notes =
+        file.create_table(u"Notizen", std::vector{id, named(u"zu")}, std::vector{primary});
+    file.add_relation({u"Notiz", table, {key}, u"Notizen", {u"zu"}});
+    const auto referred = file.table(table).value();
+    jet::Value last;
+    for (auto row = referred.rows(); row.next();)
+        if (row.integer(*referred.column(owner)) == owner_key)
+            last = row.value(*referred.column(key));
+    notes.insert({{1, last}});
+}
+
+class Foreign_Rules : public On_Undo {
+protected:
+    ~Foreign_Rules() override { AktScripts().Clear(); }
+    void open_changed(const std::function<void(jet::Database&)>& change) {
+        if (library::names().empty()) GTEST_SKIP() << "no samples";
+        db.Connection_Close();
+        library::put(disk, "library_2000", "a.mdb");
+        {
+            auto file = jet::Database::open(disk, "a.mdb", jet::Mode::read_write);
+            change(file);
+        }
+        db.Connection_Start(u"a.mdb"_s);
+        library::sets(db, 8);
+        before = content(disk);
+    }
+    std::int32_t script_with_states() {
+        db.AktCVSetID(set_with_scripts);
+        db.DB_Load_Scripts();
+        for (std::int32_t i = 1; i <= AktScripts().Count(); ++i)
+            if (AktScripts().Item(i)->StateCount > 2) return i;
+        ADD_FAILURE() << "the sample has no script with lines any more";
+        return 1;
+    }
+    Content before;
+};
+
+TEST_F(Foreign_Rules, a_script_is_saved_whole_or_stays) {
+    struct Rule {
+        const char* what;
+        std::function<void(jet::Database&)> change;
+    };
+    const Rule rules[] = {
+        {"a column that we do not fill", require_remark},
+        {"no two lines alike",
+         [](jet::Database& file) {
+             jet::Index index;
+             index.name = u"Einmalig";
+             index.columns = {{u"ScriptID", true}, {u"Info", true}};
+             index.unique = true;
+             const auto states = file.table(u"Scriptstates").value();
+             std::vector<jet::Row_Id> rows;
+             for (auto row = states.rows(); row.next();) rows.push_back(row.id());
+             for (std::size_t i = 0; i < rows.size(); ++i)
+                 states.update(rows[i], {{*states.column(u"Info"),
+                                          QString::number(static_cast<int>(i)).toStdU16String()}});
+             file.add_index(u"Scriptstates", index);
+         }},
+        {"a note on a line", [](jet::Database& file) {
+             const auto scripts = file.table(u"Scripte").value();
+             std::int32_t last = 0;
+             for (auto row = scripts.rows(); row.next();)
+                 if (row.integer(*scripts.column(u"SetID")) == set_with_scripts && last == 0)
+                     last = row.integer(*scripts.column(u"ScriptID"));
+             add_notes(file, u"Scriptstates", u"SSID", u"ScriptID", last);
+         }}};
+    for (const Rule& rule : rules) {
+        SCOPED_TRACE(rule.what);
+        open_changed(rule.change);
+        if (IsSkipped()) return;
+        const std::int32_t position = script_with_states();
+        scripts::cls_script& script = *AktScripts().Item(position);
+        script.GetState(0).Info = script.GetState(1).Info = u"gleich"_s;
+        EXPECT_FALSE(db.DB_Save_Script_States(position));
+        EXPECT_EQ(library::trouble(db), "refused");
+        EXPECT_EQ(difference(content(disk), before), "");
+        Operation several(db);
+        EXPECT_TRUE(db.DB_Rename_CVSet(u"anders"_s, 0));
+        EXPECT_FALSE(db.DB_Save_Script_States(position));
+        EXPECT_FALSE(several.keep());
+        EXPECT_EQ(difference(content(disk), before), "") << "no half of it either";
+    }
+}
+
+TEST_F(Foreign_Rules, a_set_is_deleted_whole_or_stays) {
+    for (const bool on_cv : {true, false}) {
+        SCOPED_TRACE(on_cv);
+        open_changed([&](jet::Database& file) {
+            on_cv ? add_notes(file, u"CVs", u"CVID", u"SetID", set_with_scripts)
+                  : add_notes(file, u"Scripte", u"ScriptID", u"SetID", set_with_scripts);
+        });
+        if (IsSkipped()) return;
+        EXPECT_FALSE(db.DB_Del_CVSet(set_with_scripts));
+        EXPECT_EQ(library::trouble(db), "refused");
+        EXPECT_EQ(difference(content(disk), before), "");
+        EXPECT_FALSE(history.undo_name());
+        EXPECT_TRUE(db.DB_Del_CVSet(1)) << "nothing refers to this one";
+    }
+}
+
+/// Libraries that hold a CV twice.
+class Doubles : public Foreign_Rules {
+protected:
+    void open_doubled() {
+        open_changed([&](jet::Database& file) {
+            const auto cvs = file.table(u"CVs").value();
+            for (std::int32_t& key : keys)
+                key = cvs.insert({{*cvs.column(u"SetID"), 1},
+                                  {*cvs.column(u"CVPageHi"), 0},
+                                  {*cvs.column(u"CVPageLo"), 1},
+                                  {*cvs.column(u"CVNr"), 900},
+                                  {*cvs.column(u"CVWert"), 5}})
+                          .auto_number;
+        });
+    }
+    std::array<std::int32_t, 3> keys{};
+};
+
+TEST_F(Doubles, each_comes_back_whichever_went_first) {
+    std::array order{0U, 1U, 2U};
+    do {
+        open_doubled();
+        if (IsSkipped()) return;
+        for (const auto i : order) ASSERT_TRUE(db.DB_Del_CVWert(keys[i]));
+        for (int round = 0; round < 2; ++round) {
+            for (std::size_t i = 0; i < order.size(); ++i)
+                ASSERT_EQ(history.undo().outcome, Outcome::done) << shown();
+            EXPECT_EQ(difference(content(disk), before), "");
+            for (std::size_t i = 0; i < order.size(); ++i)
+                ASSERT_EQ(history.redo().outcome, Outcome::done) << shown();
+        }
+    } while (std::next_permutation(order.begin(), order.end()));
+}
+
+TEST_F(Doubles, one_does_not_come_back_beside_a_row_that_was_not_there) {
+    open_doubled();
+    if (IsSkipped()) return;
+    clsDBConn other(disk);
+    Undo_History steps(other);
+    other.Connection_Start(u"a.mdb"_s);
+    ASSERT_TRUE(other.DB_Del_CVWert(keys[0]));
+    ASSERT_TRUE(db.DB_Del_CVWert(keys[2]));
+    ASSERT_TRUE(db.DB_Del_CVWert(keys[1]));
+    Person(db).write(1, 900, 77);
+    ASSERT_EQ(history.undo().outcome, Outcome::done);
+    ASSERT_EQ(steps.undo().outcome, Outcome::done) << "the place is free";
+    const Content met = content(disk);
+    EXPECT_EQ(history.undo().outcome, Outcome::changed_elsewhere);
+    EXPECT_EQ(difference(content(disk), met), "");
+}
+
+} // namespace
