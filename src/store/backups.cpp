@@ -6,6 +6,7 @@
 #include <QCryptographicHash>
 
 #include <algorithm>
+#include <array>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -51,23 +52,24 @@ std::optional<QDateTime> time_in(const QString& name, const QString& stem) {
     return name == name_again ? std::optional(QDateTime(date, time)) : std::nullopt;
 }
 
+/// When the copy was begun that a crash has cut off; nothing for other files.
+std::optional<QDateTime> cut_off_in(const std::string& name, const QString& stem) {
+    const auto unfinished = files::replaced_by(name);
+    return unfinished ? time_in(QString::fromStdString(*unfinished), stem) : std::nullopt;
+}
+
+constexpr std::array told_as{
+    std::pair(files::Failure::not_found, Failure::not_found),
+    std::pair(files::Failure::exists, Failure::refused),
+    std::pair(files::Failure::denied, Failure::denied),
+    std::pair(files::Failure::read_only, Failure::read_only),
+    std::pair(files::Failure::locked_elsewhere, Failure::locked_elsewhere),
+    std::pair(files::Failure::disk_full, Failure::disk_full),
+};
+
 Failure translated(files::Failure kind) {
-    switch (kind) {
-    case files::Failure::not_found:
-        return Failure::not_found;
-    case files::Failure::exists:
-        return Failure::refused;
-    case files::Failure::denied:
-        return Failure::denied;
-    case files::Failure::read_only:
-        return Failure::read_only;
-    case files::Failure::locked_elsewhere:
-        return Failure::locked_elsewhere;
-    case files::Failure::disk_full:
-        return Failure::disk_full;
-    case files::Failure::device:
-        return Failure::device;
-    }
+    for (const auto& [below, here] : told_as)
+        if (below == kind) return here;
     return Failure::device;
 }
 
@@ -85,7 +87,8 @@ private:
 } // namespace
 
 Backups::Backups(files::Disk& disk, const QString& user_folder, Clock clock)
-    : disk_(disk), user_folder_(user_folder.toStdString()), clock_(std::move(clock)) {}
+    : disk_(disk), user_folder_(user_folder.toStdString()), clock_(std::move(clock)),
+      started_(clock_()) {}
 
 template <class Work>
 bool Backups::noting(Work work) {
@@ -111,8 +114,11 @@ std::vector<Backups::Place> Backups::places(const std::string& path) const {
 }
 
 std::string Backups::copy_to(const Place& place, const std::string& path) {
-    for (const std::string& folder : {place.above, place.folder})
-        if (!folder.empty() && !disk_.folder_exists(folder)) disk_.make_folder(folder);
+    for (const std::string& folder : {place.above, place.folder}) {
+        if (folder.empty() || disk_.folder_exists(folder)) continue;
+        disk_.make_folder(folder);
+        disk_.sync_folder(files::folder_of(folder)); // or the copy is lost with it
+    }
     QDateTime time = clock_();
     std::string copy;
     do { // the second may be taken: by the copy before, or after the clock was set back
@@ -141,11 +147,16 @@ std::string Backups::make_copy(const std::string& path) {
 void Backups::remove_old(const std::string& path, const std::string& just_made) noexcept {
     try {
         const std::string folder = files::folder_of(just_made);
+        const QString stem = stem_of(path);
         std::vector<std::string> copies;
-        for (const std::string& name : disk_.files_in(folder))
-            if (time_in(QString::fromStdString(name), stem_of(path)) &&
+        for (const std::string& name : disk_.files_in(folder)) {
+            const auto cut_off = cut_off_in(name, stem);
+            if (cut_off && *cut_off < started_) // not one that another copy of the program makes
+                disk_.remove(joined(folder, name));
+            if (time_in(QString::fromStdString(name), stem) &&
                 joined(folder, name) != just_made) // not the newest by its name if the clock is
                 copies.push_back(name);            // wrong now or was wrong once
+        }
         std::sort(copies.begin(), copies.end(), std::greater<>());
         for (std::size_t i = copies_kept - 1; i < copies.size(); ++i)
             disk_.remove(joined(folder, copies[i]));

@@ -27,7 +27,8 @@ struct Backup {
 /// place does not take them they go to a folder of the same name among the user's own data, and
 /// there to a folder per place that they come from, since libraries of one name lie in many.
 ///
-/// Nothing here throws. Only files of that form for that library are ever removed.
+/// Nothing here throws. Only files of that form for that library are ever removed, and what a crash
+/// in an earlier run has left of one.
 class Backups final : public Before_First_Write {
 public:
     using Clock = std::function<QDateTime()>;
@@ -69,6 +70,7 @@ private:
     files::Disk& disk_;
     std::string user_folder_;
     Clock clock_;
+    QDateTime started_; ///< this run
     std::map<std::string, files::Identity>
         copied_; ///< in this run, or made in it; by resolved path
     std::optional<Trouble> trouble_;

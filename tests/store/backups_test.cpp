@@ -161,6 +161,26 @@ TEST_F(Copies, the_newest_ten_are_kept_and_nothing_else_is_touched) {
     EXPECT_THAT(names(), testing::UnorderedElementsAreArray(expected));
 }
 
+TEST_F(Copies, what_a_crash_left_of_one_goes_with_the_next) {
+    put();
+    if (IsSkipped()) return;
+    disk.make_folder("Sicherungen");
+    const std::vector<std::string> cut_off{"a 2026-03-01 11-00-00.mdb.new1",
+                                           "a 2025-12-31 23-59-59.mdb.new12"};
+    const std::vector<std::string> others{"a 2026-03-01 12-00-00.mdb.new1", // made just now
+                                          "a 2026-03-01 11-00-00.mdb.new",
+                                          "a 2026-03-01 11-00-00.mdb.new1x",
+                                          "a 2026-03-01 11-00-00.mdb.old1",
+                                          "b 2026-03-01 11-00-00.mdb.new1",
+                                          "a.mdb.new1"};
+    for (const auto* names_ : {&cut_off, &others})
+        for (const std::string& name : *names_) disk.set_bytes("Sicherungen/" + name, {});
+    change_at(0, 1);
+    auto expected = others;
+    expected.push_back("a 2026-03-01 12-00-00.mdb");
+    EXPECT_THAT(names(), testing::UnorderedElementsAreArray(expected));
+}
+
 TEST_F(Copies, two_within_a_second_and_a_clock_that_goes_back_lose_none) {
     put();
     if (IsSkipped()) return;

@@ -1,6 +1,13 @@
 #include "platform/files/replace.h"
 
+#include <algorithm>
+
 namespace files {
+namespace {
+
+const std::string mark = ".new";
+
+} // namespace
 
 Replacement::Replacement(Disk& disk, const std::string& path)
     : disk_(disk), path_(disk.resolve(path)) {
@@ -15,7 +22,7 @@ void Replacement::open_beside() {
     // A crash may have left such a file, and another copy may be writing one: the next number is
     // free.
     for (int number = 1;; ++number) {
-        beside_ = path_ + ".new" + std::to_string(number);
+        beside_ = path_ + mark + std::to_string(number);
         try {
             file_ = disk_.open(beside_, Access::create_new);
             return;
@@ -68,6 +75,16 @@ void copy_file(Disk& disk, const std::string& from, const std::string& to, Right
         offset += count;
     }
     copy.finish();
+}
+
+std::optional<std::string> replaced_by(const std::string& name) {
+    const auto cut = name.rfind(mark);
+    if (cut == std::string::npos || cut == 0) return std::nullopt;
+    const std::string number = name.substr(cut + mark.size());
+    const bool ours =
+        !number.empty() && number.size() <= 3 &&
+        std::ranges::all_of(number, [](char digit) { return digit >= '0' && digit <= '9'; });
+    return ours ? std::optional(name.substr(0, cut)) : std::nullopt;
 }
 
 std::vector<std::byte> read_file(Disk& disk, const std::string& path) {

@@ -49,6 +49,9 @@ enum class Rights {
 void copy_file(Disk& disk, const std::string& from, const std::string& to,
                Rights rights = Rights::of_new_file);
 
+/// "a.mdb.new7", which a crash may leave beside "a.mdb" -> "a.mdb"; nothing for other names.
+std::optional<std::string> replaced_by(const std::string& name);
+
 std::vector<std::byte> read_file(Disk& disk, const std::string& path);
 
 } // namespace files
