@@ -94,6 +94,8 @@ struct clsDBConn::Inside : ado::Row_Watcher {
             return true;
         } catch (const ado::Error& error) {
             note(error);
+            // an operation must not go on with what it only believes to have read
+            spoiled = spoiled || (depth > 0 && !is_refusal(error.kind));
         }
         leave_lost_file();
         return false;

@@ -11,9 +11,8 @@ namespace {
 /// Takes the objects of a clipboard text one after the other. @return false: it ends here
 class Paster {
 public:
-    Paster(clsDBConn& library, std::int16_t ResCV, Paste_Report& report)
-        : library_(library), ResCV_(ResCV), name_width_(library.set_name_width()), report_(report) {
-    }
+    Paster(clsDBConn& library, std::int16_t ResCV, int name_width, Paste_Report& report)
+        : library_(library), ResCV_(ResCV), name_width_(name_width), report_(report) {}
 
     bool operator()(const Pasted_Set& set) {
         const QString name = fitted_name(set.name, name_width_);
@@ -46,8 +45,11 @@ private:
 
 Paste_Report paste(clsDBConn& library, const Pasted& pasted, std::int16_t ResCV) {
     const std::int32_t current = library.AktCVSetID();
+    const int name_width = library.set_name_width();
+    if (name_width == 0 && library.Connection_Active())
+        return {}; // names must not be cut to nothing because it is unknown
     Paste_Report report;
-    Paster paster(library, ResCV, report);
+    Paster paster(library, ResCV, name_width, report);
     Operation operation(library);
     for (const auto& object : pasted.objects)
         if (!std::visit(paster, object)) break;

@@ -49,7 +49,7 @@ Frm_Main::~Frm_Main() { database_.keep_copies(nullptr); }
 
 void Frm_Main::wire() {
     Entry_List* sets = form_->lst_sets;
-    connect(sets, &Entry_List::selection_changed, this, &Frm_Main::set_selected);
+    connect(sets, &Entry_List::selection_changed, this, &Frm_Main::set_chosen);
     connect(sets, &Entry_List::delete_pressed, this, &Frm_Main::delete_set_at_once);
     connect(sets, &QListView::doubleClicked, this, &Frm_Main::rename_set);
     connect(sets, &Entry_List::context_menu_wanted, this,
@@ -63,7 +63,9 @@ void Frm_Main::wire() {
     for (int i = 0; i < 2; ++i) {
         const auto index = static_cast<std::size_t>(i);
         connect(form_->opt_rescv[index], &QRadioButton::toggled, this, [this, i](bool chosen) {
-            if (chosen) choose_reset_cv(i);
+            if (!chosen) return;
+            choose_reset_cv(i);
+            say_trouble();
         });
         connect(form_->opt_dec[index], &QRadioButton::toggled, this, [this, i](bool chosen) {
             if (chosen) choose_decoder_family(i);
@@ -87,11 +89,13 @@ void Frm_Main::fill_sets() {
     });
 }
 
+// What kept the set from being loaded is the caller's to say, among what else he has to say.
 void Frm_Main::select_set(std::int32_t SetID) {
-    if (const auto row = form_->lst_sets->row_of(SetID))
-        form_->lst_sets->select_row(*row);
-    else
-        set_selected();
+    {
+        const QSignalBlocker quiet(form_->lst_sets);
+        if (const auto row = form_->lst_sets->row_of(SetID)) form_->lst_sets->select_row(*row);
+    }
+    set_selected();
 }
 
 void Frm_Main::select_first_set() { select_set(form_->lst_sets->key(0)); }
@@ -113,6 +117,11 @@ void Frm_Main::set_selected() {
         scripts::AktScripts().Clear();
     }
     Redraw_Script_List();
+}
+
+void Frm_Main::set_chosen() {
+    set_selected();
+    const std::int32_t SetID = form_->lst_sets->selected_key();
     const int left_out = SetID != 0 ? database_.script_states_left_out() : 0;
     if (!say_trouble() && left_out > 0) say(text(Text::script_states_left_out).arg(left_out));
 }

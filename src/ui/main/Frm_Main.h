@@ -79,7 +79,8 @@ private:
     void fill_sets();
     void select_set(std::int32_t SetID);
     void select_first_set();
-    void set_selected();
+    void set_selected(); ///< shows the set that is selected now
+    void set_chosen();   ///< the same, when the user has selected it
     void end_program();
     QString status() const; ///< the sentence in the status bar
     /// Says a sentence and keeps it in the log, with the reason in the words of the system.

@@ -1,11 +1,12 @@
 #include "ui/main/entry_list.h"
 
+#include "ui/main/text_rows.h"
+
 #include <QContextMenuEvent>
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QScopedValueRollback>
 #include <QScrollBar>
-#include <QStyledItemDelegate>
 #include <QToolTip>
 #include <algorithm>
 #include <array>
@@ -23,15 +24,6 @@ bool is_plain_way(const QKeyEvent& event) {
     return modifiers == Qt::NoModifier &&
            std::find(plain_ways.begin(), plain_ways.end(), event.key()) != plain_ways.end();
 }
-
-/// A little more room between the rows than the bare text would have.
-class Roomy_Rows final : public QStyledItemDelegate {
-public:
-    using QStyledItemDelegate::QStyledItemDelegate;
-    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
-        return QStyledItemDelegate::sizeHint(option, index) + QSize(0, 4);
-    }
-};
 
 struct Collector final : store::List_Filler {
     std::vector<Entry_Model::Entry> entries;
@@ -58,7 +50,7 @@ void Entry_Model::replace(std::vector<Entry> entries) {
 
 Entry_List::Entry_List(QWidget* parent) : QListView(parent) {
     setModel(&model_);
-    setItemDelegate(new Roomy_Rows(this));
+    setItemDelegate(new Text_Rows(this));
     setUniformItemSizes(true);
     setEditTriggers(NoEditTriggers);
     setTextElideMode(Qt::ElideRight);

@@ -6,6 +6,7 @@
 
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QPainter>
 #include <QStyle>
 #include <QStyleOptionGroupBox>
 
@@ -21,8 +22,28 @@ constexpr int sets_width = 318;
 constexpr int cvs_width = 266;
 constexpr int inset = 9; ///< of a list in its frame
 
+/// A frame that is only a line. That of the style is a half-transparent picture, stretched over all
+/// that the lists then cover: a tenth of the time to the first sight of the window.
+class Line_Frame final : public QGroupBox {
+public:
+    using QGroupBox::QGroupBox;
+
+protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QStyleOptionGroupBox option;
+        initStyleOption(&option);
+        const QRect frame =
+            style()->subControlRect(QStyle::CC_GroupBox, &option, QStyle::SC_GroupBoxFrame, this);
+        QPainter painter(this);
+        for (const QRect& edge : QRegion(frame) - frame.adjusted(1, 1, -1, -1))
+            painter.fillRect(edge, palette().color(QPalette::Mid));
+        option.subControls = QStyle::SC_GroupBoxLabel;
+        style()->drawComplexControl(QStyle::CC_GroupBox, &option, &painter, this);
+    }
+};
+
 QGroupBox* frame(const char* name, Text caption, QWidget* parent) {
-    auto* box = new QGroupBox(text(caption), parent);
+    auto* box = new Line_Frame(text(caption), parent);
     box->setObjectName(QString::fromLatin1(name));
     return box;
 }

@@ -29,7 +29,12 @@ void Frm_Main::add_set() {
         say(sentence({store::Failure::not_open, {}, {}}));
         return;
     }
-    frm_get_2_string dialog(this, database_.set_name_width());
+    const int name_width = database_.set_name_width();
+    if (name_width == 0) { // the library cannot be read now
+        say_trouble();
+        return;
+    }
+    frm_get_2_string dialog(this, name_width);
     dialog.set_texts(text(Text::new_set), {}, {});
     const Two_Strings given = dialog.Get_2_Strings();
     if (given.first.isEmpty()) return;
@@ -50,7 +55,12 @@ void Frm_Main::rename_set() {
         say(text(Text::no_set_selected));
         return;
     }
-    frm_get_2_string dialog(this, database_.set_name_width());
+    const int name_width = database_.set_name_width();
+    if (name_width == 0) {
+        say_trouble();
+        return;
+    }
+    frm_get_2_string dialog(this, name_width);
     const QString name = database_.Get_Set_Name(SetID);
     const std::int16_t number = database_.Get_Set_Nummer(SetID);
     dialog.set_texts(text(Text::rename_set), name, QString::number(number));

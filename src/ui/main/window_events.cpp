@@ -59,6 +59,7 @@ void Frm_Main::refill_if_changed() {
     fill_sets();
     select_set(SetID);
     form_->lst_CVs->select_keys(cvs, current);
+    say_trouble();
 }
 
 void Frm_Main::unload() {

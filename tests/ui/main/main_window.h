@@ -100,6 +100,15 @@ protected:
         for (int i = 0; i < list.count(); ++i) all.push_back(row(list, i));
         return all;
     }
+    /// Rows of the CV list without the blanks that align them.
+    std::vector<std::string> cv_rows() {
+        std::vector<std::string> all = rows(cvs());
+        for (std::string& one : all) {
+            QString text = QString::fromStdString(one);
+            one = text.removeIf([](QChar c) { return c.isSpace(); }).toStdString();
+        }
+        return all;
+    }
     /// Texts of the selected rows.
     static std::vector<std::string> selected(Entry_List& list) {
         std::vector<std::string> all;

@@ -1,0 +1,77 @@
+#include "store/pasting.h"
+#include "store/undo_library.h"
+#include "support/crash_sweep.h"
+
+#include <gmock/gmock.h>
+
+using namespace store;
+
+namespace {
+
+/// Two sets, one with a name that is too long, and CVs before and in them.
+Pasted much() {
+    Pasted pasted;
+    const auto cv = [&](int number) {
+        pasted.objects.emplace_back(CVRec{0, 1, static_cast<std::int16_t>(number), 7, 0, false});
+    };
+    cv(1);
+    pasted.objects.emplace_back(Pasted_Set{QStringLiteral("Eins, zwei"), 0});
+    for (int number = 1; number <= 60; ++number) cv(number);
+    pasted.objects.emplace_back(Pasted_Set{QString(300, u'z'), 12});
+    cv(8);
+    return pasted;
+}
+
+} // namespace
+
+class Pasting : public testing::Test {
+protected:
+    void SetUp() override {
+        if (library::names().empty()) GTEST_SKIP();
+        library::put(disk, "orphans", "a.mdb");
+        clsDBConn(disk).Connection_Start(
+            QStringLiteral("a.mdb")); // with all its tables from now on
+    }
+    files::Memory_Disk disk;
+};
+
+TEST_F(Pasting, is_one_operation_and_one_step) {
+    clsDBConn db(disk);
+    db.Connection_Start(QStringLiteral("a.mdb"));
+    Undo_History history(db);
+    const auto before = undo::content(disk);
+    const Paste_Report report = paste(db, much(), 8);
+    EXPECT_TRUE(report.kept);
+    EXPECT_EQ(report.sets, 2);
+    EXPECT_EQ(report.cvs, 61);
+    EXPECT_EQ(report.cvs_without_set, 1);
+    EXPECT_EQ(report.names_cut, 1);
+    EXPECT_EQ(db.AktCVSetID(), report.last_set);
+    EXPECT_EQ(history.undo().outcome, Undo_Result::Outcome::done);
+    EXPECT_EQ(undo::difference(undo::content(disk), before), "");
+    EXPECT_FALSE(history.undo_name());
+}
+
+TEST_F(Pasting, happens_whole_or_not_at_all) {
+    const auto before = undo::content(disk);
+    files::Memory_Disk changed = disk.copy();
+    {
+        clsDBConn db(changed);
+        db.Connection_Start(QStringLiteral("a.mdb"));
+        ASSERT_TRUE(paste(db, much(), 8).kept);
+    }
+    const auto after = undo::content(changed);
+    const auto act = [](files::Disk& on) {
+        clsDBConn db(on);
+        db.Connection_Start(QStringLiteral("a.mdb"));
+        if (!paste(db, much(), 8).kept) throw std::runtime_error("not pasted");
+    };
+    const auto whole = [&](files::Disk& found, support::Outcome outcome) {
+        const auto left = undo::content(found);
+        if (outcome != support::Outcome::refused && left == after) return;
+        EXPECT_NE(outcome, support::Outcome::finished);
+        EXPECT_EQ(undo::difference(left, before), "");
+    };
+    EXPECT_GT(support::sweep_refusals(disk, act, whole), 20);
+    EXPECT_GT(support::sweep_crashes(disk, act, whole), 20);
+}

@@ -1,0 +1,360 @@
+#include "main_window.h"
+
+#include "app/ui/frm_Settings.h"
+#include "store/undo_library.h"
+
+#include <QComboBox>
+#include <QMenu>
+#include <QTreeWidget>
+
+using namespace ui_main;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+namespace {
+
+const QString copies_folder = QStringLiteral("/home/anna/Dokumente/KELDA/CV-Sets/Sicherungen");
+
+struct Extras_Test : Main_Window_Test {
+    void SetUp() override {
+        if (samples_missing()) GTEST_SKIP();
+        put_template();
+        start();
+    }
+    undo::Content content() { return undo::content(disk, default_path); }
+    /// The keys, wherever the focus is.
+    void undo() {
+        press(Qt::Key_Z, Qt::ControlModifier);
+        QApplication::processEvents();
+    }
+    void redo() {
+        press(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+        QApplication::processEvents();
+    }
+    void store_cv(const char* number, const char* value) {
+        field("txt_cv_nummer").setFocus();
+        type(number);
+        press(Qt::Key_Return);
+        type(value);
+        press(Qt::Key_Return);
+    }
+    std::string caption(const char* action) {
+        QMenu& menu = get<QMenu>("mnu_extras");
+        Q_EMIT menu.aboutToShow();
+        const std::string shown = get<QAction>(action).text().toStdString();
+        Q_EMIT menu.aboutToHide();
+        return shown;
+    }
+    std::vector<std::string> copies() {
+        if (!disk.folder_exists(copies_folder.toStdString())) return {};
+        return disk.files_in(copies_folder.toStdString());
+    }
+};
+
+} // namespace
+
+TEST_F(Extras_Test, every_command_goes_back_and_forth) {
+    const struct {
+        const char* name;
+        std::function<void()> act;
+        const char* step;
+    } commands[] = {
+        {"add",
+         [&] {
+             answer_set_dialog("Neu & schön", "50");
+             choose("mnu_cvset_hinzu");
+         },
+         "CV-Set „Neu & schön“ hinzugefügt"},
+        {"store", [&] { store_cv("3", "77"); }, "CV 3 gespeichert"},
+        {"overwrite", [&] { store_cv("3", "78"); }, "CV 3 gespeichert"},
+        {"rename",
+         [&] {
+             answer_set_dialog("Alt", "51");
+             choose("mnu_cvset_rename");
+         },
+         "CV-Set „Alt“ umbenannt"},
+        {"paste CVs",
+         [&] {
+             desktop.clipboard = {QStringLiteral("1;3\n2;4\n3;5\n300;6"), {}};
+             choose("mnu_paste");
+         },
+         "4 CVs gespeichert"},
+        {"delete CVs",
+         [&] {
+             click_row(cvs(), 0);
+             click_row(cvs(), 1, Qt::ShiftModifier);
+             cvs().setFocus();
+             press(Qt::Key_Delete);
+         },
+         "2 CVs gelöscht"},
+        {"paste set",
+         [&] {
+             choose("mnu_cvset_copy");
+             choose("mnu_cvset_paste");
+         },
+         "CV-Set „Alt“ hinzugefügt (mit 2 CVs)"},
+        {"delete set",
+         [&] {
+             sets().setFocus();
+             press(Qt::Key_Delete);
+         },
+         "CV-Set „Alt“ gelöscht (mit 2 CVs)"},
+        {"delete a set with scripts",
+         [&] {
+             sets().select_row(0);
+             sets().setFocus();
+             press(Qt::Key_Delete);
+         },
+         "CV-Set „"},
+    };
+    std::vector<undo::Content> states{content()};
+    for (const auto& command : commands) {
+        SCOPED_TRACE(command.name);
+        command.act();
+        states.push_back(content());
+        EXPECT_NE(undo::difference(states[states.size() - 2], states.back()), "") << status();
+    }
+    for (std::size_t i = std::size(commands); i-- > 0;) {
+        SCOPED_TRACE(std::string("undo ") + commands[i].name);
+        undo();
+        EXPECT_EQ(undo::difference(content(), states[i]), "");
+        EXPECT_THAT(status(), testing::StartsWith(std::string("Rückgängig: ") + commands[i].step));
+        EXPECT_FALSE(selected(sets()).empty());
+    }
+    undo();
+    EXPECT_EQ(status(), "Es gibt nichts rückgängig zu machen.");
+    for (std::size_t i = 0; i < std::size(commands); ++i) {
+        SCOPED_TRACE(std::string("redo ") + commands[i].name);
+        redo();
+        EXPECT_EQ(undo::difference(content(), states[i + 1]), "");
+        EXPECT_THAT(status(), HasSubstr("Wiederholt: "));
+    }
+    redo();
+    EXPECT_EQ(status(), "Es gibt nichts zu wiederholen.");
+}
+
+TEST_F(Extras_Test, a_field_keeps_the_keys_only_for_what_was_typed_into_it) {
+    store_cv("3", "77");
+    ASSERT_EQ(focus(), "txt_cv_wert"); // its text was set by the program
+    const auto stored = rows(cvs());
+    type("12");
+    undo();
+    EXPECT_NE(text("txt_cv_wert"), "12");
+    EXPECT_EQ(rows(cvs()), stored) << "the typing was taken back, not the CV";
+    redo();
+    EXPECT_EQ(text("txt_cv_wert"), "12");
+    EXPECT_EQ(rows(cvs()), stored);
+    press(Qt::Key_Return);
+    const auto after = rows(cvs());
+    EXPECT_NE(after, stored);
+    undo();
+    EXPECT_EQ(rows(cvs()), stored);
+    undo();
+    EXPECT_NE(rows(cvs()), stored);
+    EXPECT_EQ(status(), "Rückgängig: CV 3 gespeichert");
+    redo();
+    redo();
+    EXPECT_EQ(rows(cvs()), after);
+}
+
+TEST_F(Extras_Test, the_menu_names_the_steps) {
+    EXPECT_EQ(caption("mnu_undo"), "&Rückgängig");
+    answer_set_dialog("S&W", "50");
+    choose("mnu_cvset_hinzu");
+    EXPECT_EQ(caption("mnu_undo"), "&Rückgängig: CV-Set „S&&W“ hinzugefügt");
+    choose("mnu_undo");
+    EXPECT_EQ(caption("mnu_undo"), "&Rückgängig");
+    EXPECT_EQ(caption("mnu_redo"), "&Wiederholen: CV-Set „S&&W“ hinzugefügt");
+}
+
+TEST_F(Extras_Test, undo_shows_the_set_that_it_brings_back) {
+    click_option("opt_rescv_1");
+    const std::string first = row(sets(), 0);
+    sets().setFocus();
+    press(Qt::Key_Delete);
+    click_option("opt_rescv_0");
+    undo();
+    EXPECT_TRUE(get<QRadioButton>("opt_rescv_1").isChecked());
+    EXPECT_THAT(selected(sets()), ElementsAre(first));
+    EXPECT_GT(cvs().count(), 0);
+}
+
+TEST_F(Extras_Test, a_step_that_another_program_changed_is_refused) {
+    store_cv("3", "77");
+    store_cv("4", "78");
+    store::clsDBConn other(disk);
+    other.Connection_Start(QString::fromUtf8(default_path));
+    other.AktCVSetID(database.AktCVSetID());
+    store::CVRec cv{0, 1, 4, 99, 0, false};
+    ASSERT_TRUE(other.DB_Write_CV(cv));
+    undo();
+    EXPECT_THAT(status(), HasSubstr("„CV 4 gespeichert“ lässt sich nicht mehr umkehren"));
+    EXPECT_THAT(cv_rows(), testing::Contains("CV#4=99"));
+    undo();
+    EXPECT_EQ(status(), "Es gibt nichts rückgängig zu machen.");
+}
+
+TEST_F(Extras_Test, coming_to_the_front_shows_what_another_copy_has_done) {
+    sets().select_row(3);
+    click_row(cvs(), 1);
+    click_row(cvs(), 2, Qt::ControlModifier);
+    const auto set = selected(sets());
+    const auto chosen = selected(cvs());
+    const auto before = rows(sets());
+    const auto leave_and_return = [&] {
+        QWidget other;
+        other.show();
+        QApplication::setActiveWindow(&other);
+        QApplication::setActiveWindow(window.get());
+        QApplication::processEvents();
+    };
+    leave_and_return();
+    EXPECT_EQ(selected(cvs()), chosen);
+    {
+        store::clsDBConn other(disk);
+        other.Connection_Start(QString::fromUtf8(default_path));
+        std::int16_t number = 99;
+        ASSERT_NE(other.DB_Add_CVSet(QStringLiteral("Von nebenan"), number, 8), 0);
+        ASSERT_TRUE(other.DB_Del_CVSet(sets().key(0)));
+        other.AktCVSetID(sets().selected_key());
+        store::CVRec cv{0, 1, 1000, 5, 0, false};
+        ASSERT_TRUE(other.DB_Write_CV(cv));
+    }
+    leave_and_return();
+    EXPECT_THAT(rows(sets()), testing::Contains("99 - Von nebenan"));
+    EXPECT_THAT(rows(sets()), testing::Not(testing::Contains(before[0])));
+    EXPECT_EQ(selected(sets()), set);
+    EXPECT_EQ(selected(cvs()), chosen);
+    EXPECT_THAT(cv_rows(), testing::Contains("CV#1000=5"));
+
+    disk.set_bytes("/home/anna/other", disk.bytes(template_path));
+    disk.rename("/home/anna/other", default_path);
+    leave_and_return();
+    EXPECT_THAT(status(), HasSubstr("von außen ersetzt"));
+    EXPECT_THAT(rows(sets()), IsEmpty()) << "nothing of a library that is gone is shown as there";
+}
+
+TEST_F(Extras_Test, a_copy_is_kept_before_the_first_change_and_can_be_brought_back) {
+    const auto untouched = content();
+    EXPECT_THAT(copies(), IsEmpty());
+    choose("mnu_restore");
+    EXPECT_THAT(status(), HasSubstr("keine Sicherungen"));
+    const std::string lost = row(sets(), 0);
+    sets().setFocus();
+    press(Qt::Key_Delete);
+    press(Qt::Key_Delete);
+    EXPECT_EQ(copies().size(), 1U);
+    const auto after = content();
+
+    in_set_dialog([](QDialog& dialog) { press_button(dialog, "cmd_cancel"); });
+    choose("mnu_restore");
+    EXPECT_EQ(undo::difference(content(), after), "");
+
+    in_set_dialog([](QDialog& dialog) {
+        EXPECT_EQ(dialog.objectName(), QStringLiteral("frm_Backups"));
+        auto& list = *dialog.findChild<QTreeWidget*>();
+        EXPECT_EQ(list.topLevelItemCount(), 1);
+        EXPECT_EQ(list.topLevelItem(0)->text(1), QStringLiteral("45"));
+        press_button(dialog, "cmd_restore");
+    });
+    choose("mnu_restore");
+    EXPECT_EQ(undo::difference(content(), untouched), "");
+    EXPECT_EQ(row(sets(), 0), lost);
+    EXPECT_THAT(status(), HasSubstr("wiederhergestellt"));
+    EXPECT_EQ(copies().size(), 2U) << "the state before is a copy now";
+    undo();
+    EXPECT_EQ(status(), "Es gibt nichts rückgängig zu machen.");
+}
+
+TEST_F(Extras_Test, a_damaged_library_can_be_brought_back_too) {
+    sets().setFocus();
+    press(Qt::Key_Delete);
+    const auto kept = undo::content(disk, (copies_folder + u'/').toStdString() + copies().at(0));
+    disk.set_bytes(default_path, std::vector<std::byte>(5000, std::byte{7}));
+    choose("mnu_last_files_0");
+    ASSERT_FALSE(database.Connection_Active());
+    in_set_dialog([](QDialog& dialog) { press_button(dialog, "cmd_restore"); });
+    choose("mnu_restore");
+    EXPECT_EQ(undo::difference(content(), kept), "");
+    EXPECT_GT(sets().count(), 0);
+}
+
+TEST_F(Extras_Test, a_library_that_is_overwritten_or_new_is_treated_as_such) {
+    put_sample("library_2003", "/home/anna/andere.mdb");
+    const auto before = disk.bytes("/home/anna/andere.mdb");
+    desktop.expect_save(QStringLiteral("/home/anna/andere.mdb"));
+    desktop.expect_question(QStringLiteral("Achtung"),
+                            QStringLiteral("Datenbank vorhanden! Überschreiben?"), Answer::yes);
+    choose("mnu_create_database");
+    const auto kept = disk.files_in("/home/anna/Sicherungen");
+    ASSERT_EQ(kept.size(), 1U) << "whoever overwrites a library can have it back";
+    EXPECT_EQ(disk.bytes("/home/anna/Sicherungen/" + kept[0]), before);
+    answer_set_dialog("Neu", "");
+    choose("mnu_cvset_hinzu");
+    EXPECT_EQ(disk.files_in("/home/anna/Sicherungen").size(), 1U) << "the new one needs none";
+}
+
+TEST_F(Extras_Test, a_missing_copy_is_reported_once_and_stops_no_change) {
+    disk.protect_folder("/home/anna/Dokumente/KELDA/CV-Sets");
+    disk.protect_folder(app::globals.UserDataDir.chopped(1).toStdString());
+    const int before = sets().count();
+    sets().setFocus();
+    press(Qt::Key_Delete);
+    ASSERT_EQ(sets().count(), before - 1) << status();
+    EXPECT_THAT(status(), HasSubstr("keine Sicherung angelegt"));
+    press(Qt::Key_Delete);
+    EXPECT_THAT(status(), HasSubstr("gelöscht"));
+}
+
+TEST_F(Main_Window_Test, the_first_library_of_all_needs_no_copy) {
+    put_template();
+    start_bare();
+    answer_set_dialog("Neu", "");
+    choose("mnu_cvset_hinzu");
+    EXPECT_EQ(sets().count(), 1);
+    EXPECT_FALSE(disk.folder_exists(copies_folder.toStdString()));
+}
+
+TEST_F(Extras_Test, settings_and_place_come_back) {
+    window->move(200, 120);
+    window->resize(window->width(), 640);
+    in_set_dialog([](QDialog& dialog) {
+        EXPECT_EQ(dialog.objectName(), QStringLiteral("frm_Settings"));
+        dialog.findChild<QComboBox*>()->setCurrentIndex(6);
+        press_button(dialog, "btn_cancel");
+    });
+    choose("mnu_einstellungen");
+    EXPECT_EQ(app::globals.comport, 7) << "a port counts as soon as it is chosen";
+    window->close();
+    window.reset();
+    const auto written = disk.bytes("/home/anna/.local/share/KELDA/TRV/CVSets_Inits.ini");
+    app::reset_globals();
+    start_bare();
+    EXPECT_EQ(app::globals.comport, 7);
+    EXPECT_EQ(window->frameGeometry().topLeft(), QPoint(200, 120));
+    EXPECT_EQ(window->height(), 640);
+    window->close();
+    EXPECT_EQ(disk.bytes("/home/anna/.local/share/KELDA/TRV/CVSets_Inits.ini"), written);
+}
+
+TEST_F(Extras_Test, a_window_from_a_larger_desktop_comes_onto_this_one) {
+    const struct {
+        const char* what;
+        app::Window_Place stored;
+        QPoint at;
+        int height;
+    } cases[] = {
+        {"too far right", {{9000}, {15945}, {60000}, {0}}, {1920 - 1063, 0}, 600},
+        {"too high", {{9'000'000}, {15945}, {150}, {150}}, {10, 0}, 1080},
+        {"negative", {{9000}, {15945}, {-3000}, {-10}}, {0, 0}, 600},
+        {"a width that it never has", {{9000}, {99999}, {1500}, {0}}, {100, 0}, 600},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        window->move_to(c.stored);
+        EXPECT_EQ(window->frameGeometry().topLeft(), c.at);
+        EXPECT_EQ(window->height(), c.height);
+        EXPECT_EQ(window->width(), 1063);
+    }
+}
