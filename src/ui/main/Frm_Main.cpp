@@ -14,6 +14,7 @@
 #include <QMenuBar>
 #include <QScopedValueRollback>
 #include <QSignalBlocker>
+#include <QScreen>
 #include <QStatusBar>
 
 namespace ui_main {
@@ -42,6 +43,7 @@ Frm_Main::Frm_Main(desktop::Desktop& desktop, files::Disk& disk, store::clsDBCon
     setFixedWidth(to_pixels(app::Twips{Main_Form::width_twips}));
     setMinimumHeight(to_pixels(app::Twips{Main_Form::least_height_twips}));
     resize(width(), first_height);
+    move(screen()->availableGeometry().center() - rect().center()); // until settings say otherwise
     show_title();
 }
 
