@@ -33,6 +33,8 @@ void Keys::add(const QString& key, std::int32_t place) {
 }
 
 std::optional<std::int32_t> Keys::find(std::int32_t key) const {
+    // CVs come page by page, mostly ascending
+    if (!numbers_.empty() && numbers_.back().first == key) return numbers_.back().second;
     const auto found = std::lower_bound(
         numbers_.begin(), numbers_.end(), key,
         [](const auto& entry, std::int32_t sought) { return entry.first < sought; });

@@ -32,11 +32,7 @@ std::optional<std::size_t> Row_Block::column(QStringView name) const {
     return std::nullopt;
 }
 
-void Row_Block::Cells::put(std::size_t row, std::int32_t number, bool null) {
-    if (row == numbers.size())
-        numbers.push_back(number);
-    else
-        numbers.set(row, number);
+void Row_Block::Cells::mark(std::size_t row, bool null) {
     if (!null && row >= nulls.size()) return;
     if (row >= nulls.size()) nulls.resize(row + 1);
     nulls[row] = null;
@@ -48,7 +44,8 @@ void Row_Block::append(const jet::Cursor& row) {
         const std::size_t source = *columns_[i].source;
         if (columns_[i].whole) {
             const std::int32_t number = row.integer(source);
-            cells_[i].put(size(), number, number == 0 && row.is_null(source));
+            cells_[i].numbers.push_back(number);
+            if (number == 0 && row.is_null(source)) cells_[i].mark(size(), true);
         } else {
             cells_[i].values.push_back(row.value(source));
         }
@@ -57,9 +54,14 @@ void Row_Block::append(const jet::Cursor& row) {
 }
 
 void Row_Block::append(jet::Row_Id id, std::span<const Value> values) {
+    for (std::size_t i = 0; i < columns_.size(); ++i) {
+        if (!columns_[i].source) continue;
+        if (columns_[i].whole)
+            cells_[i].numbers.push_back(0);
+        else
+            cells_[i].values.emplace_back();
+    }
     append_id(id);
-    for (std::size_t i = 0; i < columns_.size(); ++i)
-        if (columns_[i].source && !columns_[i].whole) cells_[i].values.emplace_back();
     replace(size() - 1, values);
 }
 
@@ -67,10 +69,12 @@ void Row_Block::replace(std::size_t row, std::span<const Value> values) {
     for (std::size_t i = 0; i < columns_.size(); ++i) {
         if (!columns_[i].source) continue;
         const Value& value = values[*columns_[i].source];
-        if (columns_[i].whole)
-            cells_[i].put(row, ado::number(value).value_or(0), is_null(value));
-        else
+        if (columns_[i].whole) {
+            cells_[i].numbers.set(row, ado::number(value).value_or(0));
+            cells_[i].mark(row, is_null(value));
+        } else {
             cells_[i].values[row] = value;
+        }
     }
 }
 
@@ -81,7 +85,7 @@ bool Row_Block::null(std::size_t row, std::size_t column) const {
     return is_null(cells.values[row]);
 }
 
-std::optional<std::int32_t> Row_Block::number(std::size_t row, std::size_t column) const {
+std::optional<std::int32_t> Row_Block::number_of_any(std::size_t row, std::size_t column) const {
     if (null(row, column)) return std::nullopt;
     return columns_[column].whole ? whole(row, column) : ado::number(cells_[column].values[row]);
 }

@@ -43,7 +43,9 @@ public:
     std::int32_t whole(std::size_t row, std::size_t column) const {
         return cells_[column].numbers[row];
     }
-    std::optional<std::int32_t> number(std::size_t row, std::size_t column) const;
+    std::optional<std::int32_t> number(std::size_t row, std::size_t column) const {
+        return all_whole(column) ? whole(row, column) : number_of_any(row, column);
+    }
     /// The same with 0 for what is no number.
     std::int32_t number_or_0(std::size_t row, std::size_t column) const {
         if (columns_[column].whole && columns_[column].source) return whole(row, column);
@@ -62,13 +64,13 @@ private:
         Numbers numbers;           ///< of a whole column
         std::vector<bool> nulls;   ///< of a whole column; shorter: the rest is not null
         std::vector<Value> values; ///< of any other column
-        void put(std::size_t row, std::int32_t number, bool null);
+        void mark(std::size_t row, bool null);
     };
+    std::optional<std::int32_t> number_of_any(std::size_t row, std::size_t column) const;
+    void append_id(jet::Row_Id id);
 
     std::vector<Column> columns_;
     std::vector<Cells> cells_;
-    void append_id(jet::Row_Id id);
-
     bool for_reading_;
     std::size_t size_ = 0;
     std::vector<std::uint32_t> pages_; // Row_Id in five bytes
