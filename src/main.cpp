@@ -1,5 +1,6 @@
 #include "app/mod_main.h"
 #include "platform/desktop/end_signals.h"
+#include "platform/desktop/fonts_ahead.h"
 #include "platform/files/disk.h"
 #include "store/clsDBConn.h"
 #include "ui/desktop/german.h"
@@ -8,6 +9,7 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <optional>
 
 namespace {
 
@@ -22,7 +24,9 @@ QIcon program_icon() {
 } // namespace
 
 int main(int argc, char** argv) {
+    std::optional<desktop::Fonts_Ahead> fonts(std::in_place);
     QApplication application(argc, argv);
+    fonts.reset();
     QApplication::setApplicationName(QStringLiteral("cv-sets"));
     QApplication::setDesktopFileName(QStringLiteral("cv-sets"));
     QApplication::setWindowIcon(program_icon());
