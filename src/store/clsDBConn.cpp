@@ -181,6 +181,7 @@ Opening clsDBConn::opening() const {
             .blocked_detail = QString::fromStdString(status.detail),
             .recovered = status.recovered,
             .journal_set_aside = QString::fromStdString(status.set_aside),
+            .journal_spoiled = status.journal_spoiled,
             .ldb_beside = inside_->ldb_beside};
 }
 

@@ -45,10 +45,10 @@ struct Opening {
     bool jet3 = false; ///< else Jet 4 (Access 2000 to 2003)
     Blocked blocked = Blocked::no;
     QString blocked_detail;
-    bool recovered = false; ///< an interrupted change was undone
-    QString
-        journal_set_aside;   ///< new name of a journal that did not belong to the file, else empty
-    bool ldb_beside = false; ///< another program may have the file open
+    bool recovered = false;       ///< an interrupted change was undone
+    QString journal_set_aside;    ///< new name of a journal that could not be applied, else empty
+    bool journal_spoiled = false; ///< it was the file's own: a change may be half written
+    bool ldb_beside = false;      ///< another program may have the file open
 };
 
 } // namespace store

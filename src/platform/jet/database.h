@@ -58,7 +58,9 @@ struct Status {
     Blocked blocked = Blocked::no; ///< for the whole file; see also Table::blocked()
     std::string detail;            ///< the reason in plain English, for the log
     bool recovered = false;        ///< an interrupted change was undone at opening
-    std::string set_aside;         ///< new name of a journal that did not belong to this file
+    std::string set_aside;         ///< new name of a journal that could not be applied to this file
+    /// One of this file was spoiled (and may be the one set aside): a change may be half written.
+    bool journal_spoiled = false;
 };
 
 enum class Order {

@@ -31,6 +31,7 @@ Engine::Engine(files::Disk& disk, std::string path, std::unique_ptr<Pager> pager
     const Reading reading(*this);
     header_ = read_header(*pager_);
     check_tables();
+    check_after_spoiled_journal();
 }
 
 Engine::~Engine() {
@@ -43,6 +44,7 @@ Status Engine::status() const {
     status.jet3 = layout().jet3;
     status.recovered = report.recovery != Pager_Report::Recovery::none;
     status.set_aside = report.set_aside;
+    status.journal_spoiled = report.spoiled_journal;
     if (blocked_ != Blocked::no) {
         status.blocked = blocked_;
         status.detail = blocked_detail_;
@@ -96,7 +98,17 @@ void Engine::ensure_writable() const {
     if (now.blocked != Blocked::no) throw Error(Failure::read_only, path_, now.detail);
 }
 
-/// Runs with the exclusive lock, so nobody changes the file meanwhile.
+/// A change may be half written, so it is not left to the first write to find that out.
+void Engine::check_after_spoiled_journal() {
+    if (!pager_->report().spoiled_journal) return;
+    try {
+        check_once();
+    } catch (const Error&) {
+        // Damage is noted, and a medium that fails will say so again.
+    }
+}
+
+/// Runs under a lock, so nobody changes the file meanwhile.
 void Engine::check_once() {
     if (checked_) return;
     const auto report = check();

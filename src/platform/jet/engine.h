@@ -120,6 +120,7 @@ private:
     void check_tables();
     void ensure_writable() const;
     void check_once();
+    void check_after_spoiled_journal();
     void fail(const Error& error) noexcept;
     void load_objects();
     void load(Table_State& state);

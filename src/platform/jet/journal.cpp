@@ -7,12 +7,13 @@
 // J3  The journal tells the old and the new state of every page by checksums. An operation whose
 //     pages are all new is complete and stays, even if the emptying was lost with the power; one
 //     whose pages are all old never began; only between the two it is taken back.
-// J4  The head is one sector, and a table or an old page that fails its checksum was never synced,
-//     so by J1 its operation has not touched the database.
+// J4  The head is one sector. A table or an old page that fails its checksum was never synced, so
+//     that by J1 its operation has not touched the database, or it was spoiled since, and then a
+//     change may be half written. Nothing tells which, so such a journal is kept and reported.
 // J5  A journal is written, emptied and rolled back only under the exclusive lock on the database.
 // J6  A journal is applied only if every sector of every page that it names is as before the
 //     operation or as after it, and size and page 0 fit. Any other is renamed and reported, never
-//     applied.
+//     applied and never emptied.
 // J7  An operation that failed is marked before its pages are put back: after a failed sync the
 //     pages may read as new and yet not be on the medium, so J3 must not accept them.
 // J8  The journal is opened, made, renamed and removed only under a lock on the database; each copy
@@ -115,9 +116,21 @@ void Journal::read_head() {
     if (const auto head = decode_head(sector)) {
         head_ = *head;
         state_ = head_.state == Journal_State::empty ? State::empty : State::hot;
+    } else if (!is_beginning_of_head(sector)) {
+        state_ = State::unreadable;
     } else {
-        state_ = is_beginning_of_head(sector) ? State::blank : State::unreadable;
+        state_ = holds_nothing() ? State::blank : State::headless;
     }
+}
+
+bool Journal::holds_nothing() {
+    std::vector<std::byte> piece(portion);
+    for (std::uint64_t at = 0; const std::size_t count = file_->read_at(at, piece); at += count)
+        if (at + count > journal_sector &&
+            std::any_of(piece.begin(), piece.begin() + static_cast<std::ptrdiff_t>(count),
+                        [](std::byte byte) { return byte != std::byte{}; }))
+            return false;
+    return true;
 }
 
 void Journal::make(std::size_t page_size) {

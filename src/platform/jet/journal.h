@@ -20,6 +20,7 @@ public:
     enum class State {
         absent,
         blank,     ///< made, but its first head was not written, or not whole
+        headless,  ///< the head is zeros, but something stands behind it
         empty,     ///< nothing to take back
         hot,       ///< an operation is not known to be complete
         unreadable ///< no head of ours
@@ -55,6 +56,7 @@ public:
 private:
     void open(bool writable);
     void read_head();
+    bool holds_nothing(); ///< behind the head
     void write_state(Journal_State state);
     bool last_copy(files::File& database);
 

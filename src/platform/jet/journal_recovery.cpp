@@ -24,7 +24,8 @@ public:
         // attached, a journal names another file and is still needed: the pages prove it. Where
         // they leave nothing to do, it may be the one that another file is waiting for, and is
         // kept.
-        if (!known && finding.verdict == Verdict::settled) finding.verdict = Verdict::foreign;
+        const bool proven = finding.verdict == Verdict::take_back;
+        if (!known && !proven) finding.verdict = Verdict::foreign;
         return finding;
     }
 
@@ -34,7 +35,7 @@ private:
     bool read_table();
     bool page_0_fits();
     void compare_page(const Journal_Entry& entry);
-    bool collect_old_pages(Journal_Finding& finding);
+    Verdict collect_old_pages(Journal_Finding& finding);
     bool explained(const Journal_Entry& entry, const Page_Bytes& before);
     bool appended(const Journal_Entry& entry) const {
         return std::uint64_t{entry.number} * page_size_ >= head_.size_before;
@@ -87,16 +88,20 @@ bool Examination::explained(const Journal_Entry& entry, const Page_Bytes& before
     return true;
 }
 
-bool Examination::collect_old_pages(Journal_Finding& finding) {
+Verdict Examination::collect_old_pages(Journal_Finding& finding) {
+    bool whole = true;
     std::uint64_t offset = journal_pages_at(table_.size(), page_size_);
     for (const Journal_Entry& entry : table_) {
         if (appended(entry)) continue;
         auto before = std::make_shared<Page_Bytes>(read_whole(journal_, offset, page_size_));
-        if (journal_checksum(*before) != entry.before || !explained(entry, *before)) return false;
-        finding.pages[entry.number] = before;
         offset += page_size_;
+        if (journal_checksum(*before) != entry.before)
+            whole = false; // J4
+        else if (!explained(entry, *before))
+            return Verdict::foreign; // J6
+        finding.pages[entry.number] = before;
     }
-    return true;
+    return whole ? Verdict::take_back : Verdict::spoiled;
 }
 
 Journal_Finding Examination::judged() {
@@ -104,11 +109,8 @@ Journal_Finding Examination::judged() {
     finding.size = head_.size_before;
     finding.verdict = Verdict::foreign; // J6
     if (!fits()) return finding;
-    if (!read_table()) { // J4
-        // The size after: the next operation was overwriting the table of a complete one whose
-        // emptying was lost with the power.
-        if (size_now_ == head_.size_before || size_now_ == head_.size_after)
-            finding.verdict = Verdict::settled;
+    if (!read_table()) {
+        finding.verdict = Verdict::spoiled; // J4
         return finding;
     }
     if (!page_0_fits()) return finding;
@@ -116,8 +118,8 @@ Journal_Finding Examination::judged() {
     const bool may_stay = head_.state != Journal_State::take_back; // J7
     if (may_stay && (all_old_ || all_new_))                        // J3
         finding.verdict = Verdict::settled;
-    else if (collect_old_pages(finding)) // J6
-        finding.verdict = Verdict::take_back;
+    else
+        finding.verdict = collect_old_pages(finding);
     return finding;
 }
 
@@ -125,6 +127,7 @@ Journal_Finding Examination::judged() {
 
 Journal_Finding examine(Journal& journal, files::File& database, std::size_t page_size) {
     if (journal.state() == Journal::State::unreadable) return {Verdict::foreign, {}, 0};
+    if (journal.state() == Journal::State::headless) return {Verdict::spoiled, {}, 0};
     return Examination(journal, database, page_size).result();
 }
 

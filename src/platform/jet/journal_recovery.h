@@ -9,7 +9,8 @@ struct Journal_Finding {
     enum class Verdict {
         settled,   ///< the operation never began or is complete: the journal can be emptied
         take_back, ///< `pages` and `size` are the state before
-        foreign    ///< it does not fit this file
+        foreign,   ///< it does not fit this file
+        spoiled    ///< it fits, but does not say what to do: the file may be half written
     };
     Verdict verdict = Verdict::settled;
     std::map<Page_Number, Page> pages;

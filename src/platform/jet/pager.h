@@ -34,7 +34,9 @@ struct Pager_Report {
     Recovery recovery = Recovery::none;
     /// A journal that does not fit this file lay beside it and was never applied.
     bool foreign_journal = false;
-    std::string set_aside;                ///< its new path; empty when it could not be renamed
+    /// The journal of this file was spoiled and was never applied: a change may be half written.
+    bool spoiled_journal = false;
+    std::string set_aside; ///< new path of either; empty when it could not be renamed
     std::optional<Write_Refusal> refusal; ///< nothing while the file may be written
 };
 

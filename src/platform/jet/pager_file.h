@@ -54,6 +54,7 @@ private:
     bool must_settle() const;
     void enter_reading();
     void enter_writing();
+    bool note_useless(const Journal_Finding& finding);
     void settle();
     void set_aside();
     void show_settled();

@@ -70,6 +70,7 @@ void File_Pager::notice_state() {
 
 bool File_Pager::must_settle() const {
     return journal_.state() == Journal::State::hot ||
+           journal_.state() == Journal::State::headless ||
            journal_.state() == Journal::State::unreadable;
 }
 
@@ -113,12 +114,20 @@ void File_Pager::enter_writing() {
     notice_state();
 }
 
+/// @return whether the journal is one that can be neither applied nor emptied.
+bool File_Pager::note_useless(const Journal_Finding& finding) {
+    const bool foreign = finding.verdict == Journal_Finding::Verdict::foreign;
+    const bool spoiled = finding.verdict == Journal_Finding::Verdict::spoiled;
+    report_.foreign_journal = report_.foreign_journal || foreign;
+    report_.spoiled_journal = report_.spoiled_journal || spoiled;
+    return foreign || spoiled;
+}
+
 /// Under the exclusive lock (J5).
 void File_Pager::settle() {
     const Journal_Finding finding = examine(journal_, *file_, page_size_);
-    if (finding.verdict == Journal_Finding::Verdict::foreign) {
-        report_.foreign_journal = true;
-        set_aside(); // J6
+    if (note_useless(finding)) {
+        set_aside(); // J4, J6
         return;
     }
     if (finding.verdict == Journal_Finding::Verdict::take_back) {
@@ -142,8 +151,7 @@ void File_Pager::set_aside() {
 /// Where nothing may be written, the old pages are laid over those in the file.
 void File_Pager::show_settled() {
     Journal_Finding finding = examine(journal_, *file_, page_size_);
-    if (finding.verdict == Journal_Finding::Verdict::foreign) report_.foreign_journal = true;
-    if (finding.verdict != Journal_Finding::Verdict::take_back) return;
+    if (note_useless(finding) || finding.verdict == Journal_Finding::Verdict::settled) return;
     report_.recovery = Pager_Report::Recovery::shown_only;
     shown_ = std::move(finding);
 }

@@ -146,8 +146,6 @@ TEST(Journal, one_that_does_not_fit_is_set_aside_and_never_applied) {
          [](Memory_Disk& d) { d.set_bytes(journal_name, Page_Bytes(9, std::byte{'x'})); }},
         {"head spoiled", spoil_journal(20, std::byte{0xEE})},
         {"state unknown", spoil_journal(jet::journal_state_at, std::byte{3})},
-        {"an old page spoiled",
-         spoil_journal(jet::journal_pages_at(4, 4096) + 100, std::byte{0xEE})},
         {"page 0 is another", [](Memory_Disk& d) { edit(d, name, 3000, std::byte{1}); }},
         {"a page that neither state explains",
          [](Memory_Disk& d) { edit(d, name, 3 * 4096, std::byte{0xEE}); }},
@@ -178,6 +176,48 @@ TEST(Journal, one_that_does_not_fit_is_set_aside_and_never_applied) {
         EXPECT_EQ(disk.bytes(journal_name + "-aside-1"), journal);
         EXPECT_EQ(disk.bytes(name), file);
         EXPECT_EQ(pager->report().recovery, Recovery::none);
+    }
+}
+
+/// It may have been cut off before its sync, or spoiled on the medium when pages were written
+/// already: whoever mends the file by hand needs it, and must know.
+TEST(Journal, a_spoiled_one_is_kept_and_told) {
+    struct Case {
+        const char* what;
+        std::function<void(Page_Bytes&)> spoil;
+    };
+    const Case cases[] = {
+        {"table", [](Page_Bytes& journal) { journal[512 + 20] ^= std::byte{1}; }},
+        {"an old page",
+         [](Page_Bytes& journal) {
+             journal[jet::journal_pages_at(4, 4096) + 100] ^= std::byte{1};
+         }},
+        {"end cut off", [](Page_Bytes& journal) { journal.resize(journal.size() - 1); }},
+        {"table cut off", [](Page_Bytes& journal) { journal.resize(600); }},
+        {"head wiped", [](Page_Bytes& journal) {
+             std::ranges::fill(std::span(journal).first(512), std::byte{});
+         }}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        Memory_Disk disk = killed_at(between);
+        const auto file = disk.bytes(name);
+        auto journal = disk.bytes(journal_name);
+        c.spoil(journal);
+        disk.set_bytes(journal_name, journal);
+        {
+            const auto reader = open_pager(disk, name, Open_Mode::read_only);
+            EXPECT_TRUE(reader->report().spoiled_journal);
+            EXPECT_EQ(content(*reader), file);
+        }
+        EXPECT_EQ(disk.bytes(journal_name), journal);
+        const auto pager = open_pager(disk, name, Open_Mode::read_write);
+        EXPECT_TRUE(pager->report().spoiled_journal);
+        EXPECT_FALSE(pager->report().foreign_journal);
+        EXPECT_EQ(pager->report().recovery, Recovery::none);
+        ASSERT_EQ(pager->report().set_aside, journal_name + "-aside-1");
+        EXPECT_EQ(disk.bytes(journal_name + "-aside-1"), journal);
+        EXPECT_EQ(disk.bytes(name), file);
+        put(*pager, {1}, 9);
     }
 }
 
@@ -244,6 +284,9 @@ TEST(Journal, a_spoiled_journal_never_makes_things_worse) {
         const auto after = disk.bytes(name);
         ASSERT_TRUE(after == found || after == old_state());
         healed += after == old_state();
+        const bool says_nothing = journal.size() < 512;
+        ASSERT_TRUE(after == old_state() || says_nothing ||
+                    disk.bytes(pager->report().set_aside) == journal);
         put(*pager, {1}, 9);
     }
     EXPECT_GT(healed, 20);

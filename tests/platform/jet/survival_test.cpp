@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
 #include <random>
 
 namespace {
@@ -87,6 +88,48 @@ TEST_F(Survival, a_session_cut_off_anywhere_leaves_whole_operations) {
     };
     EXPECT_GT(support::sweep_crashes(disk, Session(), check), 100);
     EXPECT_GT(support::sweep_refusals(disk, Session(), check), 50);
+}
+
+/// The program is killed at any moment, and then the medium spoils the journal: nobody takes the
+/// file for a whole one, and with the journal mended by hand it is one again.
+TEST_F(Survival, a_journal_spoiled_after_a_crash_is_kept_and_the_file_looked_through) {
+    std::vector<Content> states;
+    {
+        auto copy = disk.copy();
+        Session{&states}(copy);
+    }
+    const std::string journal_name = std::string(path) + "-journal";
+    constexpr std::size_t state_at = 504;
+    constexpr std::size_t in_table = 512 + 8;
+    int told = 0;
+    int damaged = 0;
+    files::Crash_Disk crashing(disk);
+    crashing.before_change = [&] {
+        std::mt19937 unused;
+        files::Memory_Disk found = crashing.after_power_loss(
+            [](std::size_t) { return files::Crash_Disk::Fate::kept; }, unused);
+        if (!found.file_exists(journal_name)) return;
+        const auto whole = found.bytes(journal_name);
+        if (whole.size() <= in_table || whole[state_at] == std::byte{}) return;
+        found.open(journal_name, files::Access::read_write)
+            ->write_at(in_table, std::array{whole[in_table] ^ std::byte{4}});
+        {
+            auto database = open(found);
+            ASSERT_TRUE(database.status().journal_spoiled);
+            ASSERT_EQ(database.status().set_aside, journal_name + "-aside-1");
+            const bool sound = faults(database).empty();
+            ASSERT_EQ(database.status().blocked == jet::Blocked::no, sound);
+            damaged += !sound;
+        }
+        found.set_bytes(journal_name, whole);
+        auto database = open(found);
+        ASSERT_EQ(faults(database), "");
+        ASSERT_THAT(states, testing::Contains(content(database)));
+        ++told;
+    };
+    Session()(crashing);
+    EXPECT_GT(told, 20);
+    EXPECT_GT(damaged, 5);
 }
 
 TEST_F(Survival, a_damaged_file_is_shown_and_never_written) {
