@@ -147,7 +147,7 @@ void Entry_List::keyPressEvent(QKeyEvent* event) {
 
 void Entry_List::mouseReleaseEvent(QMouseEvent* event) {
     QListView::mouseReleaseEvent(event);
-    if (event->button() == Qt::LeftButton && currentIndex().isValid()) Q_EMIT chosen();
+    if (event->button() == Qt::LeftButton && indexAt(event->pos()).isValid()) Q_EMIT chosen();
 }
 
 void Entry_List::contextMenuEvent(QContextMenuEvent* event) {

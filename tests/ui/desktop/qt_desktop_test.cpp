@@ -3,10 +3,12 @@
 #include "ui/desktop/german.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QDialog>
 #include <QFile>
 #include <QLineEdit>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTest>
@@ -105,4 +107,17 @@ TEST_F(Qt_Desktop_Test, questions_are_german_and_closing_them_means_no) {
         EXPECT_THAT(button_texts(dialog), testing::Contains("Speichern"));
     });
     desktop.ask_save_file(choice("x.mdb"));
+}
+
+TEST_F(Qt_Desktop_Test, the_clipboard_holds_a_form_of_our_own_beside_the_text) {
+    const desktop::Clipboard both{QStringLiteral("SetName,a\r\n"), QStringLiteral("SetName,ä%2C")};
+    EXPECT_TRUE(desktop.Set_Clipboard_Text(both));
+    EXPECT_EQ(desktop.Get_Clipboard_Text(), both);
+    EXPECT_EQ(QGuiApplication::clipboard()->text(), both.text) << "what other programs see";
+    QGuiApplication::clipboard()->setText(QStringLiteral("1;3\n"));
+    EXPECT_EQ(desktop.Get_Clipboard_Text(), (desktop::Clipboard{QStringLiteral("1;3\n"), {}}));
+    auto* picture = new QMimeData;
+    picture->setData(QStringLiteral("image/png"), "no text");
+    QGuiApplication::clipboard()->setMimeData(picture);
+    EXPECT_EQ(desktop.Get_Clipboard_Text(), desktop::Clipboard{});
 }

@@ -42,8 +42,14 @@ TEST_F(Clipboard_Test, chosen_cvs_reach_another_set_by_menu_and_by_keys) {
     cvs().setFocus();
     press(Qt::Key_A, Qt::ControlModifier);
     press(Qt::Key_C, Qt::ControlModifier);
+    const std::string copied = held();
     new_set("Noch eins");
-    cvs().setFocus();
+    put("1;3"); // a click below the last entry leaves the focus in the list
+    choose("mnu_paste");
+    put(copied.c_str());
+    QTest::mouseClick(cvs().viewport(), Qt::LeftButton, {},
+                      cvs().viewport()->rect().bottomLeft() + QPoint(5, -5));
+    EXPECT_EQ(focus(), "lst_CVs");
     press(Qt::Key_V, Qt::ControlModifier);
     EXPECT_EQ(rows(cvs()), chosen);
 }
