@@ -26,7 +26,7 @@ bool Qt_Desktop::Set_Clipboard_Text(const desktop::Clipboard& content) {
     if (!content.own.isEmpty()) given->setData(own_format, content.own.toUtf8());
     QClipboard* clipboard = QGuiApplication::clipboard();
     clipboard->setMimeData(given);
-    return clipboard->ownsClipboard();
+    return clipboard->text() == content.text;
 }
 
 } // namespace ui_desktop
