@@ -32,8 +32,11 @@ protected:
     void paintEvent(QPaintEvent* /*event*/) override {
         QStyleOptionGroupBox option;
         initStyleOption(&option);
-        const QRect frame =
-            style()->subControlRect(QStyle::CC_GroupBox, &option, QStyle::SC_GroupBoxFrame, this);
+        const auto place = [&](QStyle::SubControl part) {
+            return style()->subControlRect(QStyle::CC_GroupBox, &option, part, this);
+        };
+        QRect frame = place(QStyle::SC_GroupBoxFrame);
+        frame.setTop(place(QStyle::SC_GroupBoxLabel).bottom() + 2);
         QPainter painter(this);
         for (const QRect& edge : QRegion(frame) - frame.adjusted(1, 1, -1, -1))
             painter.fillRect(edge, palette().color(QPalette::Mid));
