@@ -104,8 +104,10 @@ void clsDBConn::Inside::upgrade() {
     });
     if (!is_library || lacks.empty()) return; // nothing is added to databases of other kinds
     if (blocked() == Blocked::no && begin()) {
-        // one refused (a key that old files do not have) does not keep the others out
-        if (keep_copy())
+        // Another copy of the program may have been quicker.
+        const bool known = reading(ado::Extent::some, [&] { lacks = missing(catalog); });
+        // One refused (a key that old files do not have) does not keep the others out.
+        if (known && !lacks.empty() && keep_copy())
             for (const Addition& addition : lacks) changing([&] { add(catalog, addition); });
         end(true);
     }

@@ -3,6 +3,7 @@
 #include "platform/jet/database.h"
 #include "scripts/cls_script_coll.h"
 #include "store/library.h"
+#include "support/interrupted_disk.h"
 
 #include <gmock/gmock.h>
 
@@ -88,6 +89,34 @@ TEST_F(Schema, an_old_library_gets_what_it_lacks_once) {
     EXPECT_TRUE(db.DB_Save_Script_States(1));
     EXPECT_EQ(db.DB_Count_Scripts(1), 1);
     EXPECT_THAT(library::faults(disk, "a.mdb"), testing::IsEmpty());
+}
+
+TEST_F(Schema, two_copies_that_open_an_old_library_at_once_complete_it_together) {
+    make(true);
+    bool met = true;
+    int times = 0;
+    for (int nth = 1; met; ++nth) {
+        SCOPED_TRACE(nth);
+        support::Interrupted_Disk shared;
+        shared.set_bytes("a.mdb", disk.bytes("a.mdb"));
+        clsDBConn one(shared);
+        clsDBConn other(shared);
+        shared.due = nth;
+        shared.action = [&] { other.Connection_Start(u"a.mdb"_s); };
+        one.Connection_Start(u"a.mdb"_s);
+        met = !shared.action;
+        times += met;
+        ASSERT_TRUE(one.Connection_Active());
+        for (clsDBConn* const db_ : {&one, &other}) {
+            const std::string trouble = library::trouble(*db_);
+            EXPECT_TRUE(trouble.empty() || (met && trouble == "locked_elsewhere")) << trouble;
+        }
+        one.Connection_Start(u"a.mdb"_s);
+        EXPECT_EQ(library::sets(one, 8).size(), 2U);
+        EXPECT_EQ(jet::Database::open(shared, "a.mdb", jet::Mode::read_only).tables().size(), 4U);
+        EXPECT_EQ(library::faults(shared, "a.mdb"), std::vector<std::string>());
+    }
+    EXPECT_GT(times, 5);
 }
 
 TEST_F(Schema, the_new_tables_are_those_that_others_expect) {
