@@ -78,7 +78,10 @@ void clsDBConn::Inside::note(Failure kind, const QString& subject, const QString
 }
 
 void clsDBConn::Inside::note(const ado::Error& error) {
-    note(translated(error.kind), error.subject, error.detail);
+    if (error.kind == ado::Failure::damaged) // which page it is matters to nobody but the log
+        note(Failure::damaged, file, error.subject + u": "_s + error.detail);
+    else
+        note(translated(error.kind), error.subject, error.detail);
     lost = lost || error.kind == ado::Failure::replaced;
 }
 

@@ -1,6 +1,7 @@
 #include "main_window.h"
 
 #include <QMenu>
+#include <algorithm>
 
 using namespace ui_main;
 using testing::ElementsAre;
@@ -52,10 +53,15 @@ TEST_F(Files_Test, a_file_that_cannot_be_opened_leaves_nothing_open_but_is_recen
     const std::string words = "kein Jet";
     const auto view = std::as_bytes(std::span(words));
     disk.set_bytes("/home/anna/text.mdb", {view.begin(), view.end()});
+    auto damaged = disk.bytes("/home/anna/andere.mdb");
+    std::fill_n(damaged.begin() + 2 * 4096, 600, std::byte{9}); // the catalogue's definition
+    disk.set_bytes("/home/anna/kaputt.mdb", damaged);
     const struct {
         const char* path;
         const char* said;
-    } cases[] = {{"/home/anna/text.mdb", "keine Datenbank"}, {"/home/anna/weg.mdb", "vorhanden"}};
+    } cases[] = {{"/home/anna/text.mdb", "keine Datenbank"},
+                 {"/home/anna/kaputt.mdb", "„kaputt.mdb“ ist beschädigt"},
+                 {"/home/anna/weg.mdb", "vorhanden"}};
     for (const auto& c : cases) {
         desktop.expect_open(QString::fromUtf8(c.path));
         choose("mnu_open_database");
