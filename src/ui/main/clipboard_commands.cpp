@@ -6,14 +6,6 @@
 #include "ui/main/texts.h"
 
 namespace ui_main {
-namespace {
-
-void append_count(QStringList& parts, Text form, int count) {
-    if (count > 0) parts.append(text(form).arg(count));
-}
-
-} // namespace
-
 void Frm_Main::put_on_clipboard(const desktop::Clipboard& content, const QString& sentence) {
     say(desktop_.Set_Clipboard_Text(content) ? sentence : text(Text::clipboard_refused));
 }

@@ -31,10 +31,6 @@ desktop::File_Choice database_choice(const QString& file) {
     return {app::globals.Database_Path, file, database_extension, text(Text::database_filter)};
 }
 
-void append_count(QStringList& parts, Text form, int count) {
-    if (count > 0) parts.append(text(form).arg(count));
-}
-
 } // namespace
 
 void Frm_Main::Open_Database() {

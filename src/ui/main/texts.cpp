@@ -192,6 +192,10 @@ QString text(Text which) {
     return texts.value(static_cast<int>(which));
 }
 
+void append_count(QStringList& sentences, Text form, int count) {
+    if (count > 0) sentences.append(text(form).arg(count));
+}
+
 QString sentence(const store::Trouble& trouble) {
     for (const Trouble_Entry& entry : troubles) {
         if (entry.kind != trouble.kind) continue;

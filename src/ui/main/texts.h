@@ -5,6 +5,7 @@
 #include "store/undo_name.h"
 
 #include <QString>
+#include <QStringList>
 
 namespace ui_main {
 
@@ -127,6 +128,8 @@ enum class Text {
 };
 
 QString text(Text which);
+/// Adds the sentence that counts something, if there is any of it.
+void append_count(QStringList& sentences, Text form, int count);
 
 /// The sentence about what kept an operation from its work.
 QString sentence(const store::Trouble& trouble);
