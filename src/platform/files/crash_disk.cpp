@@ -6,16 +6,6 @@ namespace files {
 
 constexpr std::uint64_t sector = 512;
 
-namespace {
-
-void make_folders(Memory_Disk& disk, const std::string& folder) {
-    if (disk.folder_exists(folder)) return;
-    make_folders(disk, folder_of(folder));
-    disk.make_folder(folder);
-}
-
-} // namespace
-
 class Crash_File final : public File {
 public:
     Crash_File(Crash_Disk& disk, std::unique_ptr<File> live)
@@ -57,6 +47,7 @@ void Crash_Disk::Medium::apply(const Change& change) {
         else
             names.erase(path);
     }
+    if (!change.made_folder.empty()) folders.insert(change.made_folder);
     if (change.inode == 0) return;
     Bytes& content = contents[change.inode];
     if (change.size) content.resize(*change.size);
@@ -83,9 +74,10 @@ void Crash_Disk::Medium::apply_torn(const Change& change, std::mt19937& torn) {
 }
 
 Crash_Disk::Crash_Disk(Memory_Disk& content) {
+    for (const std::string& folder : content.folders()) live_.make_folder(folder);
+    medium_.folders = content.folders();
     for (const std::string& path : content.paths()) {
         const Identity identity = *content.identity(path);
-        make_folders(live_, folder_of(path));
         live_.restore(path, content.bytes(path), identity);
         medium_.names[path] = identity.inode;
         medium_.contents[identity.inode] = content.bytes(path);
@@ -100,10 +92,11 @@ Memory_Disk Crash_Disk::after_power_loss(const Fates& fates, std::mt19937& torn)
         if (fate == Fate::torn) medium.apply_torn(pending_[i], torn);
     }
     Memory_Disk disk;
-    for (const auto& [path, inode] : medium.names) {
-        make_folders(disk, folder_of(path));
-        disk.restore(path, medium.contents[inode], {1, inode});
-    }
+    for (const std::string& folder : medium.folders) // sorted: the ones above come first
+        if (disk.folder_exists(folder_of(folder))) disk.make_folder(folder);
+    for (const auto& [path, inode] : medium.names)
+        if (disk.folder_exists(folder_of(path)))
+            disk.restore(path, medium.contents[inode], {1, inode});
     return disk;
 }
 
@@ -116,6 +109,17 @@ std::unique_ptr<File> Crash_Disk::open(const std::string& path, Access access) {
     if (makes && !existed) add({0, 0, {}, {}, {{path, inode}}});
     if (makes && existed) add({inode, 0, {}, 0, {}});
     return std::make_unique<Crash_File>(*this, std::move(file));
+}
+
+void Crash_Disk::make_folder(const std::string& path) {
+    announce();
+    live_.make_folder(path);
+    add({0, 0, {}, {}, {}, path});
+}
+
+bool Crash_Disk::Change::in_folder(const std::string& folder) const {
+    if (!made_folder.empty()) return folder_of(made_folder) == folder;
+    return !names.empty() && folder_of(names.begin()->first) == folder;
 }
 
 void Crash_Disk::remove(const std::string& path) {
@@ -142,7 +146,7 @@ void Crash_Disk::sync_folder(const std::string& path) {
     announce();
     live_.sync_folder(path);
     std::erase_if(pending_, [&](const Change& change) {
-        if (change.names.empty() || folder_of(change.names.begin()->first) != path) return false;
+        if (!change.in_folder(path)) return false;
         medium_.apply(change);
         return true;
     });

@@ -9,7 +9,7 @@ namespace files {
 
 /// A disk in memory that remembers what has not been synced, so that a test can look at what a loss
 /// of power would leave at any moment. Contents reach the medium when their file is synced, names
-/// (made, removed, changed) when their folder is. Each change that is under way may be kept, lost
+/// (made, removed, changed) when their folder is, those of folders too. Each change that is under way may be kept, lost
 /// or torn on its own: a later one may arrive without an earlier one. Sectors of 512 bytes are
 /// written whole or not at all. Open files must not outlive it.
 class Crash_Disk : public Disk {
@@ -36,7 +36,7 @@ public:
         return live_.identity(path);
     }
     bool folder_exists(const std::string& path) override { return live_.folder_exists(path); }
-    void make_folder(const std::string& path) override { live_.make_folder(path); }
+    void make_folder(const std::string& path) override;
     void remove(const std::string& path) override;
     void rename(const std::string& from, const std::string& to) override;
     void sync_folder(const std::string& path) override;
@@ -54,8 +54,11 @@ private:
         Bytes bytes;
         std::optional<std::uint64_t> size;
         std::map<std::string, std::optional<std::uint64_t>> names;
+        std::string made_folder = {};
+        bool in_folder(const std::string& folder) const; ///< its names stand there
     };
     struct Medium {
+        std::set<std::string> folders;
         std::map<std::string, std::uint64_t> names;
         std::map<std::uint64_t, Bytes> contents;
         void apply(const Change& change);

@@ -41,6 +41,7 @@ public:
     /// Making, removing and renaming in the folder is refused with `denied` from now on.
     void protect_folder(const std::string& path) { protected_folders_.insert(path); }
     std::vector<std::string> paths() const; ///< of all files
+    const std::set<std::string>& folders() const { return folders_; }
 
     struct Node; ///< one file, named or only open
 

@@ -69,6 +69,22 @@ TEST(Crash_Disk, names_arrive_with_their_folder) {
     EXPECT_THAT(lost(), IsEmpty());
 }
 
+TEST(Crash_Disk, a_new_folder_arrives_with_the_one_above) {
+    Memory_Disk start;
+    start.make_folder("f");
+    start.make_folder("empty");
+    Crash_Disk disk(start);
+    const auto lost = [&] { return after(disk, [](std::size_t) { return Fate::lost; }); };
+    disk.make_folder("f/g");
+    disk.open("f/g/a", Access::create_new)->sync();
+    disk.sync_folder("f/g");
+    EXPECT_TRUE(lost().folder_exists("empty"));
+    EXPECT_FALSE(lost().folder_exists("f/g"));
+    EXPECT_THAT(lost().paths(), IsEmpty()) << "whatever is in it is lost with it";
+    disk.sync_folder("f");
+    EXPECT_THAT(lost().paths(), ElementsAre("f/g/a"));
+}
+
 TEST(Crash_Disk, a_torn_write_is_whole_in_each_sector) {
     Memory_Disk start;
     start.set_bytes("a", filled(4096, 1));
