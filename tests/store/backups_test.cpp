@@ -181,6 +181,24 @@ TEST_F(Copies, what_a_crash_left_of_one_goes_with_the_next) {
     EXPECT_THAT(names(), testing::UnorderedElementsAreArray(expected));
 }
 
+TEST_F(Copies, the_first_one_is_not_lost_with_the_folder_that_was_made_for_it) {
+    put();
+    if (IsSkipped()) return;
+    disk.set_bytes("Sicherungen", {}); // so it goes to the user's own
+    files::Crash_Disk crashing(disk);
+    {
+        Program run(crashing, now);
+        ASSERT_TRUE(run.change("a.mdb", 1));
+    }
+    std::mt19937 unused;
+    files::Memory_Disk left = crashing.after_power_loss(
+        [](std::size_t) { return files::Crash_Disk::Fate::lost; }, unused);
+    EXPECT_NE(left.bytes("a.mdb"), disk.bytes("a.mdb"));
+    const auto copies = Backups(left, u"user"_s).copies_of(u"a.mdb"_s);
+    ASSERT_EQ(copies.size(), 1U);
+    EXPECT_EQ(left.bytes(copies.front().path.toStdString()), disk.bytes("a.mdb"));
+}
+
 TEST_F(Copies, two_within_a_second_and_a_clock_that_goes_back_lose_none) {
     put();
     if (IsSkipped()) return;
