@@ -1,13 +1,15 @@
 // Copies before the first change, and bringing one back.
 
-#include "store/backups.h"
-#include "store/undo_library.h"
+#include "store/backups_library.h"
 #include "support/crash_sweep.h"
 
 #include <gmock/gmock.h>
 
 using namespace store;
 using namespace Qt::Literals::StringLiterals;
+using copies::noon;
+using copies::Program;
+using copies::text;
 using testing::ElementsAre;
 using undo::Content;
 using undo::content;
@@ -15,48 +17,6 @@ using undo::difference;
 using undo::Person;
 
 namespace {
-
-const QDateTime noon(QDate(2026, 3, 1), QTime(12, 0, 0));
-
-QString text(const std::string& utf8) { return QString::fromStdString(utf8); }
-
-/// A run of the program: a connection that keeps copies.
-struct Program {
-    Program(files::Disk& disk, QDateTime& now)
-        : backups(disk, u"user"_s, [&now] { return now; }), db(disk) {
-        db.keep_copies(&backups);
-    }
-    bool change(const std::string& path, int value) {
-        db.Connection_Start(text(path));
-        Person person(db);
-        return db.Connection_Active() && person.write(1, 900, value).CVID != 0;
-    }
-    std::string trouble() { return backups.take_trouble() ? "told" : ""; }
-
-    Backups backups;
-    clsDBConn db;
-};
-
-class Copies : public On_Library {
-protected:
-    void put(const std::string& path = "a.mdb", const std::string& sample = "library_2000") {
-        if (library::names().empty()) GTEST_SKIP() << "no samples";
-        library::put(disk, sample, path);
-        if (!disk.folder_exists("user")) disk.make_folder("user");
-    }
-    std::vector<std::string> names(const std::string& folder = "Sicherungen") {
-        return disk.folder_exists(folder) ? disk.files_in(folder) : std::vector<std::string>();
-    }
-    /// A change in a run of its own, at some seconds after noon.
-    void change_at(int seconds, int value, const std::string& path = "a.mdb") {
-        now = noon.addSecs(seconds);
-        Program run(disk, now);
-        ASSERT_TRUE(run.change(path, value)) << library::trouble(run.db);
-        EXPECT_EQ(run.trouble(), "");
-    }
-
-    QDateTime now = noon;
-};
 
 TEST_F(Copies, one_is_made_before_the_first_change_of_a_run) {
     put();
@@ -348,91 +308,6 @@ TEST_F(Copies, what_cannot_be_read_or_kept_is_not_brought_back) {
     EXPECT_FALSE(run.backups.restore(found.back().path, u"a.mdb"_s));
     EXPECT_EQ(run.backups.take_trouble()->kind, Failure::denied);
     EXPECT_EQ(disk.bytes("a.mdb"), present);
-}
-
-/// Contents of all copies.
-std::vector<Content> kept(files::Disk& disk) {
-    std::vector<Content> found;
-    for (const Backup& copy : Backups(disk, u"user"_s).copies_of(u"a.mdb"_s))
-        found.push_back(content(disk, copy.path.toStdString()));
-    return found;
-}
-
-/// Refused calls and losses of power: no state of the library is ever lost.
-class Copies_In_Trouble : public Copies {
-protected:
-    void prepare() {
-        put("a.mdb", "old_library");
-        if (IsSkipped()) return;
-        change_at(0, 1);
-        before = content(disk);
-    }
-    /// Opens, so that what was cut off is taken back.
-    static Content left(files::Disk& found) {
-        clsDBConn opened(found);
-        opened.Connection_Start(u"a.mdb"_s);
-        EXPECT_TRUE(opened.Connection_Active());
-        return content(found);
-    }
-    Content before;
-};
-
-TEST_F(Copies_In_Trouble, no_change_without_a_copy_unless_that_was_told) {
-    prepare();
-    if (IsSkipped()) return;
-    bool told = false;
-    const auto work = [&](files::Disk& on) {
-        Program run(on, now);
-        run.db.Connection_Start(u"a.mdb"_s);
-        run.db.AktCVSetID(1);
-        CVRec rec{0, 1, 901, 7, 0, false};
-        const bool stored = run.db.DB_Write_CV(rec);
-        told = run.trouble() == "told";
-        if (!stored) throw std::runtime_error("not stored");
-    };
-    now = noon.addSecs(60);
-    const auto check = [&](files::Disk& found, support::Outcome outcome) {
-        const Content now_there = left(found);
-        const auto copies = kept(found);
-        const bool changed = !(now_there == before);
-        if (outcome == support::Outcome::finished) {
-            EXPECT_TRUE(changed);
-        }
-        if (changed && !told) {
-            EXPECT_GE(std::count(copies.begin(), copies.end(), before), 1);
-        }
-    };
-    EXPECT_GT(support::sweep_refusals(disk, work, check), 50);
-    told = false;
-    if (support::long_tests()) {
-        EXPECT_GT(support::sweep_crashes(disk, work, check), 50);
-    }
-}
-
-TEST_F(Copies_In_Trouble, bringing_one_back_happens_whole_or_not_at_all) {
-    prepare();
-    if (IsSkipped()) return;
-    const std::string copy = "Sicherungen/a 2026-03-01 12-00-00.mdb";
-    const Content old = content(disk, copy);
-    now = noon.addSecs(60);
-    const auto work = [&](files::Disk& on) {
-        Backups backups(on, u"user"_s, [&] { return now; });
-        if (!backups.restore(text(copy), u"a.mdb"_s)) throw std::runtime_error("not restored");
-    };
-    const auto check = [&](files::Disk& found, support::Outcome outcome) {
-        const Content now_there = content(found);
-        EXPECT_TRUE(now_there == old ||
-                    (outcome != support::Outcome::finished && now_there == before));
-        const auto copies = kept(found);
-        EXPECT_GE(std::count(copies.begin(), copies.end(), old), 1);
-        if (now_there == old) {
-            EXPECT_GE(std::count(copies.begin(), copies.end(), before), 1);
-        }
-    };
-    EXPECT_GT(support::sweep_crashes(disk, work, check), 50);
-    if (support::long_tests()) {
-        EXPECT_GT(support::sweep_refusals(disk, work, check), 50);
-    }
 }
 
 } // namespace
