@@ -33,17 +33,18 @@ void append(files::File& log, const QByteArray& line) {
 Diagnostic_Log::Diagnostic_Log(files::Disk& disk, QString path, std::function<QDateTime()> now)
     : disk_(disk), path_(std::move(path)), now_(std::move(now)) {}
 
-void Diagnostic_Log::write(const QString& line) noexcept {
+bool Diagnostic_Log::write(const QString& line) noexcept {
     try {
         const std::string name = path_.toStdString();
         const bool there = disk_.file_exists(name);
         const auto log =
             disk_.open(name, there ? files::Access::read_write : files::Access::create_new);
-        if (!log->lock(files::Lock::exclusive, std::chrono::milliseconds(200))) return;
+        if (!log->lock(files::Lock::exclusive, std::chrono::milliseconds(200))) return true; // busy
         const QString time = now_().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss "));
         append(*log, (time + line.simplified() + u'\n').toUtf8());
+        return true;
     } catch (const std::exception&) {
-        // Nobody can be told about a log that cannot be written but the log itself.
+        return false;
     }
 }
 

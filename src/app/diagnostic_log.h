@@ -18,8 +18,8 @@ public:
     Diagnostic_Log(
         files::Disk& disk, QString path,
         std::function<QDateTime()> now = [] { return QDateTime::currentDateTime(); });
-    /// Appends one line. A log that cannot be written costs nobody anything: no error comes back.
-    void write(const QString& line) noexcept;
+    /// Appends one line. @return false: the log cannot be written
+    bool write(const QString& line) noexcept;
 
 private:
     files::Disk& disk_;

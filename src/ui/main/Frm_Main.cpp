@@ -201,7 +201,10 @@ bool Frm_Main::say_trouble() {
 
 void Frm_Main::say_and_log(const QString& sentence, const QString& reason) {
     say(sentence);
-    log().write(reason.isEmpty() ? sentence : sentence + u" ["_qs + reason + u']');
+    const bool kept =
+        log().write(reason.isEmpty() ? sentence : sentence + u" ["_qs + reason + u']');
+    if (!kept && !std::exchange(log_loss_said_, true))
+        say(sentence + u' ' + text(Text::log_lost).arg(app::globals.UserDataDir));
 }
 
 app::Diagnostic_Log Frm_Main::log() {

@@ -160,6 +160,7 @@ private:
     int family_ = 0;                ///< 0 QR, 1 QD
     bool redrawing_scripts_ = false;
     bool unloaded_ = false;
+    bool log_loss_said_ = false;
 };
 
 } // namespace ui_main

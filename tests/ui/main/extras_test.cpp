@@ -338,6 +338,16 @@ TEST_F(Extras_Test, settings_and_place_come_back) {
     EXPECT_EQ(disk.bytes("/home/anna/.local/share/KELDA/TRV/CVSets_Inits.ini"), written);
 }
 
+TEST_F(Main_Window_Test, a_data_folder_that_cannot_be_written_is_said) {
+    disk.make_folder("/home/anna/.local");
+    disk.protect_folder("/home/anna/.local");
+    put_template();
+    start_bare();
+    EXPECT_THAT(status(), HasSubstr("geöffnet, CV-Sets: 0. In „/home/anna/.local/"));
+    EXPECT_THAT(status(), HasSubstr("gehen verloren"));
+    window->close(); // the same for the settings, and nothing is thrown
+}
+
 TEST_F(Extras_Test, a_window_from_a_larger_desktop_comes_onto_this_one) {
     const struct {
         const char* what;
