@@ -33,6 +33,7 @@ void make_folders(files::Disk& disk, const QString& path) {
     }
     make_folders(disk, parent);
     disk.make_folder(name);
+    disk.sync_folder(files::folder_of(name)); // or what is kept in it goes with the power
 }
 
 bool EnsureFolder(files::Disk& disk, const QString& path) {

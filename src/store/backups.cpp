@@ -221,7 +221,7 @@ void Backups::put_journal_away(const std::string& path) {
     disk_.rename(journal, away);
 }
 
-void Backups::put_back(const std::string& copy, const std::string& path) {
+void Backups::put(const std::string& source, const std::string& path, files::Rights rights) {
     std::string kept;
     std::optional<Held_Library> held;
     if (disk_.file_exists(path)) {
@@ -234,7 +234,7 @@ void Backups::put_back(const std::string& copy, const std::string& path) {
         kept = make_copy(path);
     }
     if (!held) put_journal_away(path);
-    files::copy_file(disk_, copy, path, files::Rights::of_source);
+    files::copy_file(disk_, source, path, rights);
     copied_.erase(path);
     if (!kept.empty()) remove_old(path, kept);
 }
@@ -244,7 +244,17 @@ bool Backups::restore(const QString& copy, const QString& file) {
         trouble_ = {Failure::damaged, copy, u"it cannot be read as a library"_s};
         return false;
     }
-    return noting([&] { put_back(copy.toStdString(), disk_.resolve(file.toStdString())); });
+    return noting([&] {
+        put(copy.toStdString(), disk_.resolve(file.toStdString()), files::Rights::of_source);
+    });
+}
+
+void Backups::overwrite(const QString& file, const QString& with) {
+    const std::string source = with.toStdString();
+    if (!disk_.file_exists(source))
+        throw files::Error(files::Failure::not_found, source, "nothing to put there");
+    put(source, disk_.resolve(file.toStdString()), files::Rights::of_new_file);
+    made_now(file);
 }
 
 } // namespace store

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/files/disk.h"
+#include "platform/files/replace.h"
 #include "store/Before_First_Write.h"
 #include "store/trouble.h"
 
@@ -27,7 +27,7 @@ struct Backup {
 /// place does not take them they go to a folder of the same name among the user's own data, and
 /// there to a folder per place that they come from, since libraries of one name lie in many.
 ///
-/// Nothing here throws. Only files of that form for that library are ever removed, and what a crash
+/// Only overwrite() throws. Only files of that form for that library are ever removed, and what a crash
 /// in an earlier run has left of one.
 class Backups final : public Before_First_Write {
 public:
@@ -49,6 +49,10 @@ public:
     /// @return false: the library is as it was, and take_trouble() says why.
     bool restore(const QString& copy, const QString& file);
 
+    /// Puts a new library in the place of another one, which becomes a copy first. To be closed
+    /// before, opened after. Throws files::Error; the library is as it was then.
+    void overwrite(const QString& file, const QString& with);
+
     /// The latest reason for a copy that was not made, listed or brought back.
     std::optional<Trouble> take_trouble();
 
@@ -61,7 +65,7 @@ private:
     std::string make_copy(const std::string& path);
     std::string copy_to(const Place& place, const std::string& path);
     void remove_old(const std::string& path, const std::string& just_made) noexcept;
-    void put_back(const std::string& copy, const std::string& path);
+    void put(const std::string& source, const std::string& path, files::Rights rights);
     void put_journal_away(const std::string& path);
     std::optional<int> sets_in(const std::string& path);
     template <class Work>

@@ -51,6 +51,20 @@ TEST_F(Sharing, each_sees_what_the_other_has_stored) {
     EXPECT_EQ(library::faults(disk, "a.mdb"), std::vector<std::string>());
 }
 
+TEST_F(Sharing, no_cv_goes_into_a_set_that_the_other_has_deleted) {
+    open_both("orphans");
+    if (IsSkipped()) return;
+    std::int16_t number = 0;
+    const std::int32_t set = other.DB_Add_CVSet(u"kurz"_s, number, 8);
+    db.AktCVSetID(set);
+    CVRec cv{0, 1, 3, 7, 0, false};
+    ASSERT_TRUE(db.DB_Write_CV(cv));
+    ASSERT_TRUE(other.DB_Del_CVSet(set));
+    EXPECT_FALSE(db.DB_Write_CV(cv));
+    EXPECT_EQ(db.last_trouble()->kind, Failure::not_found);
+    EXPECT_TRUE(library::cvs(db, set).empty());
+}
+
 TEST_F(Sharing, while_one_changes_the_other_is_told_to_wait) {
     open_both("partly_numbered");
     if (IsSkipped()) return;

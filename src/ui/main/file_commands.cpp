@@ -67,8 +67,11 @@ void Frm_Main::say_opening() {
         parts.append(text(Text::write_protected) + u": "_qs + reason(opening.blocked));
     }
     if (opening.recovered) parts.append(text(Text::recovered));
+    if (opening.journal_spoiled) parts.append(text(Text::journal_spoiled));
     if (!opening.journal_set_aside.isEmpty()) {
-        parts.append(text(Text::journal_set_aside).arg(app::FileOf(opening.journal_set_aside)));
+        const Text form =
+            opening.journal_spoiled ? Text::spoiled_set_aside : Text::journal_set_aside;
+        parts.append(text(form).arg(app::FileOf(opening.journal_set_aside)));
     }
     if (opening.ldb_beside) parts.append(text(Text::ldb_beside));
     append_count(parts, Text::sets_in_no_view, database_.sets_in_no_view());
@@ -114,9 +117,12 @@ bool Frm_Main::make_database(const QString& path) {
     const bool over_itself = database_.Connection_Active() && path == app::current_database();
     if (over_itself) database_.Connection_Close();
     try {
-        if (app::FileExists(disk_, path)) backups().keep_copy(path);
-        files::copy_file(disk_, app::globals.EmptyDBTemplate.toStdString(), path.toStdString());
-        backups().made_now(path);
+        if (app::FileExists(disk_, path)) {
+            backups().overwrite(path, app::globals.EmptyDBTemplate);
+        } else {
+            files::copy_file(disk_, app::globals.EmptyDBTemplate.toStdString(), path.toStdString());
+            backups().made_now(path);
+        }
         return true;
     } catch (const files::Error& error) {
         if (over_itself) Open_Database();

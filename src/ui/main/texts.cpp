@@ -58,6 +58,9 @@ constexpr Entry table[] = {
      u"„%1“ geöffnet; die Datei enthält keine CV-Sets (andere Art von Datenbank)."},
     {Text::recovered, u"Eine unterbrochene Änderung wurde zurückgenommen."},
     {Text::journal_set_aside, u"Ein fremdes Änderungsprotokoll liegt jetzt unter „%1“."},
+    {Text::journal_spoiled, u"Eine unterbrochene Änderung ließ sich nicht zurücknehmen, weil ihr "
+                            u"Protokoll beschädigt ist."},
+    {Text::spoiled_set_aside, u"Es liegt jetzt unter „%1“."},
     {Text::ldb_beside, u"Vielleicht hat auch ein anderes Programm die Datei offen (.ldb)."},
     {Text::sets_in_no_view, u"Sets mit anderer Reset-CV als 8 und 265, nicht gezeigt: %1."},
     {Text::sets_completed, u"Nur in der Anzeige ergänzte Nummern oder Reset-CVs: %1."},

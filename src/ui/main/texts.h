@@ -55,6 +55,8 @@ enum class Text {
     opened_without_sets, ///< %1 file
     recovered,           ///< an interrupted change was undone
     journal_set_aside,   ///< %1 file
+    journal_spoiled,
+    spoiled_set_aside, ///< %1 file
     ldb_beside,
     sets_in_no_view,        ///< %1 sets
     sets_completed,         ///< %1 sets
