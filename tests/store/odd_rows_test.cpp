@@ -98,6 +98,30 @@ TEST_F(Odd_Rows, states_outside_0_to_255_are_left_out_and_counted) {
     scripts::AktScripts().Clear();
 }
 
+TEST(A_Library, that_was_cut_off_is_never_written_to) {
+    if (library::names().empty()) GTEST_SKIP() << "no samples";
+    constexpr std::size_t page = 4096;
+    files::Memory_Disk whole;
+    library::put(whole, "library_2000", "a.mdb");
+    const auto bytes = whole.bytes("a.mdb");
+    for (std::size_t pages = 1; pages < bytes.size() / page; ++pages) {
+        SCOPED_TRACE(pages);
+        files::Memory_Disk disk;
+        const auto cut = bytes.begin() + static_cast<std::ptrdiff_t>(pages * page);
+        disk.set_bytes("a.mdb", {bytes.begin(), cut});
+        clsDBConn db(disk);
+        db.Connection_Start(u"a.mdb"_s);
+        std::int16_t number = 0;
+        EXPECT_EQ(db.DB_Add_CVSet(u"Neu"_s, number, 8), 0);
+        db.AktCVSetID(1);
+        CVRec cv{0, 1, 1, 99, 0, false};
+        EXPECT_FALSE(db.DB_Write_CV(cv));
+        db.Connection_Close();
+        EXPECT_TRUE(std::equal(bytes.begin(), cut, disk.bytes("a.mdb").begin()));
+        EXPECT_EQ(disk.bytes("a.mdb").size(), pages * page);
+    }
+}
+
 TEST(The_Connection, of_the_program_tells_the_value_that_scripts_show) {
     if (library::names().empty()) GTEST_SKIP() << "no samples";
     const support::Temporary_Folder folder;
