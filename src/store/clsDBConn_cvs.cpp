@@ -137,8 +137,11 @@ bool clsDBConn::DB_Write_CV(CVRec& rec) {
         }
         if (is_new) {
             // a set that another copy has deleted would leave its CVs to nobody
-            if (!inside.find_set(inside.akt_set)) throw inside.gone(u"Sets"_s, inside.akt_set);
-            inside.query(cv_in_place(inside.akt_set, rec)); // looked elsewhere meanwhile
+            if (inside.set_there != inside.akt_set) {
+                if (!inside.find_set(inside.akt_set)) throw inside.gone(u"Sets"_s, inside.akt_set);
+                inside.set_there = inside.akt_set;
+                inside.query(cv_in_place(inside.akt_set, rec)); // looked elsewhere meanwhile
+            }
             row.add_new();
             row.set(u"SetID"_s, ado::value(inside.akt_set));
             row.set(u"CVPageHi"_s, ado::value(rec.CVPageHi));

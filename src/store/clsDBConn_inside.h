@@ -69,8 +69,9 @@ struct clsDBConn::Inside : ado::Row_Watcher {
     bool spoiled = false;
     bool lost = false; ///< the path names another file by now: to be closed after the operation
 
-    bool begin();      ///< @return false: nothing can be changed, and why is noted
-    void begin_lost(); ///< an operation in which nothing is done
+    std::int32_t set_there = 0; ///< seen by this operation, in which nobody else can delete it
+    bool begin();               ///< @return false: nothing can be changed, and why is noted
+    void begin_lost();          ///< an operation in which nothing is done
     bool end(bool keep);
     void row_changed(const QString& table, const ado::Row& before, const ado::Row& after) override;
     void replay(const Row_Change& change);

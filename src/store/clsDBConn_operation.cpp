@@ -54,7 +54,10 @@ bool clsDBConn::Inside::begin() {
         return false;
     }
     try {
-        if (depth == 0) transaction.emplace(connection);
+        if (depth == 0) {
+            transaction.emplace(connection);
+            set_there = 0;
+        }
         ++depth;
         return true;
     } catch (const ado::Error& error) {
@@ -107,6 +110,7 @@ void clsDBConn::Inside::row_changed(const QString& table, const ado::Row& before
     for (const Table_Name& known : table_names) {
         if (table.compare(known.name, Qt::CaseInsensitive) != 0) continue;
         const std::int32_t key = key_in(after.empty() ? before : after, known.key);
+        if (known.table == Table::Sets && after.empty()) set_there = 0;
         record.rows.push_back({known.table, key, before, after});
         return;
     }
