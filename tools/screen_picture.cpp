@@ -13,7 +13,8 @@ namespace {
 bool shows_a_window(const QImage& image) {
     for (int y = 0; y < image.height(); y += 3)
         for (int x = 0; x < image.width(); x += 3)
-            if (image.pixel(x, y) != image.pixel(image.width() - 1, image.height() - 1)) return true;
+            if (image.pixel(x, y) != image.pixel(image.width() - 1, image.height() - 1))
+                return true;
     return false;
 }
 

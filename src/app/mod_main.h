@@ -42,7 +42,7 @@ struct Globals {
     Window_Place Script_Window{{13665}, {12285}, {8250}, {2175}};
     bool Script_Window_Max = false; ///< the script window is maximised
     bool Script_Info_Off = false;   ///< the script window does not show its information
-    Rectangle VirtualScreen; ///< the whole desktop
+    Rectangle VirtualScreen;        ///< the whole desktop
     std::int32_t MonitorCount = 0;
     std::vector<Rectangle> MonitorRects; ///< bounds of each monitor
 };

@@ -249,10 +249,10 @@ bool Backups::restore(const QString& copy, const QString& file) {
     });
 }
 
-void Backups::overwrite(const QString& file, const QString& with) {
-    const std::string source = with.toStdString();
-    if (!disk_.file_exists(source))
-        throw files::Error(files::Failure::not_found, source, "nothing to put there");
+void Backups::make_new(const QString& file, const QString& empty) {
+    const std::string source = empty.toStdString();
+    if (!disk_.file_exists(source)) // found out before anything is copied
+        throw files::Error(files::Failure::not_found, source, "nothing to make it from");
     put(source, disk_.resolve(file.toStdString()), files::Rights::of_new_file);
     made_now(file);
 }

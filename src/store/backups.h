@@ -27,8 +27,8 @@ struct Backup {
 /// place does not take them they go to a folder of the same name among the user's own data, and
 /// there to a folder per place that they come from, since libraries of one name lie in many.
 ///
-/// Only overwrite() throws. Only files of that form for that library are ever removed, and what a crash
-/// in an earlier run has left of one.
+/// Only make_new() throws. Only files of that form for that library are ever removed, and what a
+/// crash in an earlier run has left of one.
 class Backups final : public Before_First_Write {
 public:
     using Clock = std::function<QDateTime()>;
@@ -49,9 +49,9 @@ public:
     /// @return false: the library is as it was, and take_trouble() says why.
     bool restore(const QString& copy, const QString& file);
 
-    /// Puts a new library in the place of another one, which becomes a copy first. To be closed
-    /// before, opened after. Throws files::Error; the library is as it was then.
-    void overwrite(const QString& file, const QString& with);
+    /// Makes a library as a copy of an empty one. What lies there becomes a copy first; to be
+    /// closed before. Throws files::Error, and what lies there is as it was.
+    void make_new(const QString& file, const QString& empty);
 
     /// The latest reason for a copy that was not made, listed or brought back.
     std::optional<Trouble> take_trouble();

@@ -75,9 +75,8 @@ TEST_F(Start, first_on_a_clean_computer_copies_the_template) {
     start_up(window, desktop, disk);
     EXPECT_EQ(text(disk, default_path), "template");
     EXPECT_TRUE(disk.folder_exists("/home/anna/.local/share/KELDA/TRV"));
-    EXPECT_THAT(window.calls,
-                ElementsAre("move to 10", "recent files", "scripts", "made",
-                            "open " + default_path, "family 0"));
+    EXPECT_THAT(window.calls, ElementsAre("move to 10", "recent files", "scripts", "made",
+                                          "open " + default_path, "family 0"));
     EXPECT_EQ(globals.EmptyDBTemplate.toStdString(), template_path); // not the first data folder
     EXPECT_EQ(globals.FKeyNames[29], QStringLiteral("MAN"));
     window.calls.clear();

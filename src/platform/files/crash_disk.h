@@ -9,9 +9,9 @@ namespace files {
 
 /// A disk in memory that remembers what has not been synced, so that a test can look at what a loss
 /// of power would leave at any moment. Contents reach the medium when their file is synced, names
-/// (made, removed, changed) when their folder is, those of folders too. Each change that is under way may be kept, lost
-/// or torn on its own: a later one may arrive without an earlier one. Sectors of 512 bytes are
-/// written whole or not at all. Open files must not outlive it.
+/// (made, removed, changed; those of folders too) when their folder is. Each change that is under
+/// way may be kept, lost or torn on its own: a later one may arrive without an earlier one. Sectors
+/// of 512 bytes are written whole or not at all. Open files must not outlive it.
 class Crash_Disk : public Disk {
 public:
     using Bytes = Memory_Disk::Bytes;

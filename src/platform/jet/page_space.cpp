@@ -28,9 +28,9 @@ void Page_Space::release(Page_Number page) {
 
 /// Pages for bits of the global map come from the end of the file: the map cannot ask itself.
 Usage_Map::Growth Page_Space::growth() {
-    return {.global = true,
-            .longest = pager_->page_size(),
-            .take_page = [this] { return pager_->append(); }};
+    return {.global = true, .longest = pager_->page_size(), .take_page = [this] {
+                return pager_->append();
+            }};
 }
 
 void Page_Space::mark(Page_Number page, bool free) {

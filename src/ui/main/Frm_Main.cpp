@@ -186,17 +186,23 @@ void Frm_Main::say(const QString& sentence) { status_->say(sentence); }
 
 bool Frm_Main::say_trouble() {
     const std::optional<store::Trouble> trouble = database_.take_trouble();
-    const std::optional<store::Trouble> no_copy =
-        backups_ ? backups_->take_trouble() : std::nullopt;
-    if (!trouble && no_copy)
-        say_and_log(text(Text::backup_failed).arg(sentence(*no_copy)),
-                    no_copy->subject + u": "_qs + no_copy->detail);
-    if (!trouble) return no_copy.has_value();
+    if (!trouble) return say_missing_copy();
     if (trouble->kind == store::Failure::replaced && !database_.Connection_Active()) {
         Refresh_Sets(); // the library is closed: nothing of it stays in view
     }
-    say_and_log(sentence(*trouble), trouble->subject + u": "_qs + trouble->detail);
+    say_and_log(sentence(*trouble), *trouble);
     return true;
+}
+
+bool Frm_Main::say_missing_copy() {
+    const std::optional<store::Trouble> trouble = backups().take_trouble();
+    if (!trouble) return false;
+    say_and_log(text(Text::backup_failed).arg(sentence(*trouble)), *trouble);
+    return true;
+}
+
+void Frm_Main::say_and_log(const QString& sentence, const store::Trouble& reason) {
+    say_and_log(sentence, reason.subject + u": "_qs + reason.detail);
 }
 
 void Frm_Main::say_and_log(const QString& sentence, const QString& reason) {

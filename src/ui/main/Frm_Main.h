@@ -85,6 +85,8 @@ private:
     QString status() const; ///< the sentence in the status bar
     /// Says a sentence and keeps it in the log, with the reason in the words of the system.
     void say_and_log(const QString& sentence, const QString& reason);
+    void say_and_log(const QString& sentence, const store::Trouble& reason);
+    bool say_missing_copy(); ///< that no backup could be made. @return whether so
     app::Diagnostic_Log log();
     void choose_reset_cv(int index);
     void show_title();

@@ -6,6 +6,7 @@
 #include "ui/main/texts.h"
 
 namespace ui_main {
+
 void Frm_Main::put_on_clipboard(const desktop::Clipboard& content, const QString& sentence) {
     say(desktop_.Set_Clipboard_Text(content) ? sentence : text(Text::clipboard_refused));
 }

@@ -91,8 +91,7 @@ void Frm_Main::restore_backup() {
     if (restored)
         say_and_log(text(Text::backup_restored).arg(shown_date(chosen->made)), chosen->path);
     else if (trouble)
-        say_and_log(text(Text::backup_not_restored).arg(sentence(*trouble)),
-                    trouble->subject + u": "_qs + trouble->detail);
+        say_and_log(text(Text::backup_not_restored).arg(sentence(*trouble)), *trouble);
 }
 
 } // namespace ui_main

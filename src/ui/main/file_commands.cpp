@@ -1,6 +1,5 @@
 #include "app/mod_fileverwaltung.h"
 #include "export/export_project.h"
-#include "platform/files/replace.h"
 #include "scripts/cls_Script_Sets.h"
 #include "store/backups.h"
 #include "ui/main/Frm_Main.h"
@@ -117,12 +116,7 @@ bool Frm_Main::make_database(const QString& path) {
     const bool over_itself = database_.Connection_Active() && path == app::current_database();
     if (over_itself) database_.Connection_Close();
     try {
-        if (app::FileExists(disk_, path)) {
-            backups().overwrite(path, app::globals.EmptyDBTemplate);
-        } else {
-            files::copy_file(disk_, app::globals.EmptyDBTemplate.toStdString(), path.toStdString());
-            backups().made_now(path);
-        }
+        backups().make_new(path, app::globals.EmptyDBTemplate);
         return true;
     } catch (const files::Error& error) {
         if (over_itself) Open_Database();
