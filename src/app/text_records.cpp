@@ -13,26 +13,45 @@ bool is_blank(QChar c) { return c == u' ' || c == u'\t'; }
 
 } // namespace
 
+void Record_Reader::advance(qsizetype count) {
+    for (qsizetype i = 0; i < count; ++i) {
+        const bool in_pair = rest_[i] == u'\r' && rest_.mid(i + 1).startsWith(u'\n');
+        if (ends_line(rest_[i]) && !in_pair) ++line_;
+    }
+    rest_ = rest_.mid(count);
+}
+
 void Record_Reader::skip_separator() {
-    if (rest_.startsWith(u"\r\n"))
-        rest_ = rest_.mid(2);
-    else if (!rest_.isEmpty())
-        rest_ = rest_.mid(1);
+    at_record_start_ = !rest_.startsWith(u',');
+    if (!rest_.isEmpty()) advance(rest_.startsWith(u"\r\n") ? 2 : 1);
+}
+
+QStringView Record_Reader::skip_rest_of_record() {
+    const QStringView whole = rest_;
+    QStringView passed;
+    while (!at_record_start_) {
+        const bool readable = text().has_value();
+        passed = whole.first(whole.size() - rest_.size());
+        if (!readable)
+            at_record_start_ = true; // no end to be found: what follows is another record
+    }
+    while (!passed.isEmpty() && ends_line(passed.back())) passed.chop(1);
+    return passed;
 }
 
 std::optional<QString> Record_Reader::quoted() {
     QString value;
-    rest_ = rest_.mid(1);
+    advance(1);
     while (!rest_.isEmpty()) {
         const QChar c = rest_.front();
         if (c == u'"') {
-            rest_ = rest_.mid(1);
+            advance(1);
             if (!rest_.startsWith(u'"')) return value;
         } else if (text_end_ == Text_End::line && ends_line(c)) {
             return value;
         }
         value += c;
-        rest_ = rest_.mid(1);
+        advance(1);
         if (text_end_ == Text_End::quote && value.size() > longest_text) return std::nullopt;
     }
     if (text_end_ == Text_End::line) return value;
@@ -40,7 +59,7 @@ std::optional<QString> Record_Reader::quoted() {
 }
 
 std::optional<QString> Record_Reader::text() {
-    while (!rest_.isEmpty() && is_blank(rest_.front())) rest_ = rest_.mid(1);
+    while (!rest_.isEmpty() && is_blank(rest_.front())) advance(1);
     std::optional<QString> value;
     const bool in_quotes = rest_.startsWith(u'"');
     if (in_quotes) {
@@ -50,7 +69,7 @@ std::optional<QString> Record_Reader::text() {
     qsizetype end = 0; // what stands behind a closing quote belongs to no field
     while (end < rest_.size() && rest_[end] != u',' && !ends_line(rest_[end])) ++end;
     if (!in_quotes) value = rest_.first(end).toString().trimmed();
-    rest_ = rest_.mid(end);
+    advance(end);
     skip_separator();
     return value;
 }

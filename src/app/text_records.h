@@ -19,6 +19,16 @@ public:
     Record_Reader(QStringView text, Text_End text_end) : rest_(text), text_end_(text_end) {}
 
     bool at_end() const { return rest_.isEmpty(); }
+    /// Whether the next field begins a record: the last one ended with its line, or was the last of
+    /// the file, or none was read yet. A comma at the end of a line is followed by an empty field.
+    bool at_record_start() const { return at_record_start_; }
+    /// Line of the next field in the file, counted from 1.
+    int line() const { return line_; }
+    /// Passes over what is left of the record: fields nobody knows, a comment, a record of a
+    /// foreign section. Quotes count, so a text over several lines is passed as a whole.
+    /// @return what was passed over, as it stands in the file without the line end; empty at the
+    /// start of a record
+    QStringView skip_rest_of_record();
     /// The next field without its quotes; nothing when it is no proper text (too long, or still
     /// open at the end of the file).
     std::optional<QString> text();
@@ -30,8 +40,11 @@ public:
 private:
     std::optional<QString> quoted();
     void skip_separator();
+    void advance(qsizetype count); ///< counts lines on the way
 
     QStringView rest_;
+    int line_ = 1;
+    bool at_record_start_ = true;
     Text_End text_end_;
 };
 

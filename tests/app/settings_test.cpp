@@ -172,6 +172,38 @@ TEST(Records, texts_over_several_lines_end_at_their_quote_or_end_the_reading) {
     }
 }
 
+TEST(Records, the_reader_knows_where_records_end_and_hands_out_what_nobody_asked_for) {
+    Record_Reader file(u"a,1,\r\n"
+                       u";note, \"over\ntwo lines\", b\r"
+                       u"\r\n"
+                       u"last,\"x\" y,z",
+                       Record_Reader::Text_End::quote);
+    const struct {
+        int line;
+        const char* field;
+        const char* passed; ///< with the rest of the record, after this field
+    } fields[] = {{1, "a", nullptr},
+                  {1, "1", nullptr},
+                  {1, "", nullptr}, // behind the comma
+                  {2, ";note", " \"over\ntwo lines\", b"},
+                  {4, "", ""},
+                  {5, "last", "\"x\" y,z"}};
+    for (const auto& c : fields) {
+        SCOPED_TRACE(c.field);
+        EXPECT_EQ(file.line(), c.line);
+        EXPECT_EQ(file.text(), QString::fromUtf8(c.field));
+        if (c.passed == nullptr) continue;
+        EXPECT_EQ(file.skip_rest_of_record().toString(), QString::fromUtf8(c.passed));
+        EXPECT_TRUE(file.at_record_start());
+    }
+    EXPECT_TRUE(file.at_end());
+    Record_Reader open(u"a,\"never closed", Record_Reader::Text_End::quote);
+    open.text();
+    EXPECT_FALSE(open.at_record_start());
+    open.skip_rest_of_record(); // ends
+    EXPECT_TRUE(open.at_end());
+}
+
 TEST(Records, code_page_keeps_every_byte_and_counts_what_it_lacks) {
     QByteArray all;
     for (int byte = 0; byte < 256; ++byte) all += static_cast<char>(byte);
