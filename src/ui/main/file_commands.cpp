@@ -43,7 +43,8 @@ void Frm_Main::Open_Database() {
     const std::optional<store::Trouble> trouble = database_.take_trouble();
     Refresh_Sets();
     const bool of_another_kind = trouble && trouble->kind == store::Failure::no_library;
-    if (database_.Connection_Active() && (database_.is_library() || of_another_kind))
+    const bool cut_off = database_.opening().blocked == store::Blocked::cut_off;
+    if (database_.Connection_Active() && (database_.is_library() || of_another_kind || cut_off))
         say_opening();
     else if (trouble)
         say(sentence(*trouble));

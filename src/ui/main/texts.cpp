@@ -78,8 +78,7 @@ constexpr Entry table[] = {
     {Text::blocked_jet3, u"Das Format von Access 97 wird nur gelesen."},
     {Text::blocked_damaged,
      u"Die Datei ist beschädigt; bitte eine Sicherung oder eine neue Kopie benutzen."},
-    {Text::blocked_cut_off, u"Der Datei fehlt das Ende; bitte eine vollständige Kopie holen oder "
-                            u"eine Sicherung benutzen."},
+    {Text::blocked_cut_off, u"Der Datei fehlt das Ende; bitte eine vollständige Kopie holen."},
     {Text::blocked_no_cvs, u"In der Datei fehlen die CVs; bitte eine Sicherung benutzen."},
     {Text::blocked_foreign_index, u"Eine Tabelle hat einen Index, den wir nicht pflegen können."},
     {Text::blocked_replaced, u"Die Datei wurde von außen ersetzt; bitte neu öffnen."},

@@ -122,16 +122,27 @@ TEST_F(Files_Test, a_database_of_another_kind_says_so_whatever_is_tried) {
 }
 
 TEST_F(Files_Test, a_library_without_its_end_says_so_at_opening_and_is_not_exported) {
-    auto bytes = disk.bytes("/home/anna/andere.mdb");
-    bytes.resize(80 * 4096);
-    disk.set_bytes("/home/anna/kurz.mdb", bytes);
-    open("/home/anna/kurz.mdb");
-    EXPECT_GT(sets().count(), 0);
-    EXPECT_EQ(title(), "CV-Sets Datenbank: /home/anna/kurz.mdb – unvollständig, schreibgeschützt");
-    EXPECT_THAT(status(), HasSubstr("Der Datei fehlt das Ende; bitte eine vollständige Kopie"));
-    EXPECT_THAT(status(), HasSubstr("Es fehlen mindestens 132 von 452 KB. Davon betroffen: "));
-    choose("mnu_export_oem"); // no dialog
-    EXPECT_THAT(status(), HasSubstr("keine Datei geschrieben. Der Datei fehlt das Ende"));
+    const struct {
+        std::size_t pages;
+        const char *opened, *lost, *exported;
+    } cases[] = {{80, "geöffnet, CV-Sets: 45.", "mindestens 132 von 452 KB. Davon betroffen: CVs.",
+                  "keine Datei geschrieben. Der Datei fehlt das Ende"},
+                 {40, "geöffnet; die CV-Sets fehlen.",
+                  "mindestens 292 von 452 KB. Davon betroffen: CV-Sets, CVs", "beschädigt"}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.pages);
+        auto bytes = disk.bytes("/home/anna/andere.mdb");
+        bytes.resize(c.pages * 4096);
+        const std::string path = "/home/anna/kurz" + std::to_string(c.pages) + ".mdb";
+        disk.set_bytes(path, bytes);
+        open(path);
+        EXPECT_EQ(title(), "CV-Sets Datenbank: " + path + " – unvollständig, schreibgeschützt");
+        EXPECT_THAT(status(), HasSubstr("Der Datei fehlt das Ende; bitte eine vollständige Kopie"));
+        EXPECT_THAT(status(), HasSubstr(c.opened));
+        EXPECT_THAT(status(), HasSubstr(c.lost));
+        choose("mnu_export_oem"); // no dialog
+        EXPECT_THAT(status(), HasSubstr(c.exported));
+    }
 }
 
 TEST_F(Files_Test, damage_met_late_shows_in_the_title) {
