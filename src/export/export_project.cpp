@@ -24,6 +24,7 @@ std::shared_ptr<scripts::cls_Script_Sets> living(const scripts::cls_Script_Sets&
             continue;
         }
         scripts->Nummer = number->second;
+        report.left_out_states += scripts->States_Left_Out();
         kept->Add(scripts, QString::number(scripts->SetID));
     }
     return kept;

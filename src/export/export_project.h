@@ -30,6 +30,7 @@ struct Refusal {
     QString set_name = {};
     std::int32_t set_number = 0;
     std::int32_t script = 0;    ///< position in the set, from 1; 0 where it is about the set
+    std::int32_t ScriptID = 0;  ///< the model of all scripts holds no names
     std::int32_t line = -1;     ///< state number, from 0; -1 where it is about the script or set
     std::int32_t parameter = 0; ///< 1..7 for Reason::parameter, else 0
     std::int64_t value = 0;     ///< the number that does not fit
@@ -53,6 +54,7 @@ struct Report {
     std::optional<files::Error> failure;
     Left_Out_CVs left_out_cvs;
     std::int32_t left_out_scripts = 0; ///< of sets that are gone
+    std::int32_t left_out_states = 0;  ///< script lines that the model has no place for
     std::vector<Equal_Keys> equal_keys;
     std::int32_t sets = 0;
     std::int32_t sets_with_scripts = 0;

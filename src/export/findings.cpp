@@ -32,6 +32,7 @@ public:
             refuse(Reason::too_many_scripts, scripts.Count());
         for (const auto& script : scripts) {
             ++place_.script;
+            place_.ScriptID = script->ScriptID;
             inspect(std::as_const(*script));
         }
     }

@@ -22,6 +22,8 @@ public:
     std::int32_t CurrentState = 0; ///< index of the state last rendered or being edited
     bool ShowCVValues = false; ///< rendered CV references show the value in the selected set too
     std::int32_t ScriptID = 0; ///< key of the database row; 0 when there is none
+    /// Stored lines that were not loaded, because their number lies outside 0..255.
+    std::int32_t States_Left_Out = 0;
 
     /// Every index 0..255 yields a state, an empty one where nothing was put yet. A reference stays
     /// good as long as the script; inserting and deleting move contents, not places.

@@ -91,6 +91,12 @@ void cls_script_coll::Remove(std::int32_t position) {
     scripts_.erase(scripts_.begin() + (position - 1));
 }
 
+std::int32_t cls_script_coll::States_Left_Out() const {
+    std::int32_t count = 0;
+    for (const auto& script : scripts_) count += script->States_Left_Out;
+    return count;
+}
+
 void cls_script_coll::Write_Scripts() {
     Data.clear();
     if (Count() > max_scripts)

@@ -33,6 +33,7 @@ public:
     void Remove(std::int32_t position); ///< @throws Error (missing)
     bool exists(std::int32_t position) const { return position >= 1 && position <= Count(); }
     void Clear() { scripts_.clear(); }
+    std::int32_t States_Left_Out() const; ///< of all scripts
 
     std::span<const std::shared_ptr<cls_script>> NewEnum() const { return scripts_; }
     auto begin() const { return scripts_.begin(); }

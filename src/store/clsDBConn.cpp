@@ -52,6 +52,8 @@ Blocked translated(ado::Blocked blocked) {
         return Blocked::jet3;
     case ado::Blocked::damaged:
         return Blocked::damaged;
+    case ado::Blocked::cut_off:
+        return Blocked::cut_off;
     case ado::Blocked::foreign_index:
         return Blocked::foreign_index;
     case ado::Blocked::replaced:
@@ -78,8 +80,14 @@ void clsDBConn::Inside::note(Failure kind, const QString& subject, const QString
 }
 
 void clsDBConn::Inside::note(const ado::Error& error) {
-    if (error.kind == ado::Failure::damaged) // which page it is matters to nobody but the log
-        note(Failure::damaged, file, error.subject + u": "_s + error.detail);
+    const QString place = error.subject + u": "_s + error.detail; // matters only to the log
+    if (error.kind == ado::Failure::damaged)
+        note(Failure::damaged, file, place);
+    else if (error.kind == ado::Failure::not_found && active)
+        note(!is_library ? Failure::no_library
+             : lacks_cvs ? Failure::no_cvs
+                         : Failure::gone,
+             file, place);
     else
         note(translated(error.kind), error.subject, error.detail);
     lost = lost || error.kind == ado::Failure::replaced;
@@ -96,15 +104,42 @@ Blocked clsDBConn::Inside::blocked() const {
             const Blocked found = translated(connection.blocked(table));
             if (found != Blocked::no) return found;
         }
-        return Blocked::no;
+        return lacks_cvs ? Blocked::no_cvs : Blocked::no;
     } catch (const ado::Error&) { // locked elsewhere, perhaps: beginning to write will tell
         return translated(connection.status().blocked);
     }
 }
 
+bool clsDBConn::Inside::expect_library() {
+    if (!active)
+        note(Failure::not_open, file, u"no database is open"_s);
+    else if (!is_library)
+        trouble = no_library;
+    return is_library;
+}
+
+Lost_End clsDBConn::Inside::lost_end() const {
+    const std::optional<jet::Lost_End> found = connection.status().lost_end;
+    if (!found) return {};
+    Lost_End missing{.bytes = static_cast<std::int64_t>(found->bytes),
+                     .whole = static_cast<std::int64_t>(found->whole)};
+    for (const std::u16string& table : found->tables) {
+        const auto is = [&](QLatin1StringView name) {
+            return name.compare(QStringView(table), Qt::CaseInsensitive) == 0;
+        };
+        missing.sets = missing.sets || is("Sets"_L1);
+        missing.cvs = missing.cvs || is("CVs"_L1);
+        missing.scripts = missing.scripts || is("Scripte"_L1) || is("Scriptstates"_L1);
+    }
+    return missing;
+}
+
 int clsDBConn::Inside::width(QLatin1StringView table, QLatin1StringView column) {
     std::size_t characters = 0;
-    reading(ado::Extent::some, [&] { characters = catalog.text_width(table, column); });
+    const bool read =
+        reading(ado::Extent::some, [&] { characters = catalog.text_width(table, column); });
+    if (read && characters == 0 && expect_library())
+        note(Failure::gone, file, table + QLatin1Char('.') + column + u": no column for texts"_s);
     return static_cast<int>(characters);
 }
 
@@ -118,6 +153,8 @@ void clsDBConn::Inside::close() {
     connection.close();
     copy_kept.reset();
     active = false;
+    is_library = false;
+    lacks_cvs = false;
     lost = false;
     akt_set = 0;
     scripts::AktScripts().Clear();
@@ -172,7 +209,9 @@ void clsDBConn::Connection_Close() { inside_->close(); }
 
 bool clsDBConn::Connection_Active() const { return inside_->active; }
 
-bool clsDBConn::is_library() const { return inside_->active && inside_->is_library; }
+bool clsDBConn::is_library() const { return inside_->is_library; }
+
+bool clsDBConn::expect_library() { return inside_->expect_library(); }
 
 QString clsDBConn::database_file() const { return inside_->file; }
 
@@ -182,6 +221,7 @@ Opening clsDBConn::opening() const {
     return {.jet3 = status.jet3,
             .blocked = inside_->blocked(),
             .blocked_detail = QString::fromStdString(status.detail),
+            .lost_end = inside_->lost_end(),
             .recovered = status.recovered,
             .journal_set_aside = QString::fromStdString(status.set_aside),
             .journal_spoiled = status.journal_spoiled,
@@ -211,8 +251,6 @@ const std::optional<Trouble>& clsDBConn::last_trouble() const { return inside_->
 std::optional<Trouble> clsDBConn::take_trouble() {
     return std::exchange(inside_->trouble, std::nullopt);
 }
-
-int clsDBConn::script_states_left_out() const { return inside_->states_left_out; }
 
 int clsDBConn::sets_in_no_view() const { return inside_->sets_in_no_view; }
 

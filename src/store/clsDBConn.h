@@ -53,8 +53,10 @@ public:
     void Connection_Start(const QString& FileName);
     void Connection_Close();
     bool Connection_Active() const;
-    /// Whether the tables of a library are there, so that it is no database of another kind.
+    /// Whether there are CV sets in it, so that it is no database of another kind.
     bool is_library() const;
+    /// The same for a command that needs them: if there are none, why is noted.
+    bool expect_library();
     QString database_file() const; ///< as given to the last Connection_Start
     /// How the open library was found. `blocked` is brought up to date with what was met since.
     Opening opening() const;
@@ -75,9 +77,6 @@ public:
     /// The latest reason for not having done something; stays until it is taken or a newer comes.
     const std::optional<Trouble>& last_trouble() const;
     std::optional<Trouble> take_trouble();
-    /// Script states left out because their number lies outside 0..255, in the last loading of
-    /// scripts (of one set or of all).
-    int script_states_left_out() const;
     /// Sets with a reset CV other than 8 and 265, which no view shows; at the last set list.
     int sets_in_no_view() const;
     /// Sets whose missing number or reset CV was completed in memory only.
@@ -163,6 +162,8 @@ public:
     /// Deletes a script with its states; it stays in AktScripts.
     bool DB_Delete_Script(std::int32_t position);
     std::int32_t DB_Count_Scripts(std::int32_t SetID);
+    /// Empty when there is no such script.
+    QString script_name(std::int32_t ScriptID);
     /// The set of a script; 0 when there is no such script.
     std::int32_t set_of_script(std::int32_t ScriptID);
 

@@ -72,9 +72,9 @@ QString entry_text(CV_Fields& cv) {
 
 } // namespace
 
-int clsDBConn::Inside::fill_cvs(cls_CV_Set& set) {
+void clsDBConn::Inside::fill_cvs(cls_CV_Set& set) {
     set.Clear();
-    int left_out = 0;
+    set.CVs_Left_Out = 0;
     ado::Recordset& rows = query(cvs_in_order(set.SetID), cv_columns());
     for (CV_Fields cv(rows); !rows.at_end(); rows.move_next()) {
         const std::int32_t number = cv.nr();
@@ -83,9 +83,8 @@ int clsDBConn::Inside::fill_cvs(cls_CV_Set& set) {
             set.Add_CV(cv.hi() * 256 + cv.lo(), to_16_bits(number),
                        static_cast<std::uint8_t>(cv.wert()));
         else
-            ++left_out;
+            ++set.CVs_Left_Out;
     }
-    return left_out;
 }
 
 std::vector<CVRec> clsDBConn::Inside::cvs_of(std::int32_t set_id) {

@@ -41,7 +41,9 @@ struct clsDBConn::Inside : ado::Row_Watcher {
     ado::Catalog catalog;
 
     bool active = false;
-    bool is_library = false; ///< Sets and CVs are there
+    bool is_library = false; ///< Sets is there
+    bool lacks_cvs = false;
+    Trouble no_library; ///< why is_library is not set
     QString file;
     std::optional<files::Identity> identity;   ///< of the file that is open
     std::optional<files::Identity> file_now(); ///< which the path names by now
@@ -49,7 +51,6 @@ struct clsDBConn::Inside : ado::Row_Watcher {
     bool ldb_beside = false;
 
     std::optional<Trouble> trouble;
-    int states_left_out = 0;
     int sets_in_no_view = 0;
     /// Numbers and reset CVs that a library would hold if it could be written, by SetID.
     std::map<std::int32_t, Set_Row> completed;
@@ -59,6 +60,8 @@ struct clsDBConn::Inside : ado::Row_Watcher {
 
     void note(Failure kind, const QString& subject, const QString& detail);
     void note(const ado::Error& error);
+    bool expect_library(); ///< @return false: there is none, and why is noted
+    Lost_End lost_end() const;
     Blocked blocked() const;
 
     // Operations; see clsDBConn_operation.cpp
@@ -123,7 +126,8 @@ struct clsDBConn::Inside : ado::Row_Watcher {
     /// The same, if a set is current.
     template <class Work>
     bool changing_current_set(Work work) {
-        if (active && akt_set == 0) note(Failure::no_set, file, QStringLiteral("no current set"));
+        if (active && akt_set == 0 && expect_library())
+            note(Failure::no_set, file, QStringLiteral("no current set"));
         return akt_set != 0 && changing(work);
     }
     /// Runs work of which half would be a loss: when it is refused after its first change, the
@@ -145,6 +149,7 @@ struct clsDBConn::Inside : ado::Row_Watcher {
     int execute(const QString& sql);
     int width(QLatin1StringView table, QLatin1StringView column);
 
+    void look_for_library();
     void upgrade();
     void make_current(std::int32_t SetID) {
         if (SetID > 0) akt_set = SetID;
@@ -161,13 +166,15 @@ struct clsDBConn::Inside : ado::Row_Watcher {
     static ado::Error gone(const QString& table, std::int32_t key);
 
     // CVs
-    int fill_cvs(cls_CV_Set& set); ///< @return how many rows found no place in the model
+    void fill_cvs(cls_CV_Set& set);
     std::vector<CVRec> cvs_of(std::int32_t set_id);
     void delete_rows(const QString& sql);
 
     // Scripts
     void load_states(scripts::cls_script& script);
     void load_scripts(scripts::cls_script_coll& into, std::int32_t set_id, bool with_names);
+    /// Runs work on the row of a script, if there is one.
+    void with_script_row(std::int32_t script_id, const std::function<void(ado::Recordset&)>& work);
     void delete_script(std::int32_t script_id);
     void delete_scripts_of(std::int32_t set_id);
     /// Runs work on a script of AktScripts as one operation of the current set.

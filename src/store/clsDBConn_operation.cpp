@@ -44,13 +44,10 @@ bool clsDBConn::Inside::is_refusal(ado::Failure kind) {
 }
 
 bool clsDBConn::Inside::begin() {
-    if (!active) {
-        note(Failure::not_open, file, u"no database is open"_s);
-        return false;
-    }
-    if (spoiled) return false;
-    if (depth == 0 && blocked() != Blocked::no) {
-        note(Failure::read_only, file, QString::fromStdString(connection.status().detail));
+    if (!expect_library() || spoiled) return false;
+    if (const Blocked why = depth == 0 ? blocked() : Blocked::no; why != Blocked::no) {
+        note(why == Blocked::no_cvs ? Failure::no_cvs : Failure::read_only, file,
+             QString::fromStdString(connection.status().detail));
         return false;
     }
     try {

@@ -54,6 +54,17 @@ ado::Table scriptstates() {
     return table;
 }
 
+const QString sets_table = u"Sets"_s;
+
+/// As it is when it is missing: without its keys, since it is never made.
+ado::Table cvs() {
+    ado::Table table{.name = u"CVs"_s};
+    for (const QString& name :
+         {u"CVID"_s, u"SetID"_s, u"CVPageHi"_s, u"CVPageLo"_s, u"CVNr"_s, u"CVWert"_s})
+        table.columns.push_back(number(name));
+    return table;
+}
+
 /// What an old file lacks: a table, or a column of one that is there.
 struct Addition {
     ado::Table table;
@@ -74,9 +85,8 @@ std::vector<Addition> missing(const ado::Catalog& catalog) {
     std::vector<Addition> found;
     for (ado::Table& table : std::array{scripte(), scriptstates()})
         if (!TableExists(catalog, table.name)) found.push_back({std::move(table), {}});
-    const QString sets = u"Sets"_s;
     for (const QString& name : {u"Nummer"_s, u"ResCV"_s})
-        if (!ColumnExists(catalog, sets, name)) found.push_back({{.name = sets}, name});
+        if (!ColumnExists(catalog, sets_table, name)) found.push_back({{.name = sets_table}, name});
     return found;
 }
 
@@ -96,13 +106,34 @@ void add_in_memory(ado::Catalog& catalog, const Addition& addition) {
 
 } // namespace
 
-void clsDBConn::Inside::upgrade() {
-    std::vector<Addition> lacks;
-    is_library = reading(ado::Extent::some, [&] {
-        for (const QString& table : {u"Sets"_s, u"CVs"_s}) catalog.columns(table);
-        lacks = missing(catalog);
+/// Finds out what there is. Without CVs the sets are shown, and nothing is changed: what has lost a
+/// table, or is of another kind and has a table of that name, is no place to write to.
+void clsDBConn::Inside::look_for_library() {
+    reading(ado::Extent::some, [&] {
+        is_library = TableExists(catalog, sets_table) &&
+                     ColumnExists(catalog, sets_table, u"SetID"_s) &&
+                     ColumnExists(catalog, sets_table, u"Name"_s);
+        if (!is_library) note(Failure::no_library, file, u"no table Sets with SetID and Name"_s);
     });
-    if (!is_library || lacks.empty()) return; // nothing is added to databases of other kinds
+    if (!is_library) {
+        no_library = trouble.value_or(Trouble{Failure::no_library, file, {}});
+        return;
+    }
+    reading(ado::Extent::some, [&] {
+        const ado::Table wanted = cvs();
+        const bool there = TableExists(catalog, wanted.name);
+        lacks_cvs = !there || !std::ranges::all_of(wanted.columns, [&](const ado::Column& column) {
+            return ColumnExists(catalog, wanted.name, column.name);
+        });
+        if (!there) catalog.append_in_memory(wanted);
+    });
+}
+
+void clsDBConn::Inside::upgrade() {
+    look_for_library();
+    if (!is_library) return; // nothing is added to databases of other kinds
+    std::vector<Addition> lacks;
+    if (!reading(ado::Extent::some, [&] { lacks = missing(catalog); }) || lacks.empty()) return;
     if (blocked() == Blocked::no && begin()) {
         // Another copy of the program may have been quicker.
         const bool known = reading(ado::Extent::some, [&] { lacks = missing(catalog); });

@@ -53,7 +53,7 @@ void clsDBConn::Inside::load_states(scripts::cls_script& script) {
     for (; !rows.at_end(); rows.move_next()) {
         const std::int32_t number = rows.number(u"State").value_or(0);
         if (number < 0 || number >= scripts::cls_script::max_states) {
-            ++states_left_out;
+            ++script.States_Left_Out;
             continue;
         }
         fill_state(script.GetState(number), rows);
@@ -78,7 +78,6 @@ void clsDBConn::Fill_Scripts_in_ScriptsObj(scripts::cls_Script_Sets& sets) {
     Inside& inside = *inside_;
     if (!inside.active) return;
     sets.Clear();
-    inside.states_left_out = 0;
     inside.reading(ado::Extent::whole, [&] {
         ado::Recordset& rows =
             inside.query(u"SELECT DISTINCT Scripte.SetID, Sets.Nummer FROM Scripte LEFT JOIN Sets "
@@ -101,7 +100,6 @@ void clsDBConn::DB_Load_Scripts() {
     scripts::cls_script_coll& scripts = scripts::AktScripts();
     if (!inside.active || inside.akt_set == 0) return;
     scripts.Clear();
-    inside.states_left_out = 0;
     inside.reading(ado::Extent::some, [&] { inside.load_scripts(scripts, inside.akt_set, true); });
 }
 
@@ -183,14 +181,26 @@ std::int32_t clsDBConn::DB_Count_Scripts(std::int32_t SetID) {
     return count;
 }
 
+void clsDBConn::Inside::with_script_row(std::int32_t script_id,
+                                        const std::function<void(ado::Recordset&)>& work) {
+    reading(ado::Extent::some, [&] {
+        ado::Recordset& row =
+            query(u"SELECT * FROM Scripte WHERE ScriptID = "_s + QString::number(script_id));
+        if (!row.at_end()) work(row);
+    });
+}
+
 std::int32_t clsDBConn::set_of_script(std::int32_t ScriptID) {
     std::int32_t id = 0;
-    inside_->reading(ado::Extent::some, [&] {
-        ado::Recordset& row = inside_->query(u"SELECT * FROM Scripte WHERE ScriptID = "_s +
-                                             QString::number(ScriptID));
-        if (!row.at_end()) id = row.number(u"SetID").value_or(0);
-    });
+    inside_->with_script_row(ScriptID, [&](auto& row) { id = row.number(u"SetID").value_or(0); });
     return id;
+}
+
+QString clsDBConn::script_name(std::int32_t ScriptID) {
+    QString name;
+    inside_->with_script_row(
+        ScriptID, [&](auto& row) { name = row.text(u"ScriptName").value_or(QString()); });
+    return name;
 }
 
 } // namespace store

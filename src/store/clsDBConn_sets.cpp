@@ -133,7 +133,10 @@ void clsDBConn::Fill_Sets_in_SetObj(cls_Sets_Coll& sets) {
             sets.Add_CVSet(row.Name, to_16_bits(row.ResCV.value_or(8)), to_16_bits(number),
                            *row.SetID);
         });
-        for (const auto& set : sets) sets.CVs_Left_Out += inside.fill_cvs(*set);
+        for (const auto& set : sets) {
+            inside.fill_cvs(*set);
+            sets.CVs_Left_Out += set->CVs_Left_Out;
+        }
         inside.recordset.close(); // it would keep the table that was held in memory
     });
 }

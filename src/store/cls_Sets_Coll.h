@@ -7,9 +7,7 @@ namespace store {
 /// All CV sets of the open database, keyed by their SetID.
 class cls_Sets_Coll : public Collection<cls_CV_Set> {
 public:
-    /// CV rows that found no place in the model when it was last filled: a page byte or value
-    /// outside 0..255, or a number beyond 16 bits.
-    std::int32_t CVs_Left_Out = 0;
+    std::int32_t CVs_Left_Out = 0; ///< of all sets, when it was last filled
 
     /// @return the new set's `Index`. Throws Collection_Error when the SetID is there already.
     std::int16_t Add_CVSet(const QString& Name, std::int16_t ResCV, std::int16_t Nummer,

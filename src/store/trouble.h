@@ -10,9 +10,11 @@ namespace store {
 enum class Failure {
     not_open,         ///< no database is open
     no_set,           ///< no set is current
-    not_found,        ///< the file, row, table or column is not there (any more)
+    not_found,        ///< the file is not there (any more)
     denied,           ///< the rights are missing to look at the file
     not_a_database,   ///< another kind of file
+    no_library,       ///< a database of another kind: it has no CV sets
+    no_cvs,           ///< a library without the table of its CVs
     unsupported,      ///< another generation of the format, a password, enciphered pages
     damaged,          ///< the file; it is read-only from then on
     read_only,        ///< and why, in the detail
@@ -20,6 +22,7 @@ enum class Failure {
     replaced,         ///< the path no longer names the file that was open; it has been closed
     disk_full,
     device, ///< any other failure of the medium
+    gone,   ///< a row, table or column: another program has taken it away
     refused ///< for its data: too long, out of range, forbidden by a relation
 };
 
@@ -36,8 +39,24 @@ enum class Blocked {
     write_protected, ///< the file or the medium
     jet3,            ///< the format of Access 97 is only read
     damaged,
+    cut_off,       ///< the end of the file is missing
+    no_cvs,        ///< the table CVs, or a column of it, is missing
     foreign_index, ///< a table with an index whose keys we cannot compute
     replaced       ///< the path no longer names the file that is open
+};
+
+/// Whether what is shown may be only a part of the library.
+constexpr bool is_incomplete(Blocked why) {
+    return why == Blocked::cut_off || why == Blocked::no_cvs;
+}
+
+/// What a library has lost that was not copied to its end.
+struct Lost_End {
+    std::int64_t bytes = 0; ///< missing at least
+    std::int64_t whole = 0; ///< that the file has had at least
+    bool sets = false;      ///< something of them is missing
+    bool cvs = false;
+    bool scripts = false;
 };
 
 /// How a library was found when it was opened.
@@ -45,6 +64,7 @@ struct Opening {
     bool jet3 = false; ///< else Jet 4 (Access 2000 to 2003)
     Blocked blocked = Blocked::no;
     QString blocked_detail;
+    Lost_End lost_end;            ///< for Blocked::cut_off
     bool recovered = false;       ///< an interrupted change was undone
     QString journal_set_aside;    ///< new name of a journal that could not be applied, else empty
     bool journal_spoiled = false; ///< it was the file's own: a change may be half written

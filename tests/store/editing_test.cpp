@@ -174,7 +174,7 @@ TEST_F(Editing, renaming_keeps_the_number_unless_one_is_given) {
     EXPECT_EQ(db.Get_Set_Nummer2(0), 32767);
     db.AktCVSetID(set + 1);
     EXPECT_FALSE(db.DB_Rename_CVSet(u"z"_s, 1));
-    EXPECT_EQ(library::trouble(db), "not_found");
+    EXPECT_EQ(library::trouble(db), "gone");
 }
 
 class Editing_Samples : public On_Library, public testing::WithParamInterface<std::string> {};

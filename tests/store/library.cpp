@@ -72,10 +72,10 @@ Shown cvs(store::clsDBConn& connection, std::int32_t set_id) {
 }
 
 std::string trouble(store::clsDBConn& connection) {
-    static const char* const kinds[] = {"not_open",         "no_set",      "not_found", "denied",
-                                        "not_a_database",   "unsupported", "damaged",   "read_only",
-                                        "locked_elsewhere", "replaced",    "disk_full", "device",
-                                        "refused"};
+    static const char* const kinds[] = {
+        "not_open",  "no_set",      "not_found", "denied",    "not_a_database",   "no_library",
+        "no_cvs",    "unsupported", "damaged",   "read_only", "locked_elsewhere", "replaced",
+        "disk_full", "device",      "gone",      "refused"};
     const auto taken = connection.take_trouble();
     return taken ? kinds[static_cast<int>(taken->kind)] : "";
 }

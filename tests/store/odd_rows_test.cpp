@@ -60,6 +60,7 @@ TEST_F(Odd_Rows, cvs_are_listed_as_they_stand_and_left_out_of_the_model) {
     cls_Sets_Coll sets;
     db.Fill_Sets_in_SetObj(sets);
     EXPECT_EQ(sets.CVs_Left_Out, 4);
+    EXPECT_EQ(sets.Item(u"46"_s)->CVs_Left_Out, 4);
     ASSERT_EQ(sets.Item(u"46"_s)->Count(), 1) << "nulls read as 0";
     EXPECT_EQ(sets.Item(u"46"_s)->Item(1)->PageNr, 0);
     EXPECT_EQ(sets.Item(u"46"_s)->Item(1)->Item(1)->CVNr, 0);
@@ -86,14 +87,16 @@ TEST_F(Odd_Rows, states_outside_0_to_255_are_left_out_and_counted) {
         if (row[u"ScriptID"_s].toInt() == 1) set = row[u"SetID"_s].toInt();
     db.AktCVSetID(set);
     db.DB_Load_Scripts();
-    EXPECT_EQ(db.script_states_left_out(), 3);
+    EXPECT_EQ(scripts::AktScripts().States_Left_Out(), 3);
     ASSERT_GE(scripts::AktScripts().Count(), 1);
+    EXPECT_EQ(db.script_name(1), scripts::AktScripts().Item(1)->ScriptName);
+    EXPECT_FALSE(db.script_name(1).isEmpty());
     EXPECT_EQ(scripts::AktScripts().Item(1)->StateCount, 201);
     EXPECT_EQ(scripts::AktScripts().Item(1)->GetState(200).GetCommand(), 2);
     EXPECT_EQ(scripts::AktScripts().Item(1)->GetState(200).GetPar(0), 0);
     ASSERT_TRUE(db.DB_Save_Script_States(1));
     db.DB_Load_Scripts();
-    EXPECT_EQ(db.script_states_left_out(), 0) << "saving replaces them too";
+    EXPECT_EQ(scripts::AktScripts().States_Left_Out(), 0) << "saving replaces them too";
     EXPECT_EQ(scripts::AktScripts().Item(1)->StateCount, 201);
     scripts::AktScripts().Clear();
 }
@@ -111,6 +114,9 @@ TEST(A_Library, that_was_cut_off_is_never_written_to) {
         disk.set_bytes("a.mdb", {bytes.begin(), cut});
         clsDBConn db(disk);
         db.Connection_Start(u"a.mdb"_s);
+        if (db.Connection_Active()) {
+            EXPECT_EQ(db.opening().blocked, Blocked::cut_off) << "before the first change";
+        }
         std::int16_t number = 0;
         EXPECT_EQ(db.DB_Add_CVSet(u"Neu"_s, number, 8), 0);
         db.AktCVSetID(1);

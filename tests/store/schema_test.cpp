@@ -65,6 +65,20 @@ protected:
         db.Connection_Start(u"a.mdb"_s);
         ASSERT_TRUE(db.Connection_Active()) << library::trouble(db);
     }
+    /// Whatever is tried, the reason is that the file is none.
+    void expect_no_library() {
+        EXPECT_EQ(library::trouble(db), "no_library");
+        EXPECT_TRUE(library::sets(db, 8).empty());
+        EXPECT_EQ(library::trouble(db), "no_library");
+        std::int16_t number = 0;
+        EXPECT_EQ(db.DB_Add_CVSet(u"x"_s, number, 8), 0);
+        EXPECT_EQ(library::trouble(db), "no_library");
+        EXPECT_EQ(db.set_name_width(), 0);
+        EXPECT_EQ(library::trouble(db), "no_library");
+        CVRec rec{0, 1, 29, 6, 0, false};
+        EXPECT_FALSE(db.DB_Write_CV(rec));
+        EXPECT_EQ(library::trouble(db), "no_library");
+    }
     std::vector<std::u16string> tables() {
         auto database = jet::Database::open(disk, "a.mdb", jet::Mode::read_only);
         std::vector<std::u16string> names;
@@ -216,11 +230,32 @@ TEST_F(Schema, nothing_is_added_to_databases_of_other_kinds) {
         library::put(disk, sample, "a.mdb");
         const auto before = disk.bytes("a.mdb");
         start();
-        EXPECT_EQ(library::trouble(db), "not_found");
-        EXPECT_TRUE(library::sets(db, 8).empty());
-        std::int16_t number = 0;
-        EXPECT_EQ(db.DB_Add_CVSet(u"x"_s, number, 8), 0);
-        EXPECT_NE(library::trouble(db), "");
+        expect_no_library();
+        db.Connection_Close();
+        EXPECT_EQ(disk.bytes("a.mdb"), before);
+    }
+}
+
+TEST_F(Schema, a_table_of_sets_is_no_library_without_names_and_shows_them_without_cvs) {
+    for (const bool named : {false, true}) {
+        SCOPED_TRACE(named);
+        auto made = jet::Database::create(disk, "a.mdb", 40000.0);
+        Columns columns{whole(u"SetID", true)};
+        if (named) columns.push_back(text(u"Name"));
+        const auto sets = made.create_table(u"Sets", columns, Indexes{key_on(u"SetID")});
+        if (named) sets.insert({{1, std::u16string(u"Erster")}});
+        const auto before = disk.bytes("a.mdb");
+        start();
+        if (named) {
+            EXPECT_EQ(db.opening().blocked, Blocked::no_cvs);
+            EXPECT_EQ(library::sets(db, 8), (library::Shown{{"10 - Erster", 1}}));
+            EXPECT_TRUE(library::cvs(db, 1).empty());
+            EXPECT_EQ(library::trouble(db), "");
+            EXPECT_FALSE(db.DB_Del_CVSet(1));
+            EXPECT_EQ(library::trouble(db), "no_cvs");
+        } else {
+            expect_no_library();
+        }
         db.Connection_Close();
         EXPECT_EQ(disk.bytes("a.mdb"), before);
     }

@@ -58,7 +58,7 @@ TEST_F(Script_Storage, without_a_current_set_nothing_happens) {
     db.AktCVSetID(2);
     for (const int position : {0, 4}) {
         EXPECT_FALSE(db.DB_Delete_Script(position));
-        EXPECT_EQ(library::trouble(db), "not_found");
+        EXPECT_EQ(library::trouble(db), "gone");
     }
 }
 
@@ -132,7 +132,7 @@ TEST_F(Script_Storage, a_script_that_another_copy_deleted_is_not_stored) {
         const auto gone = AktScripts().Item(1);
         db.AktCVSetID(3);
         EXPECT_FALSE(db.DB_Save_Script_States(1));
-        EXPECT_EQ(library::trouble(db), "not_found");
+        EXPECT_EQ(library::trouble(db), "gone");
         EXPECT_FALSE(db.DB_Rename_Script(1));
     }
     load_again(3);
@@ -150,7 +150,7 @@ TEST_F(Script_Storage, a_script_of_256_states_is_stored) {
     load_again(3);
     EXPECT_EQ(AktScripts().Item(position)->StateCount, 256);
     EXPECT_EQ(AktScripts().Item(position)->GetState(255).GetCommand(), 2);
-    EXPECT_EQ(db.script_states_left_out(), 0);
+    EXPECT_EQ(AktScripts().States_Left_Out(), 0);
 }
 
 } // namespace

@@ -47,7 +47,7 @@ TEST_F(Sharing, each_sees_what_the_other_has_stored) {
     EXPECT_EQ(db.Get_Set_Name(one), QString());
     db.AktCVSetID(one);
     EXPECT_FALSE(db.DB_Rename_CVSet(u"c"_s, 1));
-    EXPECT_EQ(library::trouble(db), "not_found");
+    EXPECT_EQ(library::trouble(db), "gone");
     EXPECT_EQ(library::faults(disk, "a.mdb"), std::vector<std::string>());
 }
 
@@ -61,7 +61,7 @@ TEST_F(Sharing, no_cv_goes_into_a_set_that_the_other_has_deleted) {
     ASSERT_TRUE(db.DB_Write_CV(cv));
     ASSERT_TRUE(other.DB_Del_CVSet(set));
     EXPECT_FALSE(db.DB_Write_CV(cv));
-    EXPECT_EQ(db.last_trouble()->kind, Failure::not_found);
+    EXPECT_EQ(db.last_trouble()->kind, Failure::gone);
     EXPECT_TRUE(library::cvs(db, set).empty());
 }
 

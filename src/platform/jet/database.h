@@ -48,17 +48,26 @@ enum class Blocked {
     write_protected, ///< the file or the medium, or opened read-only
     jet3,            ///< the format of 1997 is only read
     damaged,         ///< found by the check before the first write, or met later
+    cut_off,         ///< the end of the file is missing; Status::lost_end says more
     foreign_index, ///< an index whose keys we cannot compute (another collation or an unknown type)
     replaced       ///< the path no longer names the file that is open
+};
+
+/// What a file has lost that was not copied to its end.
+struct Lost_End {
+    std::uint64_t bytes = 0;            ///< missing at least
+    std::uint64_t whole = 0;            ///< that the file has had at least
+    std::vector<std::u16string> tables; ///< user tables of which something is missing
 };
 
 /// How a file was found.
 struct Status {
     bool jet3 = false;
-    Blocked blocked = Blocked::no; ///< for the whole file; see also Table::blocked()
-    std::string detail;            ///< the reason in plain English, for the log
-    bool recovered = false;        ///< an interrupted change was undone at opening
-    std::string set_aside;         ///< new name of a journal that could not be applied to this file
+    Blocked blocked = Blocked::no;    ///< for the whole file; see also Table::blocked()
+    std::string detail;               ///< the reason in plain English, for the log
+    std::optional<Lost_End> lost_end; ///< as it was at opening
+    bool recovered = false;           ///< an interrupted change was undone at opening
+    std::string set_aside; ///< new name of a journal that could not be applied to this file
     /// One of this file was spoiled (and may be the one set aside): a change may be half written.
     bool journal_spoiled = false;
 };

@@ -1,6 +1,7 @@
 #include "platform/jet/engine.h"
 
 #include "platform/jet/check/check.h"
+#include "platform/jet/file_end.h"
 #include "platform/jet/text.h"
 
 #include <algorithm>
@@ -45,6 +46,7 @@ Status Engine::status() const {
     status.recovered = report.recovery != Pager_Report::Recovery::none;
     status.set_aside = report.set_aside;
     status.journal_spoiled = report.spoiled_journal;
+    status.lost_end = lost_end_;
     if (blocked_ != Blocked::no) {
         status.blocked = blocked_;
         status.detail = blocked_detail_;
@@ -56,17 +58,48 @@ Status Engine::status() const {
 }
 
 /// The definitions of all user tables are read once: one that is broken makes the file read-only,
-/// the other tables are shown all the same.
+/// the other tables are shown all the same. So does an end of the file that is missing: what is
+/// there looks like a whole file with fewer rows.
 void Engine::check_tables() {
-    for (const auto& object : objects()) {
-        if (!object.table() || object.system()) continue;
+    const auto& all = objects();
+    const auto look = [&](auto at) {
         try {
-            table(object.page());
+            at();
+            return true;
         } catch (const Error& error) {
             if (error.kind != Failure::damaged) throw;
             note_damage(error);
+            return false;
         }
+    };
+    Pages_Claim claim;
+    look([&] { claim = pages_in_use(*pager_); });
+    if (claim.sure) note_end(claim.pages);
+    const bool doubtful = !claim.sure && claim.pages > pager_->page_count();
+    look([&] { note_end(pages_needed(*pager_, *objects_definition_)); });
+    for (const auto& object : all) {
+        if (!object.table() || (object.system() && !doubtful)) continue;
+        std::uint64_t needed = std::uint64_t{object.page()} + 1;
+        const bool readable = look([&] {
+            note_end(needed);
+            needed = pages_needed(*pager_, *table(object.page()).definition);
+            note_end(needed);
+        });
+        if (lost_end_ && !object.system() && (!readable || needed > pager_->page_count()))
+            lost_end_->tables.push_back(object.name);
     }
+}
+
+/// @param pages that the file must have
+void Engine::note_end(std::uint64_t pages) {
+    const auto present = pager_->page_count();
+    if (pages <= present) return;
+    if (!lost_end_) lost_end_.emplace();
+    lost_end_->whole = std::max(lost_end_->whole, pages * pager_->page_size());
+    lost_end_->bytes = lost_end_->whole - std::uint64_t{present} * pager_->page_size();
+    blocked_ = Blocked::cut_off;
+    blocked_detail_ = "the file ends after " + std::to_string(present) + " of at least " +
+                      std::to_string(lost_end_->whole / pager_->page_size()) + " pages";
 }
 
 void Engine::note_damage(const Error& error) noexcept {

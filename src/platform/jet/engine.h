@@ -118,6 +118,7 @@ public:
 private:
     void refresh();
     void check_tables();
+    void note_end(std::uint64_t pages);
     void ensure_writable() const;
     void check_once();
     void check_after_spoiled_journal();
@@ -132,6 +133,7 @@ private:
     bool checked_; ///< the file was made by us or has passed check()
     Blocked blocked_ = Blocked::no;
     std::string blocked_detail_;
+    std::optional<Lost_End> lost_end_;
     int read_depth_ = 0;
     int write_depth_ = 0;
     std::optional<Error> unfit_; ///< why the open transaction can only be rolled back

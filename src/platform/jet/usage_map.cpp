@@ -40,6 +40,14 @@ std::optional<std::size_t> next_bit(std::span<const std::byte> bits, std::size_t
     return byte * 8 + static_cast<std::size_t>(std::countr_zero(rest));
 }
 
+std::optional<std::size_t> last_bit(std::span<const std::byte> bits, bool set) {
+    for (std::size_t byte = bits.size(); byte-- > 0;) {
+        const unsigned found = load_u8(&bits[byte]) ^ (set ? 0U : 0xFFU);
+        if (found != 0) return byte * 8 + static_cast<std::size_t>(std::bit_width(found)) - 1;
+    }
+    return {};
+}
+
 /// A map row, held together with its page.
 class Bits {
 public:
@@ -128,6 +136,19 @@ std::vector<Page_Number> Usage_Map::pages() const {
     std::vector<Page_Number> found;
     for (auto page = next_from(0); page; page = next_from(*page + 1)) found.push_back(*page);
     return found;
+}
+
+std::optional<std::uint64_t> Usage_Map::last(bool set) const {
+    const Bits map(*pager_, place_);
+    if (!map.referring()) {
+        const auto bit = last_bit(map.bits(), set);
+        return bit ? std::optional(map.first() + *bit) : std::nullopt;
+    }
+    for (std::size_t span = map.references(); span-- > 0;)
+        if (const auto page = map.reference(span))
+            if (const auto bit = last_bit(bits_of(bit_page(*pager_, *page)), set))
+                return span * pages_per_reference(*pager_) + *bit;
+    return {};
 }
 
 /// @return false when the map has no place for the page.

@@ -26,6 +26,8 @@ public:
     /// end of the file are passed over.
     std::optional<Page_Number> next_from(Page_Number from) const;
     std::vector<Page_Number> pages() const; ///< ascending
+    /// The highest page whose bit is there and set (or clear), also one beyond the end of the file.
+    std::optional<std::uint64_t> last(bool set) const;
 
     /// Adds a page, lengthening or converting the map as needed; nothing happens if it is there.
     void add(Page_Space& space, Page_Number page);

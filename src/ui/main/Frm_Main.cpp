@@ -67,10 +67,12 @@ void Frm_Main::wire() {
         connect(form_->opt_rescv[index], &QRadioButton::toggled, this, [this, i](bool chosen) {
             if (!chosen) return;
             choose_reset_cv(i);
-            say_trouble();
+            say_outcome({});
         });
         connect(form_->opt_dec[index], &QRadioButton::toggled, this, [this, i](bool chosen) {
-            if (chosen) choose_decoder_family(i);
+            if (!chosen) return;
+            choose_decoder_family(i);
+            if (i == 1) say_outcome({}); // the list was filled anew
         });
     }
 }
@@ -123,9 +125,7 @@ void Frm_Main::set_selected() {
 
 void Frm_Main::set_chosen() {
     set_selected();
-    const std::int32_t SetID = form_->lst_sets->selected_key();
-    const int left_out = SetID != 0 ? database_.script_states_left_out() : 0;
-    if (!say_trouble() && left_out > 0) say(text(Text::script_states_left_out).arg(left_out));
+    say_outcome({});
 }
 
 void Frm_Main::Show_CVs(std::int32_t SetID) {
@@ -168,12 +168,15 @@ void Frm_Main::choose_decoder_family(int index) {
 // Window
 
 void Frm_Main::show_title() {
-    setWindowTitle(database_.Connection_Active()
-                       ? text(Text::title_open).arg(app::current_database())
-                       : text(Text::title_closed));
-    const bool blocked = database_.Connection_Active() && !database_.writable();
-    write_protected_->setVisible(blocked);
-    write_protected_->setToolTip(reason(database_.opening().blocked));
+    const bool open = database_.Connection_Active();
+    const store::Blocked blocked = database_.opening().blocked;
+    QString title =
+        open ? text(Text::title_open).arg(app::current_database()) : text(Text::title_closed);
+    if (blocked == store::Blocked::damaged) title += text(Text::title_damaged);
+    if (is_incomplete(blocked)) title += text(Text::title_incomplete);
+    setWindowTitle(title);
+    write_protected_->setVisible(blocked != store::Blocked::no);
+    write_protected_->setToolTip(reason(blocked));
 }
 
 QString Frm_Main::status() const { return status_->text(); }
@@ -190,6 +193,7 @@ bool Frm_Main::say_trouble() {
     if (trouble->kind == store::Failure::replaced && !database_.Connection_Active()) {
         Refresh_Sets(); // the library is closed: nothing of it stays in view
     }
+    show_title(); // damage is met late, too
     say_and_log(sentence(*trouble), *trouble);
     return true;
 }
@@ -199,6 +203,29 @@ bool Frm_Main::say_missing_copy() {
     if (!trouble) return false;
     say_and_log(text(Text::backup_failed).arg(sentence(*trouble)), *trouble);
     return true;
+}
+
+QString Frm_Main::with_left_out(const QString& sentence) {
+    QStringList parts{sentence};
+    parts.removeAll({});
+    append_count(parts, Text::script_states_left_out, scripts::AktScripts().States_Left_Out());
+    return parts.join(u' ');
+}
+
+void Frm_Main::say_outcome(const QString& done) {
+    if (say_trouble()) return;
+    const QString sentence = with_left_out(done);
+    if (!sentence.isEmpty()) say(sentence);
+}
+
+bool Frm_Main::expect_library() {
+    const bool there = database_.expect_library();
+    if (!there) say_trouble();
+    return there;
+}
+
+void Frm_Main::say_no_set() {
+    if (expect_library()) say(text(Text::no_set_selected));
 }
 
 void Frm_Main::say_and_log(const QString& sentence, const store::Trouble& reason) {

@@ -87,6 +87,12 @@ private:
     void say_and_log(const QString& sentence, const QString& reason);
     void say_and_log(const QString& sentence, const store::Trouble& reason);
     bool say_missing_copy(); ///< that no backup could be made. @return whether so
+    /// Says what kept a command from its work, else what it did, and what loading has left out.
+    void say_outcome(const QString& done);
+    static QString with_left_out(const QString& sentence);
+    /// Whether there are CV sets to work on; says why not.
+    bool expect_library();
+    void say_no_set(); ///< that none is selected, and why
     app::Diagnostic_Log log();
     void choose_reset_cv(int index);
     void show_title();
@@ -139,6 +145,7 @@ private:
     void export_project(bool user);
     void write_project(const QString& path, vqx_export::File_Type type);
     void say_opening();
+    void append_protection(QStringList& parts, const store::Opening& opening) const;
     bool make_database(const QString& path);
 
     desktop::Desktop& desktop_;

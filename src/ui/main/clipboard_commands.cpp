@@ -6,6 +6,15 @@
 #include "ui/main/texts.h"
 
 namespace ui_main {
+namespace {
+
+QString with_left_out_cvs(const QString& sentence, const store::cls_CV_Set& set) {
+    QStringList parts{sentence};
+    append_count(parts, Text::project_left_out_cvs, set.CVs_Left_Out);
+    return parts.join(u' ');
+}
+
+} // namespace
 
 void Frm_Main::put_on_clipboard(const desktop::Clipboard& content, const QString& sentence) {
     say(desktop_.Set_Clipboard_Text(content) ? sentence : text(Text::clipboard_refused));
@@ -29,7 +38,7 @@ void Frm_Main::copy_cvs() {
 const store::cls_CV_Set* Frm_Main::load_selected_set() {
     const std::int32_t SetID = form_->lst_sets->selected_key();
     if (SetID == 0) {
-        say(text(Text::no_set_selected));
+        say_no_set();
         return nullptr;
     }
     database_.Fill_Sets_in_SetObj(store::SetsObj());
@@ -45,13 +54,14 @@ void Frm_Main::copy_set() {
     if (set == nullptr) return;
     put_on_clipboard({store::set_text(*set, store::Names::plain),
                       store::set_text(*set, store::Names::percent_encoded)},
-                     text(Text::set_copied).arg(shown_set()));
+                     with_left_out_cvs(text(Text::set_copied).arg(shown_set()), *set));
 }
 
 void Frm_Main::copy_listing() {
     const store::cls_CV_Set* set = load_selected_set();
     if (set == nullptr) return;
-    put_on_clipboard({store::listing_text(*set), {}}, text(Text::listing_copied).arg(shown_set()));
+    put_on_clipboard({store::listing_text(*set), {}},
+                     with_left_out_cvs(text(Text::listing_copied).arg(shown_set()), *set));
 }
 
 void Frm_Main::paste_cvs() {

@@ -35,7 +35,7 @@ void Frm_Main::go_through_history(const store::Undo_Result& result, Text done, T
     show_set(result.set != 0 ? result.set : form_->lst_sets->selected_key());
     database_.take_trouble(); // that rows differ is told below, in the words of the user
     const Text form = result.outcome == Outcome::done ? done : Text::step_changed_elsewhere;
-    say(text(form).arg(sentence(result.name)));
+    say(with_left_out(text(form).arg(sentence(result.name))));
 }
 
 // Fills the lists anew and selects the set, in the view that shows it; the first one if it is gone.
@@ -89,7 +89,8 @@ void Frm_Main::restore_backup() {
     const std::optional<store::Trouble> trouble = backups().take_trouble();
     Open_Database();
     if (restored)
-        say_and_log(text(Text::backup_restored).arg(shown_date(chosen->made)), chosen->path);
+        say_and_log(with_left_out(text(Text::backup_restored).arg(shown_date(chosen->made))),
+                    chosen->path);
     else if (trouble)
         say_and_log(text(Text::backup_not_restored).arg(sentence(*trouble)), *trouble);
 }

@@ -42,8 +42,9 @@ void Frm_Main::Open_Database() {
     database_.Connection_Start(path);
     const std::optional<store::Trouble> trouble = database_.take_trouble();
     Refresh_Sets();
-    const bool of_another_kind = trouble && trouble->kind == store::Failure::not_found;
-    if (database_.Connection_Active() && (database_.is_library() || of_another_kind))
+    const bool of_another_kind = trouble && trouble->kind == store::Failure::no_library;
+    const bool cut_off = database_.opening().blocked == store::Blocked::cut_off;
+    if (database_.Connection_Active() && (database_.is_library() || of_another_kind || cut_off))
         say_opening();
     else if (trouble)
         say(sentence(*trouble));
@@ -56,15 +57,16 @@ void Frm_Main::default_database_made() { backups().made_now(app::current_databas
 
 void Frm_Main::say_opening() {
     const store::Opening opening = database_.opening();
-    if (!database_.is_library()) {
-        say(text(Text::opened_without_sets).arg(app::globals.Database_File));
-        return;
+    const bool cut_off = opening.blocked == store::Blocked::cut_off;
+    QStringList parts;
+    if (database_.is_library()) {
+        const int sets = database_.Get_Anz_CVSets();
+        parts.append(text(Text::opened).arg(app::globals.Database_File).arg(sets));
+    } else {
+        const Text form = cut_off ? Text::opened_sets_lost : Text::opened_without_sets;
+        parts.append(text(form).arg(app::globals.Database_File));
     }
-    QStringList parts{
-        text(Text::opened).arg(app::globals.Database_File).arg(database_.Get_Anz_CVSets())};
-    if (!database_.writable()) {
-        parts.append(text(Text::write_protected) + u": "_qs + reason(opening.blocked));
-    }
+    if (database_.is_library() || cut_off) append_protection(parts, opening);
     if (opening.recovered) parts.append(text(Text::recovered));
     if (opening.journal_spoiled) parts.append(text(Text::journal_spoiled));
     if (!opening.journal_set_aside.isEmpty()) {
@@ -75,10 +77,23 @@ void Frm_Main::say_opening() {
     if (opening.ldb_beside) parts.append(text(Text::ldb_beside));
     append_count(parts, Text::sets_in_no_view, database_.sets_in_no_view());
     append_count(parts, Text::sets_completed, database_.sets_completed_in_memory());
-    append_count(parts, Text::script_states_left_out, database_.script_states_left_out());
     if (const auto no_copy = backups().take_trouble())
         parts.append(text(Text::backup_failed).arg(sentence(*no_copy)));
-    say(parts.join(u' '));
+    say(with_left_out(parts.join(u' ')));
+}
+
+void Frm_Main::append_protection(QStringList& parts, const store::Opening& opening) const {
+    if (database_.writable()) return;
+    parts.append(text(Text::write_protected) + u": "_qs + reason(opening.blocked));
+    const store::Lost_End& lost = opening.lost_end;
+    if (lost.bytes == 0) return;
+    constexpr std::int64_t kilobyte = 1024;
+    parts.append(text(Text::lost_end).arg(lost.bytes / kilobyte).arg(lost.whole / kilobyte));
+    QStringList of;
+    if (lost.sets) of.append(text(Text::lost_sets));
+    if (lost.cvs) of.append(text(Text::lost_cvs));
+    if (lost.scripts) of.append(text(Text::lost_scripts));
+    if (!of.isEmpty()) parts.append(text(Text::lost_of).arg(of.join(u", "_qs)));
 }
 
 void Frm_Main::open_database() {
@@ -136,8 +151,9 @@ void Frm_Main::export_oem() { export_project(false); }
 void Frm_Main::export_user() { export_project(true); }
 
 void Frm_Main::export_project(bool user) {
-    if (!database_.Connection_Active()) {
-        say(sentence({store::Failure::not_open, {}, {}}));
+    if (!expect_library()) return;
+    if (const store::Blocked why = database_.opening().blocked; is_incomplete(why)) {
+        say(text(Text::project_refused) + u' ' + reason(why));
         return;
     }
     const QString proposed = app::globals.Database_File.chopped(3) + u"vqx"_qs;
@@ -164,7 +180,10 @@ void Frm_Main::write_project(const QString& path, vqx_export::File_Type type) {
     say_and_log(sentence(app::FileOf(path), report),
                 report.failure ? QString::fromUtf8(report.failure->what()) : path);
     if (report.refusals.empty()) return;
-    desktop_.inform(text(Text::information), sentences(report.refusals));
+    desktop_.inform(text(Text::information),
+                    sentences(report.refusals, [this](std::int32_t ScriptID) {
+                        return database_.script_name(ScriptID);
+                    }));
 }
 
 } // namespace ui_main

@@ -49,22 +49,26 @@ std::int64_t count(const vqx_export::Left_Out_CVs& cvs) {
     return cvs.out_of_range + cvs.covered + cvs.repeated;
 }
 
-} // namespace
-
-QString sentence(const Refusal& refusal) {
+QString sentence(const Refusal& refusal, const Script_Names& name_of) {
     QString place;
     if (refusal.SetID != 0) {
-        place = u"Set %1 „%2“"_qs.arg(refusal.set_number).arg(refusal.set_name);
+        place = u"Set %1 „"_qs.arg(refusal.set_number) + refusal.set_name + u'“';
     }
-    if (refusal.script > 0) place += u", Script %1"_qs.arg(refusal.script);
+    if (refusal.script > 0) {
+        const QString name = name_of(refusal.ScriptID);
+        place += u", Script %1"_qs.arg(refusal.script);
+        if (!name.isEmpty()) place += u" „"_qs + name + u'“';
+    }
     if (refusal.line >= 0) place += u", Zeile %1"_qs.arg(refusal.line);
     return place.isEmpty() ? words(refusal) + u'.' : place + u": "_qs + words(refusal) + u'.';
 }
 
-QString sentences(const std::vector<Refusal>& refusals) {
+} // namespace
+
+QString sentences(const std::vector<Refusal>& refusals, const Script_Names& names) {
     QStringList lines{text(Text::project_refused)};
     const std::size_t shown = std::min(refusals.size(), most_lines);
-    for (std::size_t i = 0; i < shown; ++i) lines.append(sentence(refusals[i]));
+    for (std::size_t i = 0; i < shown; ++i) lines.append(sentence(refusals[i], names));
     if (shown < refusals.size()) {
         lines.append(u"... und weitere: %1."_qs.arg(refusals.size() - shown));
     }
@@ -84,6 +88,7 @@ QString sentence(const QString& file, const vqx_export::Report& report) {
     if (report.left_out_scripts > 0) {
         parts.append(text(Text::project_left_out_scripts).arg(report.left_out_scripts));
     }
+    append_count(parts, Text::project_left_out_states, report.left_out_states);
     for (const vqx_export::Equal_Keys& equal : report.equal_keys) {
         const bool cvs = equal.map == vqx_export::Equal_Keys::Map::cvs;
         parts.append(text(cvs ? Text::project_equal_keys : Text::project_equal_scripts)

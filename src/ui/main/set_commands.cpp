@@ -25,10 +25,7 @@ QString Frm_Main::with_cut(const QString& sentence, const frm_get_2_string& dial
 }
 
 void Frm_Main::add_set() {
-    if (!database_.Connection_Active()) {
-        say(sentence({store::Failure::not_open, {}, {}}));
-        return;
-    }
+    if (!expect_library()) return;
     const int name_width = database_.set_name_width();
     if (name_width == 0) { // the library cannot be read now
         say_trouble();
@@ -52,7 +49,7 @@ void Frm_Main::add_set() {
 void Frm_Main::rename_set() {
     const std::int32_t SetID = form_->lst_sets->selected_key();
     if (SetID == 0) {
-        say(text(Text::no_set_selected));
+        say_no_set();
         return;
     }
     const int name_width = database_.set_name_width();
@@ -70,12 +67,12 @@ void Frm_Main::rename_set() {
     database_.DB_Rename_CVSet(given.first, wanted == number ? std::int16_t{0} : wanted);
     fill_sets();
     select_set(SetID);
-    if (!say_trouble()) say(with_cut(text(Text::set_renamed).arg(shown_set()), dialog));
+    say_outcome(with_cut(text(Text::set_renamed).arg(shown_set()), dialog));
 }
 
 void Frm_Main::delete_set() {
     if (form_->lst_sets->selected_key() == 0) {
-        say(text(Text::no_set_selected));
+        say_no_set();
         return;
     }
     const std::int32_t SetID = form_->lst_sets->selected_key();
@@ -87,7 +84,7 @@ void Frm_Main::delete_set_at_once() {
     if (SetID != 0)
         Delete_Set(SetID);
     else
-        say(text(Text::no_set_selected));
+        say_no_set();
 }
 
 void Frm_Main::Delete_Set(std::int32_t SetID) {
@@ -98,7 +95,7 @@ void Frm_Main::Delete_Set(std::int32_t SetID) {
     }
     fill_sets();
     select_first_set();
-    if (!say_trouble()) say(text(Text::set_deleted).arg(shown));
+    say_outcome(text(Text::set_deleted).arg(shown));
 }
 
 } // namespace ui_main

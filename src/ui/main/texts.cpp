@@ -36,6 +36,8 @@ constexpr Entry table[] = {
     {Text::script_import, u"Importieren"},
     {Text::script_export, u"Exportieren"},
     {Text::title_open, u"CV-Sets Datenbank: %1"},
+    {Text::title_damaged, u" – beschädigt, schreibgeschützt"},
+    {Text::title_incomplete, u" – unvollständig, schreibgeschützt"},
     {Text::title_closed, u"CV-Sets (keine Datenbank geöffnet)"},
     {Text::attention, u"Achtung"},
     {Text::information, u"Information"},
@@ -56,6 +58,12 @@ constexpr Entry table[] = {
     {Text::opened, u"„%1“ geöffnet, CV-Sets: %2."},
     {Text::opened_without_sets,
      u"„%1“ geöffnet; die Datei enthält keine CV-Sets (andere Art von Datenbank)."},
+    {Text::opened_sets_lost, u"„%1“ geöffnet; die CV-Sets fehlen."},
+    {Text::lost_end, u"Es fehlen mindestens %1 von %2 KB."},
+    {Text::lost_of, u"Davon betroffen: %1."},
+    {Text::lost_sets, u"CV-Sets"},
+    {Text::lost_cvs, u"CVs"},
+    {Text::lost_scripts, u"Scripte"},
     {Text::recovered, u"Eine unterbrochene Änderung wurde zurückgenommen."},
     {Text::journal_set_aside, u"Ein fremdes Änderungsprotokoll liegt jetzt unter „%1“."},
     {Text::journal_spoiled, u"Eine unterbrochene Änderung ließ sich nicht zurücknehmen, weil ihr "
@@ -68,7 +76,10 @@ constexpr Entry table[] = {
     {Text::write_protected, u"schreibgeschützt"},
     {Text::blocked_write_protected, u"Datei oder Ordner erlauben kein Schreiben."},
     {Text::blocked_jet3, u"Das Format von Access 97 wird nur gelesen."},
-    {Text::blocked_damaged, u"Die Datei ist beschädigt; bitte eine Sicherung benutzen."},
+    {Text::blocked_damaged,
+     u"Die Datei ist beschädigt; bitte eine Sicherung oder eine neue Kopie benutzen."},
+    {Text::blocked_cut_off, u"Der Datei fehlt das Ende; bitte eine vollständige Kopie holen."},
+    {Text::blocked_no_cvs, u"In der Datei fehlen die CVs; bitte eine Sicherung benutzen."},
     {Text::blocked_foreign_index, u"Eine Tabelle hat einen Index, den wir nicht pflegen können."},
     {Text::blocked_replaced, u"Die Datei wurde von außen ersetzt; bitte neu öffnen."},
 
@@ -132,6 +143,7 @@ constexpr Entry table[] = {
     {Text::project_written, u"„%1“ gespeichert: CV-Sets %2, davon mit Scripten %3."},
     {Text::project_left_out_cvs, u"Nicht darstellbare CVs, weggelassen: %1."},
     {Text::project_left_out_scripts, u"Scripte ohne Set, weggelassen: %1."},
+    {Text::project_left_out_states, u"Script-Zeilen außerhalb 0 bis 255, weggelassen: %1."},
     {Text::project_equal_keys, u"Gleiche Reset-CV und Nummer: %1."},
     {Text::project_equal_scripts, u"Gleiche Nummer bei Sets mit Scripten: %1."},
     {Text::project_failed, u"„%1“ konnte nicht gespeichert werden: %2"},
@@ -149,10 +161,12 @@ constexpr Trouble_Entry troubles[] = {
     {store::Failure::not_found, u"„%1“ ist nicht (mehr) vorhanden."},
     {store::Failure::denied, u"„%1“ darf nicht gelesen werden: Die Rechte fehlen."},
     {store::Failure::not_a_database, u"„%1“ ist keine Datenbank."},
+    {store::Failure::no_library, u"„%1“ enthält keine CV-Sets (andere Art von Datenbank)."},
+    {store::Failure::no_cvs, u"In „%1“ fehlen die CVs; es wurde nichts geändert."},
     {store::Failure::unsupported,
      u"„%1“ kann nicht geöffnet werden: Kennwort, Verschlüsselung oder anderes Format."},
     {store::Failure::damaged, u"„%1“ ist beschädigt und bleibt unverändert; "
-                              u"bitte eine Sicherung benutzen."},
+                              u"bitte eine Sicherung oder eine neue Kopie benutzen."},
     {store::Failure::read_only, u"„%1“ ist schreibgeschützt; es wurde nichts geändert."},
     {store::Failure::locked_elsewhere,
      u"„%1“ wird gerade von einem anderen Programm benutzt; bitte noch einmal versuchen."},
@@ -161,6 +175,8 @@ constexpr Trouble_Entry troubles[] = {
     {store::Failure::disk_full, u"Der Datenträger von „%1“ ist voll; es wurde nichts geändert."},
     {store::Failure::device, u"Der Datenträger von „%1“ meldet einen Fehler; "
                              u"es wurde nichts geändert."},
+    {store::Failure::gone, u"In „%1“ ist dieser Eintrag nicht mehr vorhanden; "
+                           u"ein anderes Programm hat ihn wohl gelöscht."},
     {store::Failure::refused, u"Die Datenbank nimmt diese Angaben nicht an („%1“)."},
 };
 
@@ -245,6 +261,10 @@ QString reason(store::Blocked blocked) {
         return text(Text::blocked_jet3);
     case store::Blocked::damaged:
         return text(Text::blocked_damaged);
+    case store::Blocked::cut_off:
+        return text(Text::blocked_cut_off);
+    case store::Blocked::no_cvs:
+        return text(Text::blocked_no_cvs);
     case store::Blocked::foreign_index:
         return text(Text::blocked_foreign_index);
     case store::Blocked::replaced:

@@ -34,6 +34,8 @@ enum class Text {
     script_import,
     script_export,
     title_open, ///< %1 path
+    title_damaged,
+    title_incomplete,
     title_closed,
     attention,
     information,
@@ -53,8 +55,14 @@ enum class Text {
 
     opened,              ///< %1 file, %2 number of sets
     opened_without_sets, ///< %1 file
-    recovered,           ///< an interrupted change was undone
-    journal_set_aside,   ///< %1 file
+    opened_sets_lost,    ///< %1 file, whose end is missing
+    lost_end,            ///< %1 missing, %2 whole, in KB
+    lost_of,             ///< %1 what the missing end held
+    lost_sets,
+    lost_cvs,
+    lost_scripts,
+    recovered,         ///< an interrupted change was undone
+    journal_set_aside, ///< %1 file
     journal_spoiled,
     spoiled_set_aside, ///< %1 file
     ldb_beside,
@@ -65,6 +73,8 @@ enum class Text {
     blocked_write_protected,
     blocked_jet3,
     blocked_damaged,
+    blocked_cut_off,
+    blocked_no_cvs,
     blocked_foreign_index,
     blocked_replaced,
 
@@ -124,6 +134,7 @@ enum class Text {
     project_written,          ///< %1 file, %2 sets, %3 sets with scripts
     project_left_out_cvs,     ///< %1 CVs
     project_left_out_scripts, ///< %1 scripts
+    project_left_out_states,  ///< %1 script lines
     project_equal_keys,       ///< %1 sets
     project_equal_scripts,    ///< %1 sets
     project_failed,           ///< %1 file, %2 reason

@@ -1,6 +1,7 @@
 // Where the window stands, and what happens when it comes to the front or goes.
 
 #include "app/mod_save_settings.h"
+#include "scripts/cls_script_coll.h"
 #include "ui/main/Frm_Main.h"
 #include "ui/main/main_form.h"
 #include "ui/main/texts.h"
@@ -52,14 +53,18 @@ void Frm_Main::refill_if_changed() {
         say_trouble();
         return;
     }
-    if (std::exchange(shown_state_, *now) == *now) return;
+    if (std::exchange(shown_state_, *now) == *now || !database_.is_library()) return;
+    const std::int32_t left_out = scripts::AktScripts().States_Left_Out();
     const std::int32_t SetID = form_->lst_sets->selected_key();
     const std::vector<std::int32_t> cvs = form_->lst_CVs->selected_keys();
     const std::int32_t current = form_->lst_CVs->key(form_->lst_CVs->current_row());
     fill_sets();
     select_set(SetID);
     form_->lst_CVs->select_keys(cvs, current);
-    say_trouble();
+    if (scripts::AktScripts().States_Left_Out() == left_out)
+        say_trouble(); // what stands there holds
+    else
+        say_outcome({});
 }
 
 void Frm_Main::unload() {

@@ -4,6 +4,7 @@
 #include <gmock/gmock.h>
 
 #include <array>
+#include <filesystem>
 #include <random>
 
 namespace {
@@ -197,6 +198,82 @@ void edit_damaged(const std::vector<std::byte>& bytes) {
     } catch (const jet::Error&) {
         EXPECT_TRUE(disk.bytes(path) == bytes);
     }
+}
+
+/// Cuts a file at every page down to the `least`. Opening refuses what is left or says that the end
+/// is missing, unless nothing but free pages went. @return how many cuts told nobody
+int silent_cuts(files::Memory_Disk& disk, std::size_t page_size, std::size_t least = 0) {
+    const auto whole = disk.bytes(path);
+    const auto before = [&] {
+        auto database = open(disk);
+        EXPECT_FALSE(database.status().lost_end);
+        EXPECT_NE(database.status().blocked, jet::Blocked::damaged);
+        return content(database);
+    }();
+    int silent = 0;
+    for (auto size = whole.size(); size > least * page_size;) {
+        size -= page_size;
+        SCOPED_TRACE(size / page_size);
+        disk.open(path, files::Access::read_write)->resize(size);
+        try {
+            auto database = open(disk);
+            const auto status = database.status();
+            if (status.blocked == jet::Blocked::cut_off) {
+                EXPECT_EQ(status.lost_end->bytes, status.lost_end->whole - size);
+                EXPECT_LE(status.lost_end->whole, whole.size());
+                continue;
+            }
+            ++silent;
+            EXPECT_EQ(faults(database), "");
+            EXPECT_TRUE(content(database) == before);
+        } catch (const jet::Error& error) {
+            EXPECT_TRUE(size < page_size || error.kind == Failure::damaged) << error.what();
+        }
+    }
+    disk.set_bytes(path, whole);
+    return silent;
+}
+
+TEST(Damage, a_missing_end_is_told_at_opening) {
+    for (const auto& sample : std::filesystem::directory_iterator(CV_SETS_SAMPLES)) {
+        if (sample.path().extension() != ".mdb") continue;
+        SCOPED_TRACE(sample.path().filename());
+        files::Memory_Disk disk;
+        load(disk, sample.path().string());
+        const bool jet3 = disk.bytes(path).at(0x14) == std::byte{0};
+        EXPECT_EQ(silent_cuts(disk, jet3 ? 2048 : 4096), 0);
+    }
+}
+
+TEST(Damage, a_missing_end_of_a_file_made_here_is_told_at_opening) {
+    files::Memory_Disk disk;
+    std::vector<jet::Row_Id> rows;
+    const auto with_table = [&](auto act) {
+        auto database = open(disk);
+        act(*database.table(u"Notes"));
+    };
+    const auto grow = [&](std::size_t pages) {
+        with_table([&](const jet::Table& table) {
+            while (disk.open(path, files::Access::read)->size() < 4096 * pages) {
+                const auto id = static_cast<std::int32_t>(rows.size());
+                rows.push_back(table.insert({{0, id}, {1, std::u16string(2000, u'n')}}).id);
+            }
+        });
+    };
+    jet::Database::create(disk, path)
+        .create_table(u"Notes", std::vector{column(u"id"), column(u"Note", Column_Type::memo)},
+                      std::vector{primary_key(u"id")});
+    for (const std::size_t pages :
+         {30U, 512U, 544U, 546U}) { // the global map is full at 512 and 544
+        SCOPED_TRACE(pages);
+        grow(pages);
+        EXPECT_EQ(disk.bytes(path).size() / 4096, pages);
+        EXPECT_EQ(silent_cuts(disk, 4096, pages - 20), 0);
+    }
+    with_table([&](const jet::Table& table) {
+        for (std::size_t i = rows.size() - 20; i < rows.size(); ++i) table.erase(rows[i]);
+    });
+    EXPECT_GT(silent_cuts(disk, 4096, 540), 2) << "free pages are no loss";
 }
 
 TEST(Damage, random_bytes_never_crash_reading_or_editing) {

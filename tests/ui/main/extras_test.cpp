@@ -188,13 +188,6 @@ TEST_F(Extras_Test, coming_to_the_front_shows_what_another_copy_has_done) {
     const auto set = selected(sets());
     const auto chosen = selected(cvs());
     const auto before = rows(sets());
-    const auto leave_and_return = [&] {
-        QWidget other;
-        other.show();
-        QApplication::setActiveWindow(&other);
-        QApplication::setActiveWindow(window.get());
-        QApplication::processEvents();
-    };
     leave_and_return();
     EXPECT_EQ(selected(cvs()), chosen);
     {

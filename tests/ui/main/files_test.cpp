@@ -1,7 +1,10 @@
 #include "main_window.h"
 
+#include "platform/jet/database.h"
+
 #include <QMenu>
 #include <algorithm>
+#include <map>
 
 using namespace ui_main;
 using testing::ElementsAre;
@@ -27,6 +30,18 @@ struct Files_Test : Main_Window_Test {
             all.push_back(action->text().toStdString());
         }
         return all;
+    }
+    void open(const std::string& path) {
+        desktop.expect_open(QString::fromStdString(path));
+        choose("mnu_open_database");
+    }
+    /// Adds a row behind the back of the program. @return its key
+    std::int32_t put_row(const char16_t* table, const std::map<const char16_t*, jet::Value>& row) {
+        auto library = jet::Database::open(disk, default_path, jet::Mode::read_write);
+        const jet::Table stored = library.table(table).value();
+        std::vector<jet::Cell> cells;
+        for (const auto& [name, value] : row) cells.push_back({stored.column(name).value(), value});
+        return stored.insert(cells).auto_number;
     }
     std::string title() { return window->windowTitle().toStdString(); }
 };
@@ -76,6 +91,71 @@ TEST_F(Files_Test, a_file_that_cannot_be_opened_leaves_nothing_open_but_is_recen
         choose(command); // no dialog for what cannot be done
         EXPECT_THAT(status(), HasSubstr("keine Datenbank geöffnet")) << command;
     }
+}
+
+TEST_F(Files_Test, a_database_of_another_kind_says_so_whatever_is_tried) {
+    for (const char* sample : {"indexTestV2000", "testV1997"}) {
+        const bool writable = std::string(sample) == "indexTestV2000";
+        for (const bool protect : {false, true}) {
+            SCOPED_TRACE(std::string(sample) + (protect ? ", protected" : ""));
+            const std::string path = "/home/anna/" + std::string(sample) + (protect ? "2" : "1");
+            put_sample(sample, (path + ".mdb").c_str());
+            if (protect) disk.protect(path + ".mdb");
+            open(path + ".mdb");
+            const std::string opened = status();
+            EXPECT_THAT(opened, HasSubstr("enthält keine CV-Sets"));
+            leave_and_return();
+            EXPECT_EQ(status(), opened);
+            EXPECT_EQ(get<QLabel>("lab_schreibschutz").isVisible(), protect || !writable);
+            for (const char* command :
+                 {"mnu_cvset_hinzu", "mnu_cvset_rename", "mnu_cvset_del", "mnu_cvset_copy",
+                  "mnu_cvset_paste", "mnu_paste", "mnu_cvset_export_txt", "mnu_export_oem"}) {
+                desktop.clipboard = {QStringLiteral("SetName,x\r\nObj,Set\r\n"), {}};
+                if (std::string(command) == "mnu_paste")
+                    desktop.clipboard.text = QStringLiteral("1;3");
+                window->say({});
+                choose(command);
+                EXPECT_THAT(status(), HasSubstr("enthält keine CV-Sets")) << command;
+            }
+        }
+    }
+}
+
+TEST_F(Files_Test, a_library_without_its_end_says_so_at_opening_and_is_not_exported) {
+    const struct {
+        std::size_t pages;
+        const char *opened, *lost, *exported;
+    } cases[] = {{80, "geöffnet, CV-Sets: 45.", "mindestens 132 von 452 KB. Davon betroffen: CVs.",
+                  "keine Datei geschrieben. Der Datei fehlt das Ende"},
+                 {40, "geöffnet; die CV-Sets fehlen.",
+                  "mindestens 292 von 452 KB. Davon betroffen: CV-Sets, CVs", "beschädigt"}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.pages);
+        auto bytes = disk.bytes("/home/anna/andere.mdb");
+        bytes.resize(c.pages * 4096);
+        const std::string path = "/home/anna/kurz" + std::to_string(c.pages) + ".mdb";
+        disk.set_bytes(path, bytes);
+        open(path);
+        EXPECT_EQ(title(), "CV-Sets Datenbank: " + path + " – unvollständig, schreibgeschützt");
+        EXPECT_THAT(status(), HasSubstr("Der Datei fehlt das Ende; bitte eine vollständige Kopie"));
+        EXPECT_THAT(status(), HasSubstr(c.opened));
+        EXPECT_THAT(status(), HasSubstr(c.lost));
+        choose("mnu_export_oem"); // no dialog
+        EXPECT_THAT(status(), HasSubstr(c.exported));
+    }
+}
+
+TEST_F(Files_Test, damage_met_late_shows_in_the_title) {
+    auto bytes = disk.bytes("/home/anna/andere.mdb");
+    bytes.back() ^= std::byte{0x55};
+    bytes.at(bytes.size() - 4096 + 2) ^= std::byte{0x55};
+    disk.set_bytes("/home/anna/alt.mdb", bytes);
+    open("/home/anna/alt.mdb");
+    EXPECT_EQ(title(), "CV-Sets Datenbank: /home/anna/alt.mdb");
+    sets().setFocus();
+    press(Qt::Key_Delete);
+    EXPECT_EQ(title(), "CV-Sets Datenbank: /home/anna/alt.mdb – beschädigt, schreibgeschützt");
+    EXPECT_TRUE(get<QLabel>("lab_schreibschutz").isVisible());
 }
 
 TEST_F(Files_Test, a_recent_library_opens_and_moves_to_the_top) {
@@ -160,6 +240,42 @@ TEST_F(Files_Test, exporting_asks_for_the_file_and_reports) {
     desktop.expect_question(attention, overwrite_file, Answer::yes);
     choose("mnu_export_user");
     EXPECT_EQ(std::to_integer<char>(disk.bytes(path).at(0)), 'L');
+}
+
+TEST_F(Files_Test, script_lines_that_have_no_place_are_told_wherever_they_are_loaded) {
+    click_option("opt_rescv_1");
+    const std::int32_t set = sets().key(0);
+    const std::int32_t script =
+        put_row(u"Scripte", {{u"SetID", set}, {u"ScriptName", std::u16string(u"Licht")}});
+    const auto line = [&](std::int32_t state, std::int32_t value) {
+        put_row(u"Scriptstates",
+                {{u"ScriptID", script}, {u"State", state}, {u"Command", 1}, {u"Par1", value}});
+    };
+    line(300, 0);
+    const auto left_out = HasSubstr("Script-Zeilen außerhalb 0 bis 255, nicht geladen: 1.");
+    click_option("opt_rescv_0");
+    click_option("opt_rescv_1");
+    EXPECT_THAT(status(), left_out);
+    answer_set_dialog("Anders", "");
+    choose("mnu_cvset_rename");
+    EXPECT_THAT(status(), testing::AllOf(HasSubstr("umbenannt"), left_out));
+    window->say(QStringLiteral("bleibt"));
+    leave_and_return([&] { line(2, 0); }); // loaded again, and nothing new is left out
+    EXPECT_EQ(status(), "bleibt");
+    desktop.expect_save(QStringLiteral("/home/anna/a.vqx"));
+    choose("mnu_export_oem");
+    EXPECT_THAT(status(), HasSubstr("Script-Zeilen außerhalb 0 bis 255, weggelassen: 1."));
+    line(0, 999);
+    const QString number = QString::number(database.Get_Set_Nummer(set));
+    const QString position = QString::number(database.DB_Count_Scripts(set));
+    desktop.expect_save(QStringLiteral("/home/anna/b.vqx"));
+    desktop.expect_information(
+        QStringLiteral("Information"),
+        QStringLiteral("Es wurde keine Datei geschrieben.\nSet %1 „Anders“, Script %2 „Licht“, "
+                       "Zeile 0: der Parameter 1 ist 999, erlaubt ist 0 bis 255.")
+            .arg(number, position));
+    choose("mnu_export_oem");
+    EXPECT_FALSE(disk.file_exists("/home/anna/b.vqx"));
 }
 
 TEST_F(Files_Test, a_library_replaced_from_outside_is_closed_and_left_alone) {

@@ -121,6 +121,15 @@ protected:
         QApplication::setActiveWindow(
             window.get()); // no window manager gives it back after a dialog
     }
+    /// Another window comes to the front for a while.
+    void leave_and_return(const std::function<void()>& meanwhile = [] {}) {
+        QWidget other;
+        other.show();
+        QApplication::setActiveWindow(&other);
+        meanwhile();
+        QApplication::setActiveWindow(window.get());
+        QApplication::processEvents();
+    }
     void click_option(const char* name) { get<QRadioButton>(name).click(); }
     void click_row(Entry_List& list, int row, Qt::KeyboardModifiers modifiers = {},
                    Qt::MouseButton button = Qt::LeftButton) {
