@@ -1,6 +1,7 @@
 #include "ui/desktop/qt_desktop.h"
 
 #include "platform/desktop/folders.h"
+#include "ui/desktop/german_files.h"
 
 #include <QApplication>
 #include <QDir>
@@ -19,6 +20,7 @@ const QString ignored_name = QStringLiteral("Filename will be ignored");
 void prepare(QFileDialog& dialog, const desktop::File_Choice& choice) {
     dialog.resize(820, 480); // wide enough for names, sizes and dates
     dialog.setOptions(QFileDialog::DontUseNativeDialog | QFileDialog::DontConfirmOverwrite);
+    dialog.setProxyModel(new German_Files(&dialog));
     if (QDir(choice.folder).exists()) dialog.setDirectory(choice.folder);
     if (!choice.filter.isEmpty()) dialog.setNameFilter(choice.filter);
     if (!choice.file.isEmpty()) dialog.selectFile(choice.file);
