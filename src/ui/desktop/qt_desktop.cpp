@@ -36,6 +36,10 @@ std::optional<QString> answer(QFileDialog& dialog) {
     return QDir::toNativeSeparators(path);
 }
 
+desktop::Bounds bounds(const QRect& place) {
+    return {place.left(), place.top(), place.left() + place.width(), place.top() + place.height()};
+}
+
 } // namespace
 
 QString Qt_Desktop::documents_folder() { return desktop::documents_folder(); }
@@ -46,13 +50,10 @@ QStringList Qt_Desktop::common_data_folders() {
     return desktop::common_data_folders(QCoreApplication::applicationDirPath());
 }
 
-std::vector<desktop::Bounds> Qt_Desktop::monitors() {
-    std::vector<desktop::Bounds> all;
-    for (const QScreen* screen : QGuiApplication::screens()) {
-        const QRect place = screen->geometry();
-        all.push_back({place.left(), place.top(), place.left() + place.width(),
-                       place.top() + place.height()});
-    }
+std::vector<desktop::Monitor> Qt_Desktop::monitors() {
+    std::vector<desktop::Monitor> all;
+    for (const QScreen* screen : QGuiApplication::screens())
+        all.push_back({bounds(screen->geometry()), bounds(screen->availableGeometry())});
     return all;
 }
 

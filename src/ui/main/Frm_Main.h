@@ -6,6 +6,7 @@
 #include "platform/files/disk.h"
 #include "store/undo_history.h"
 #include "ui/main/cv_panel.h"
+#include "ui/parts/window_placer.h"
 
 #include <QMainWindow>
 #include <memory>
@@ -156,8 +157,7 @@ private:
     QAction* mnu_redo_ = nullptr;
     store::Undo_History history_;
     std::unique_ptr<store::Backups> backups_;
-    app::Twips stored_left_; ///< of the settings
-    app::Twips stored_top_;
+    ui_parts::Window_Placer placer_{*this};
     std::uint64_t shown_state_ = 0; ///< of the library, when the lists were last compared with it
     int family_ = 0;                ///< 0 QR, 1 QD
     bool redrawing_scripts_ = false;

@@ -341,8 +341,9 @@ TEST_F(Extras_Test, a_window_from_a_larger_desktop_comes_onto_this_one) {
         QPoint at;
         int height;
     } cases[] = {
-        {"too far right", {{9000}, {15945}, {60000}, {0}}, {1920 - 1063, 0}, 600},
-        {"too high", {{9'000'000}, {15945}, {150}, {150}}, {10, 0}, 1080},
+        // the frame is two pixels wide on this platform
+        {"too far right", {{9000}, {15945}, {60000}, {0}}, {1920 - 1067, 0}, 600},
+        {"too high", {{9'000'000}, {15945}, {150}, {150}}, {10, 0}, 1076},
         {"negative", {{9000}, {15945}, {-3000}, {-10}}, {0, 0}, 600},
         {"a width that it never has", {{9000}, {99999}, {1500}, {0}}, {100, 0}, 600},
     };
