@@ -9,6 +9,7 @@
 #include "ui/parts/window_placer.h"
 
 #include <QMainWindow>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -67,6 +68,7 @@ public:
 
     void say(const QString& sentence) override;
     bool say_trouble() override;
+    Status_Line& status_line() override { return *status_; }
 
 protected:
     void changeEvent(QEvent* event) override;
@@ -83,11 +85,12 @@ private:
     void set_selected(); ///< shows the set that is selected now
     void set_chosen();   ///< the same, when the user has selected it
     void end_program();
-    QString status() const; ///< the sentence in the status bar
+    /// A command as one that says all it has to say in one message.
+    std::function<void()> command(void (Frm_Main::*run)());
     /// Says a sentence and keeps it in the log, with the reason in the words of the system.
     void say_and_log(const QString& sentence, const QString& reason);
     void say_and_log(const QString& sentence, const store::Trouble& reason);
-    bool say_missing_copy(); ///< that no backup could be made. @return whether so
+    void say_missing_copy(); ///< that no backup could be made, if so
     app::Diagnostic_Log log();
     void choose_reset_cv(int index);
     void show_title();
@@ -149,6 +152,7 @@ private:
     std::unique_ptr<Cv_Panel> cv_panel_;
     Status_Line* status_;
     QLabel* write_protected_; ///< stays in the status bar while the library cannot be changed
+    QLabel* settings_lost_;   ///< stays there while nothing can be kept for the next run
     QMenu* mnu_open_last_ = nullptr;
     QMenu* mnu_cv_set_ = nullptr;
     QMenu* mnu_copymenu_ = nullptr;
@@ -162,7 +166,6 @@ private:
     int family_ = 0;                ///< 0 QR, 1 QD
     bool redrawing_scripts_ = false;
     bool unloaded_ = false;
-    bool log_loss_said_ = false;
 };
 
 } // namespace ui_main

@@ -46,7 +46,8 @@ void Frm_Main::add_set() {
     }
     fill_sets();
     select_set(SetID);
-    if (!say_trouble()) say(with_cut(text(Text::set_added).arg(shown_set()), dialog));
+    say(with_cut(text(Text::set_added).arg(shown_set()), dialog));
+    say_trouble();
 }
 
 void Frm_Main::rename_set() {
@@ -67,10 +68,12 @@ void Frm_Main::rename_set() {
     const Two_Strings given = dialog.Get_2_Strings();
     if (given.first.isEmpty()) return;
     const std::int16_t wanted = set_number(given.second);
-    database_.DB_Rename_CVSet(given.first, wanted == number ? std::int16_t{0} : wanted);
+    const bool renamed =
+        database_.DB_Rename_CVSet(given.first, wanted == number ? std::int16_t{0} : wanted);
     fill_sets();
     select_set(SetID);
-    if (!say_trouble()) say(with_cut(text(Text::set_renamed).arg(shown_set()), dialog));
+    if (renamed) say(with_cut(text(Text::set_renamed).arg(shown_set()), dialog));
+    say_trouble();
 }
 
 void Frm_Main::delete_set() {
@@ -98,7 +101,8 @@ void Frm_Main::Delete_Set(std::int32_t SetID) {
     }
     fill_sets();
     select_first_set();
-    if (!say_trouble()) say(text(Text::set_deleted).arg(shown));
+    say(text(Text::set_deleted).arg(shown));
+    say_trouble();
 }
 
 } // namespace ui_main

@@ -127,6 +127,7 @@ constexpr Entry table[] = {
     {Text::backup_not_restored, u"Die Sicherung wurde nicht wiederhergestellt: %1"},
     {Text::log_lost,
      u"In „%1“ kann nicht geschrieben werden; Einstellungen und Protokoll gehen verloren."},
+    {Text::settings_lost, u"Einstellungen gehen verloren"},
     {Text::settings_not_saved, u"Die Einstellungen konnten nicht gespeichert werden."},
 
     {Text::project_written, u"„%1“ gespeichert: CV-Sets %2, davon mit Scripten %3."},

@@ -120,6 +120,7 @@ enum class Text {
     backup_not_restored, ///< %1 reason
     settings_not_saved,
     log_lost, ///< %1 folder
+    settings_lost,
 
     project_written,          ///< %1 file, %2 sets, %3 sets with scripts
     project_left_out_cvs,     ///< %1 CVs
