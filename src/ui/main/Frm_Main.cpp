@@ -134,6 +134,7 @@ void Frm_Main::set_selected() {
         scripts::AktScripts().Clear();
     }
     Redraw_Script_List();
+    show_hints();
 }
 
 void Frm_Main::set_chosen() {
@@ -177,6 +178,7 @@ void Frm_Main::choose_decoder_family(int index) {
     }
     Show_Page_Fields(index == 0);
     form_->Frame_Reset->setVisible(index == 0);
+    show_hints();
     enable_commands();
 }
 

@@ -131,6 +131,10 @@ private:
     void restore_backup();
     store::Backups& backups(); ///< made when the folders are known
 
+    // hints.cpp
+    void show_hints(); ///< to be called when a list was filled or its set has changed
+    Text hint_for_sets();
+
     // window_events.cpp
     void refill_if_changed();
 

@@ -129,6 +129,23 @@ enum class Text {
     project_equal_scripts,    ///< %1 sets
     project_failed,           ///< %1 file, %2 reason
     project_refused,
+
+    hint_no_database, ///< of an empty list: what to do first
+    hint_no_sets,
+    hint_no_sets_here, ///< and none can be added
+    hint_other_view,
+    hint_other_view_only, ///< and none can be added to this one
+    hint_cvs,
+    hint_choose_set,
+    hint_no_cvs,
+    hint_no_cvs_here, ///< and none can be added
+    hint_scripts,
+    hint_no_scripts,
+    tip_reset_cv, ///< what a word of the trade means
+    tip_qr,
+    tip_qd,
+    tip_cv31,
+    tip_cv32,
 };
 
 QString text(Text which);
