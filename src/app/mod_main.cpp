@@ -43,11 +43,6 @@ Rectangle around(const Rectangle& a, const Rectangle& b) {
             std::max(a.bottom, b.bottom)};
 }
 
-// Where a stretch of the given length begins so that it lies between first and last.
-Twips kept_between(Twips begin, Twips length, Twips first, Twips last) {
-    return std::max(first, std::min(begin, last - length));
-}
-
 } // namespace
 
 void reset_globals() { globals = Globals{}; }
@@ -63,29 +58,12 @@ QString FA_Name(int number) {
     return number >= 2 && number <= 22 ? QStringLiteral("FA%1").arg(number - 1) : QString();
 }
 
-int Monitor_Of_Form(const Rectangle& window) {
-    const Twips x = window.left + window.width() / 2;
-    const Twips y = window.top + window.height() / 2;
-    const auto& monitors = globals.MonitorRects;
-    const auto found = std::find_if(monitors.begin(), monitors.end(), [&](const Rectangle& m) {
-        return m.left < x && x < m.right && m.top < y && y < m.bottom;
-    });
-    return found == monitors.end() ? 0 : static_cast<int>(found - monitors.begin());
-}
-
-Rectangle Keep_Form_On_Monitor(const Rectangle& window) {
-    if (globals.MonitorRects.empty()) return window;
-    const Rectangle& monitor =
-        globals.MonitorRects[static_cast<std::size_t>(Monitor_Of_Form(window))];
-    const Twips left = kept_between(window.left, window.width(), monitor.left, monitor.right);
-    const Twips top = kept_between(window.top, window.height(), monitor.top, monitor.bottom);
-    return {left, top, left + window.width(), top + window.height()};
-}
-
 void Get_Monitors(desktop::Desktop& desktop) {
     globals.MonitorRects.clear();
-    for (const desktop::Bounds& bounds : desktop.monitors()) {
-        globals.MonitorRects.push_back(in_twips(bounds));
+    globals.MonitorAreas.clear();
+    for (const desktop::Monitor& monitor : desktop.monitors()) {
+        globals.MonitorRects.push_back(in_twips(monitor.bounds));
+        globals.MonitorAreas.push_back(in_twips(monitor.available));
     }
     globals.MonitorCount = static_cast<std::int32_t>(globals.MonitorRects.size());
     globals.VirtualScreen = globals.MonitorRects.empty() ? Rectangle{} : globals.MonitorRects[0];

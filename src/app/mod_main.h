@@ -45,6 +45,7 @@ struct Globals {
     Rectangle VirtualScreen;        ///< the whole desktop
     std::int32_t MonitorCount = 0;
     std::vector<Rectangle> MonitorRects; ///< bounds of each monitor
+    std::vector<Rectangle> MonitorAreas; ///< the same without the panels of the desktop
 };
 
 inline Globals globals;
@@ -57,13 +58,7 @@ QString FKey_Name(int number);
 /// Name of a function output: FA0v, FA0r, FA1..FA21 for 0..22, empty for any other number.
 QString FA_Name(int number);
 
-/// Index of the monitor that holds the window's centre, its edges not counted; 0 when none does.
-int Monitor_Of_Form(const Rectangle& window);
-/// The window moved, not resized, onto the monitor that Monitor_Of_Form names. What is larger than
-/// the monitor begins at its left or top edge.
-Rectangle Keep_Form_On_Monitor(const Rectangle& window);
-
-/// Fills VirtualScreen, MonitorCount and MonitorRects.
+/// Fills VirtualScreen, MonitorCount, MonitorRects and MonitorAreas.
 void Get_Monitors(desktop::Desktop& desktop);
 /// Sets the folders and the default database, and makes UserDataDir where it is missing.
 void Init_Paths(desktop::Desktop& desktop, files::Disk& disk);

@@ -147,13 +147,6 @@ void Load_Settings(files::Disk& disk, Window_Place& main_window) {
     }
 }
 
-Window_Place keep_on_screen(Window_Place window) {
-    const Rectangle& screen = globals.VirtualScreen;
-    window.left = std::max(std::min(window.left, screen.right - window.width), Twips{0});
-    window.top = std::max(std::min(window.top, screen.bottom - window.height), Twips{0});
-    return window;
-}
-
 std::optional<files::Error> Save_Settings(files::Disk& disk, const Window_Place& main_window) {
     Record_Writer writer;
     Window_Place place = main_window;

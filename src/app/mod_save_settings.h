@@ -15,10 +15,6 @@ QString IniFile();
 /// read; what is missing or no proper value leaves what was there. Never fails.
 void Load_Settings(files::Disk& disk, Window_Place& main_window);
 
-/// The window moved so that its right and bottom edges lie on the desktop, its left and top edges
-/// at 0 or more.
-Window_Place keep_on_screen(Window_Place window);
-
 /// Replaces the settings file in one step. @return what stood in the way; the old file is whole
 /// then.
 std::optional<files::Error> Save_Settings(files::Disk& disk, const Window_Place& main_window);

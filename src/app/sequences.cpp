@@ -12,10 +12,10 @@ void start_up(Main_Window& window, desktop::Desktop& desktop, files::Disk& disk)
     window.Fill_Last_Files_Menu();
     window.Redraw_Script_List();
     if (database.made) window.default_database_made();
+    if (database.trouble)
+        window.no_default_database(*database.trouble); // why there is none to open
     window.Open_Database();
     window.choose_decoder_family(0);
-    // last, so that its sentence stays in view
-    if (database.trouble) window.no_default_database(*database.trouble);
 }
 
 std::optional<files::Error> shut_down(Main_Window& window, files::Disk& disk) {

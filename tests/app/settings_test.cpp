@@ -21,7 +21,6 @@ protected:
         globals.UserDataDir = QStringLiteral("/u/");
         globals.Database_Path = QStringLiteral("/std/");
         globals.Database_File = QStringLiteral("CV-Sets.mdb");
-        globals.VirtualScreen = {{0}, {0}, from_pixels(1920), from_pixels(1080)};
     }
     void TearDown() override { reset_globals(); }
 
@@ -133,25 +132,6 @@ TEST_F(Settings, every_cut_and_every_changed_byte_leaves_a_program_that_starts) 
 TEST_F(Settings, a_missing_folder_is_reported_when_saving) {
     globals.UserDataDir = QStringLiteral("/nowhere/");
     EXPECT_TRUE(Save_Settings(disk, place));
-}
-
-TEST_F(Settings, the_window_is_kept_on_the_screen) {
-    const int width = 1920 * 15;
-    const struct {
-        const char* what;
-        int left, top, expected_left, expected_top;
-    } cases[] = {{"inside", 100, 200, 100, 200},
-                 {"beyond the right edge", 30000, 0, width - design.width.value, 0},
-                 {"beyond the bottom", 0, 99999, 0, 1080 * 15 - design.height.value},
-                 {"negative", -5, -7, 0, 0}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
-        const Window_Place kept = keep_on_screen({design.height, design.width, {c.left}, {c.top}});
-        EXPECT_EQ(kept.left.value, c.expected_left);
-        EXPECT_EQ(kept.top.value, c.expected_top);
-    }
-    EXPECT_EQ(keep_on_screen({{99999}, {99999}, {10}, {10}}).left.value, 0)
-        << "larger than the screen";
 }
 
 TEST(Records, texts_over_several_lines_end_at_their_quote_or_end_the_reading) {

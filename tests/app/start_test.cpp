@@ -127,14 +127,17 @@ TEST_F(Start, neither_a_crash_nor_a_failing_disk_loses_the_settings) {
 TEST_F(Start, goes_on_without_a_database_and_says_why) {
     Noting_Window window;
     start_up(window, desktop, disk); // no template anywhere
-    EXPECT_EQ(window.calls.back(), "missing: /opt/share/KELDA/TRV/CV-Sets_leer.mdb");
+    EXPECT_THAT(window.calls, ElementsAre("move to 10", "recent files", "scripts",
+                                          "missing: /opt/share/KELDA/TRV/CV-Sets_leer.mdb",
+                                          "open " + default_path, "family 0"))
+        << "the cause stands before what follows from it";
     EXPECT_FALSE(disk.file_exists(default_path));
 
     disk.set_bytes(template_path, bytes("template"));
     disk.protect_folder("/home/anna/Dokumente/KELDA/CV-Sets");
     window.calls.clear();
     start_up(window, desktop, disk);
-    EXPECT_THAT(window.calls.back(), testing::StartsWith("missing: /home/anna/Dokumente/KELDA"));
+    EXPECT_THAT(window.calls.at(3), testing::StartsWith("missing: /home/anna/Dokumente/KELDA"));
     EXPECT_THAT(disk.paths(), ElementsAre(template_path)) << "a half copy stayed behind";
 }
 

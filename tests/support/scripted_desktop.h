@@ -41,12 +41,12 @@ public:
     QString documents = QStringLiteral("/home/anna/Dokumente");
     QString local_data = QStringLiteral("/home/anna/.local/share");
     QStringList common_data{QStringLiteral("/opt/share"), QStringLiteral("/usr/share")};
-    std::vector<desktop::Bounds> screens{{0, 0, 1920, 1080}};
+    std::vector<desktop::Monitor> screens{{{0, 0, 1920, 1080}, {0, 0, 1920, 1080}}};
 
     QString documents_folder() override { return documents; }
     QString local_data_folder() override { return local_data; }
     QStringList common_data_folders() override { return common_data; }
-    std::vector<desktop::Bounds> monitors() override { return screens; }
+    std::vector<desktop::Monitor> monitors() override { return screens; }
     desktop::Clipboard Get_Clipboard_Text() override { return clipboard; }
     bool Set_Clipboard_Text(const desktop::Clipboard& content) override {
         if (clipboard_refuses) return false;

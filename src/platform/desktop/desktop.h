@@ -7,13 +7,18 @@
 
 namespace desktop {
 
-/// Bounds of a monitor in pixels at 96 dpi; right and bottom are the first pixel beyond.
+/// A part of the desktop in pixels at 96 dpi; right and bottom are the first pixel beyond.
 struct Bounds {
     int left = 0;
     int top = 0;
     int right = 0;
     int bottom = 0;
     bool operator==(const Bounds&) const = default;
+};
+
+struct Monitor {
+    Bounds bounds;
+    Bounds available; ///< what the desktop's panels leave of it, as far as they are known
 };
 
 /// What a file dialog shows at first and which files it offers.
@@ -41,7 +46,7 @@ public:
     virtual QString local_data_folder() = 0; ///< data of this user on this computer
     /// Data shared by all users, the most fitting folder first; at least one.
     virtual QStringList common_data_folders() = 0;
-    virtual std::vector<Bounds> monitors() = 0;
+    virtual std::vector<Monitor> monitors() = 0;
 
     /// What other programs put there has no form of our own.
     virtual Clipboard Get_Clipboard_Text() = 0;

@@ -1,6 +1,7 @@
 #include "ui/desktop/qt_desktop.h"
 
 #include "platform/desktop/folders.h"
+#include "ui/desktop/german_files.h"
 
 #include <QApplication>
 #include <QDir>
@@ -19,6 +20,7 @@ const QString ignored_name = QStringLiteral("Filename will be ignored");
 void prepare(QFileDialog& dialog, const desktop::File_Choice& choice) {
     dialog.resize(820, 480); // wide enough for names, sizes and dates
     dialog.setOptions(QFileDialog::DontUseNativeDialog | QFileDialog::DontConfirmOverwrite);
+    dialog.setProxyModel(new German_Files(&dialog));
     if (QDir(choice.folder).exists()) dialog.setDirectory(choice.folder);
     if (!choice.filter.isEmpty()) dialog.setNameFilter(choice.filter);
     if (!choice.file.isEmpty()) dialog.selectFile(choice.file);
@@ -34,6 +36,10 @@ std::optional<QString> answer(QFileDialog& dialog) {
     return QDir::toNativeSeparators(path);
 }
 
+desktop::Bounds bounds(const QRect& place) {
+    return {place.left(), place.top(), place.left() + place.width(), place.top() + place.height()};
+}
+
 } // namespace
 
 QString Qt_Desktop::documents_folder() { return desktop::documents_folder(); }
@@ -44,13 +50,10 @@ QStringList Qt_Desktop::common_data_folders() {
     return desktop::common_data_folders(QCoreApplication::applicationDirPath());
 }
 
-std::vector<desktop::Bounds> Qt_Desktop::monitors() {
-    std::vector<desktop::Bounds> all;
-    for (const QScreen* screen : QGuiApplication::screens()) {
-        const QRect place = screen->geometry();
-        all.push_back({place.left(), place.top(), place.left() + place.width(),
-                       place.top() + place.height()});
-    }
+std::vector<desktop::Monitor> Qt_Desktop::monitors() {
+    std::vector<desktop::Monitor> all;
+    for (const QScreen* screen : QGuiApplication::screens())
+        all.push_back({bounds(screen->geometry()), bounds(screen->availableGeometry())});
     return all;
 }
 

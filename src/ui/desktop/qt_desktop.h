@@ -10,7 +10,7 @@ public:
     QString documents_folder() override;
     QString local_data_folder() override;
     QStringList common_data_folders() override;
-    std::vector<desktop::Bounds> monitors() override;
+    std::vector<desktop::Monitor> monitors() override;
 
     desktop::Clipboard Get_Clipboard_Text() override;
     bool Set_Clipboard_Text(const desktop::Clipboard& content) override;

@@ -27,7 +27,8 @@ constexpr int first_height = 720; ///< of a window that nobody has sized yet, in
 Frm_Main::Frm_Main(desktop::Desktop& desktop, files::Disk& disk, store::clsDBConn& database)
     : desktop_(desktop), disk_(disk), database_(database), form_(new Main_Form(this)),
       cv_panel_(std::make_unique<Cv_Panel>(*form_, database, *this)),
-      status_(new Status_Line(this)), write_protected_(new QLabel(this)), history_(database) {
+      status_(new Status_Line(this)), write_protected_(new QLabel(this)),
+      settings_lost_(new QLabel(this)), history_(database) {
     app::TextTable.fill();
     setObjectName(QStringLiteral("Frm_Main"));
     setCentralWidget(form_);
@@ -35,8 +36,12 @@ Frm_Main::Frm_Main(desktop::Desktop& desktop, files::Disk& disk, store::clsDBCon
     write_protected_->setObjectName(QStringLiteral("lab_schreibschutz"));
     write_protected_->setText(text(Text::write_protected));
     write_protected_->hide();
+    settings_lost_->setObjectName(QStringLiteral("lab_einstellungen_verloren"));
+    settings_lost_->setText(text(Text::settings_lost));
+    settings_lost_->hide();
     statusBar()->setSizeGripEnabled(false);
     statusBar()->addWidget(status_, 1);
+    statusBar()->addPermanentWidget(settings_lost_);
     statusBar()->addPermanentWidget(write_protected_);
     build_menus();
     wire();
@@ -51,15 +56,15 @@ Frm_Main::~Frm_Main() { database_.keep_copies(nullptr); }
 
 void Frm_Main::wire() {
     Entry_List* sets = form_->lst_sets;
-    connect(sets, &Entry_List::selection_changed, this, &Frm_Main::set_chosen);
-    connect(sets, &Entry_List::delete_pressed, this, &Frm_Main::delete_set_at_once);
-    connect(sets, &QListView::doubleClicked, this, &Frm_Main::rename_set);
+    connect(sets, &Entry_List::selection_changed, this, command(&Frm_Main::set_chosen));
+    connect(sets, &Entry_List::delete_pressed, this, command(&Frm_Main::delete_set_at_once));
+    connect(sets, &QListView::doubleClicked, this, command(&Frm_Main::rename_set));
     connect(sets, &Entry_List::context_menu_wanted, this,
             [this](const QPoint& place) { mnu_cv_set_->popup(place); });
-    connect(sets, &Entry_List::copy_pressed, this, &Frm_Main::copy_set);
-    connect(sets, &Entry_List::paste_pressed, this, &Frm_Main::paste_set);
-    connect(form_->lst_CVs, &Entry_List::copy_pressed, this, &Frm_Main::copy_cvs);
-    connect(form_->lst_CVs, &Entry_List::paste_pressed, this, &Frm_Main::paste_cvs);
+    connect(sets, &Entry_List::copy_pressed, this, command(&Frm_Main::copy_set));
+    connect(sets, &Entry_List::paste_pressed, this, command(&Frm_Main::paste_set));
+    connect(form_->lst_CVs, &Entry_List::copy_pressed, this, command(&Frm_Main::copy_cvs));
+    connect(form_->lst_CVs, &Entry_List::paste_pressed, this, command(&Frm_Main::paste_cvs));
     connect(form_->lst_CVs, &Entry_List::context_menu_wanted, this,
             [this](const QPoint& place) { mnu_copymenu_->popup(place); });
     for (int i = 0; i < 2; ++i) {
@@ -77,7 +82,17 @@ void Frm_Main::wire() {
     }
 }
 
-void Frm_Main::load() { app::start_up(*this, desktop_, disk_); }
+std::function<void()> Frm_Main::command(void (Frm_Main::*run)()) {
+    return [this, run] {
+        const Status_Line::One_Command one(*status_);
+        (this->*run)();
+    };
+}
+
+void Frm_Main::load() {
+    const Status_Line::One_Command one(*status_);
+    app::start_up(*this, desktop_, disk_);
+}
 
 void Frm_Main::end_program() {
     close();
@@ -121,6 +136,7 @@ void Frm_Main::set_selected() {
         scripts::AktScripts().Clear();
     }
     Redraw_Script_List();
+    show_hints();
 }
 
 void Frm_Main::set_chosen() {
@@ -162,6 +178,7 @@ void Frm_Main::choose_decoder_family(int index) {
     }
     Show_Page_Fields(index == 0);
     form_->Frame_Reset->setVisible(index == 0);
+    show_hints();
     enable_commands();
 }
 
@@ -179,8 +196,6 @@ void Frm_Main::show_title() {
     write_protected_->setToolTip(reason(blocked));
 }
 
-QString Frm_Main::status() const { return status_->text(); }
-
 void Frm_Main::close_other_windows() {}
 
 void Frm_Main::Connection_Close() { database_.Connection_Close(); }
@@ -188,8 +203,9 @@ void Frm_Main::Connection_Close() { database_.Connection_Close(); }
 void Frm_Main::say(const QString& sentence) { status_->say(sentence); }
 
 bool Frm_Main::say_trouble() {
+    say_missing_copy();
     const std::optional<store::Trouble> trouble = database_.take_trouble();
-    if (!trouble) return say_missing_copy();
+    if (!trouble) return false;
     if (trouble->kind == store::Failure::replaced && !database_.Connection_Active()) {
         Refresh_Sets(); // the library is closed: nothing of it stays in view
     }
@@ -198,11 +214,10 @@ bool Frm_Main::say_trouble() {
     return true;
 }
 
-bool Frm_Main::say_missing_copy() {
-    const std::optional<store::Trouble> trouble = backups().take_trouble();
-    if (!trouble) return false;
-    say_and_log(text(Text::backup_failed).arg(sentence(*trouble)), *trouble);
-    return true;
+// A change without a copy is a change all the same, so this keeps nobody from saying more.
+void Frm_Main::say_missing_copy() {
+    if (const std::optional<store::Trouble> trouble = backups().take_trouble())
+        say_and_log(text(Text::backup_failed).arg(sentence(*trouble)), *trouble);
 }
 
 QString Frm_Main::with_left_out(const QString& sentence) {
@@ -213,9 +228,10 @@ QString Frm_Main::with_left_out(const QString& sentence) {
 }
 
 void Frm_Main::say_outcome(const QString& done) {
-    if (say_trouble()) return;
+    const Status_Line::One_Command one(*status_);
     const QString sentence = with_left_out(done);
     if (!sentence.isEmpty()) say(sentence);
+    say_trouble();
 }
 
 bool Frm_Main::expect_library() {
@@ -233,11 +249,15 @@ void Frm_Main::say_and_log(const QString& sentence, const store::Trouble& reason
 }
 
 void Frm_Main::say_and_log(const QString& sentence, const QString& reason) {
+    const Status_Line::One_Command one(*status_);
     say(sentence);
     const bool kept =
         log().write(reason.isEmpty() ? sentence : sentence + u" ["_qs + reason + u']');
-    if (!kept && !std::exchange(log_loss_said_, true))
-        say(sentence + u' ' + text(Text::log_lost).arg(app::globals.UserDataDir));
+    if (!kept && settings_lost_->isHidden()) {
+        settings_lost_->setToolTip(text(Text::log_lost).arg(app::globals.UserDataDir));
+        say(settings_lost_->toolTip());
+    }
+    settings_lost_->setHidden(kept);
 }
 
 app::Diagnostic_Log Frm_Main::log() {

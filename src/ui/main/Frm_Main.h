@@ -6,8 +6,10 @@
 #include "platform/files/disk.h"
 #include "store/undo_history.h"
 #include "ui/main/cv_panel.h"
+#include "ui/parts/window_placer.h"
 
 #include <QMainWindow>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -66,6 +68,7 @@ public:
 
     void say(const QString& sentence) override;
     bool say_trouble() override;
+    Status_Line& status_line() override { return *status_; }
 
 protected:
     void changeEvent(QEvent* event) override;
@@ -82,12 +85,13 @@ private:
     void set_selected(); ///< shows the set that is selected now
     void set_chosen();   ///< the same, when the user has selected it
     void end_program();
-    QString status() const; ///< the sentence in the status bar
+    /// A command as one that says all it has to say in one message.
+    std::function<void()> command(void (Frm_Main::*run)());
     /// Says a sentence and keeps it in the log, with the reason in the words of the system.
     void say_and_log(const QString& sentence, const QString& reason);
     void say_and_log(const QString& sentence, const store::Trouble& reason);
-    bool say_missing_copy(); ///< that no backup could be made. @return whether so
-    /// Says what kept a command from its work, else what it did, and what loading has left out.
+    void say_missing_copy(); ///< that no backup could be made, if so
+    /// Says what a command did, what loading has left out, and what was refused.
     void say_outcome(const QString& done);
     static QString with_left_out(const QString& sentence);
     /// Whether there are CV sets to work on; says why not.
@@ -133,6 +137,10 @@ private:
     void restore_backup();
     store::Backups& backups(); ///< made when the folders are known
 
+    // hints.cpp
+    void show_hints(); ///< to be called when a list was filled or its set has changed
+    Text hint_for_sets();
+
     // window_events.cpp
     void refill_if_changed();
 
@@ -155,6 +163,7 @@ private:
     std::unique_ptr<Cv_Panel> cv_panel_;
     Status_Line* status_;
     QLabel* write_protected_; ///< stays in the status bar while the library cannot be changed
+    QLabel* settings_lost_;   ///< stays there while nothing can be kept for the next run
     QMenu* mnu_open_last_ = nullptr;
     QMenu* mnu_cv_set_ = nullptr;
     QMenu* mnu_copymenu_ = nullptr;
@@ -163,13 +172,11 @@ private:
     QAction* mnu_redo_ = nullptr;
     store::Undo_History history_;
     std::unique_ptr<store::Backups> backups_;
-    app::Twips stored_left_; ///< of the settings
-    app::Twips stored_top_;
+    ui_parts::Window_Placer placer_{*this};
     std::uint64_t shown_state_ = 0; ///< of the library, when the lists were last compared with it
     int family_ = 0;                ///< 0 QR, 1 QD
     bool redrawing_scripts_ = false;
     bool unloaded_ = false;
-    bool log_loss_said_ = false;
 };
 
 } // namespace ui_main

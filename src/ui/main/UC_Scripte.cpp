@@ -15,7 +15,9 @@ constexpr int lines_column = 1;
 
 } // namespace
 
-UC_Scripte::UC_Scripte(QWidget* parent) : QWidget(parent), lvw_Scripts(new QTreeWidget(this)) {
+UC_Scripte::UC_Scripte(QWidget* parent)
+    : QWidget(parent), lvw_Scripts(new QTreeWidget(this)),
+      hint_(std::make_unique<ui_parts::Empty_Hint>(*lvw_Scripts)) {
     lvw_Scripts->setObjectName(QStringLiteral("lvw_Scripts"));
     lvw_Scripts->setAccessibleName(text(Text::list_of_scripts));
     lvw_Scripts->setHeaderLabels({text(Text::script_name), text(Text::script_lines)});

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "ui/parts/empty_hint.h"
+
 #include <QPushButton>
 #include <QTreeWidget>
 #include <QWidget>
+#include <memory>
 
 namespace ui_main {
 
@@ -14,12 +17,15 @@ public:
 
     /// Shows AktScripts anew.
     void refill();
+    /// What stands there while there are no scripts.
+    void set_hint(const QString& hint) { hint_->set_text(hint); }
     void set_tab_order(QWidget* before);
 
 private:
     QPushButton* button(const char* name, const QString& caption);
 
     QTreeWidget* lvw_Scripts;
+    std::unique_ptr<ui_parts::Empty_Hint> hint_;
     QPushButton* cmd_Add;
     QPushButton* cmd_import;
     QPushButton* cmd_export;

@@ -95,7 +95,8 @@ void Frm_Main::paste(const store::Pasted& pasted) {
     } else {
         Show_CVs(0);
     }
-    if (!say_trouble()) say(sentence_on(pasted, report));
+    // what was refused takes nothing from what is to be said of the rest
+    if (!say_trouble() || report.kept) say(sentence_on(pasted, report));
 }
 
 QString Frm_Main::sentence_on(const store::Pasted& pasted, const store::Paste_Report& report) {

@@ -1,6 +1,7 @@
 #include "ui/main/cv_panel.h"
 
 #include "ui/main/main_form.h"
+#include "ui/main/status_line.h"
 #include "ui/main/texts.h"
 
 #include <QKeyEvent>
@@ -88,6 +89,7 @@ void Cv_Panel::delete_selected() {
         owner_.say(text(Text::no_cv_selected));
         return;
     }
+    const Status_Line::One_Command one(owner_.status_line());
     store::Operation operation(database_);
     int deleted = 0;
     for (const int row : rows) deleted += database_.DB_Del_CVWert(list.key(row)) ? 1 : 0;
@@ -130,6 +132,7 @@ store::CVRec Cv_Panel::record(int number) const {
 }
 
 void Cv_Panel::Save_CV() {
+    const Status_Line::One_Command one(owner_.status_line());
     if (!fields_in_range()) {
         form_.txt_cv_wert->selectAll();
         return;

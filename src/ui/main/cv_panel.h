@@ -9,6 +9,7 @@
 namespace ui_main {
 
 class Main_Form;
+class Status_Line;
 
 /// What the CV panel asks of the window around it.
 class Cv_Panel_Owner {
@@ -19,6 +20,7 @@ public:
     virtual void say(const QString& sentence) = 0;
     /// Says what kept the database from the last operation, if anything did. @return whether so
     virtual bool say_trouble() = 0;
+    virtual Status_Line& status_line() = 0;
 };
 
 /// Entering, walking and deleting CVs with the keyboard, in the list and the four fields.

@@ -33,6 +33,7 @@ void Frm_Main::go_through_history(const store::Undo_Result& result, Text done, T
         return;
     }
     show_set(result.set != 0 ? result.set : form_->lst_sets->selected_key());
+    say_missing_copy();
     database_.take_trouble(); // that rows differ is told below, in the words of the user
     const Text form = result.outcome == Outcome::done ? done : Text::step_changed_elsewhere;
     say(with_left_out(text(form).arg(sentence(result.name))));

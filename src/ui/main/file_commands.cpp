@@ -5,6 +5,7 @@
 #include "ui/main/Frm_Main.h"
 #include "ui/main/main_form.h"
 #include "ui/main/project_texts.h"
+#include "ui/main/status_line.h"
 #include "ui/main/texts.h"
 
 #include <QApplication>
@@ -48,7 +49,7 @@ void Frm_Main::Open_Database() {
         say_opening();
     else if (trouble)
         say(sentence(*trouble));
-    say_and_log(status(), trouble ? path + u": "_qs + trouble->detail : path);
+    say_and_log(status_->last_sentence(), trouble ? path + u": "_qs + trouble->detail : path);
     database_.take_trouble(); // a database of another kind has no sets to count; that is said
     shown_state_ = database_.change_count().value_or(0);
 }

@@ -105,11 +105,25 @@ Main_Form::Main_Form(QWidget* parent) : QWidget(parent) {
     build_cvs();
     build_scripts();
     set_tab_order();
+    explain();
+}
+
+// Words of the trade, for whoever meets them first.
+void Main_Form::explain() {
+    const std::pair<QWidget*, Text> words[] = {
+        {Frame_Reset, Text::tip_reset_cv},  {opt_rescv[0], Text::tip_reset_cv},
+        {opt_rescv[1], Text::tip_reset_cv}, {opt_dec[0], Text::tip_qr},
+        {opt_dec[1], Text::tip_qd},         {lab_cv_page_hi, Text::tip_cv31},
+        {txt_cv_page[0], Text::tip_cv31},   {lab_cv_page_lo, Text::tip_cv32},
+        {txt_cv_page[1], Text::tip_cv32},
+    };
+    for (const auto& [control, tip] : words) control->setToolTip(text(tip));
 }
 
 void Main_Form::build_sets() {
     Frame_Sets = frame("Frame_Sets", Text::frame_sets, this);
     lst_sets = list("lst_sets", Text::list_of_sets, Frame_Sets);
+    sets_hint = std::make_unique<ui_parts::Empty_Hint>(*lst_sets);
     options_ = new QWidget(Frame_Sets);
     Frame_Reset = frame("Frame_Reset", Text::frame_reset, options_);
     opt_rescv = option_pair(Frame_Reset, QStringLiteral("opt_rescv_"), Text::cv8, Text::cv265);
@@ -128,6 +142,7 @@ void Main_Form::build_sets() {
 void Main_Form::build_cvs() {
     Frame_CVs = frame("Frame_CVs", Text::frame_cvs, this);
     lst_CVs = list("lst_CVs", Text::list_of_cvs, Frame_CVs);
+    cvs_hint = std::make_unique<ui_parts::Empty_Hint>(*lst_CVs);
     lst_CVs->setSelectionMode(QAbstractItemView::ExtendedSelection);
 
     cv_fields_ = new QWidget(Frame_CVs);

@@ -2,12 +2,14 @@
 
 #include "ui/main/entry_list.h"
 #include "ui/main/number_field.h"
+#include "ui/parts/empty_hint.h"
 
 #include <QGroupBox>
 #include <QLabel>
 #include <QRadioButton>
 #include <QWidget>
 #include <array>
+#include <memory>
 
 namespace ui_main {
 
@@ -41,6 +43,8 @@ public:
     Number_Field* txt_cv_wert;
     std::array<Number_Field*, 2> txt_cv_page{};
     UC_Scripte* UC_Scripte1;
+    std::unique_ptr<ui_parts::Empty_Hint> sets_hint;
+    std::unique_ptr<ui_parts::Empty_Hint> cvs_hint;
 
     void Show_Page_Fields(bool visible);
 
@@ -52,6 +56,7 @@ private:
     void build_cvs();
     void build_scripts();
     void set_tab_order();
+    void explain();
     void arrange();
 
     QWidget* options_;   ///< the two option groups below the set list

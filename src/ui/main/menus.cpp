@@ -1,6 +1,7 @@
 #include "ui/main/menus.h"
 
 #include "app/mod_fileverwaltung.h"
+#include "ui/main/status_line.h"
 
 #include <QMenu>
 #include <QMenuBar>
@@ -85,7 +86,7 @@ void Frm_Main::build_menus() {
         action->setObjectName(QString::fromLatin1(entry.name));
         action->setSeparator(action->text().isEmpty());
         action->setData(action->text()); // for entries that change theirs
-        if (entry.run != nullptr) connect(action, &QAction::triggered, this, entry.run);
+        if (entry.run != nullptr) connect(action, &QAction::triggered, this, command(entry.run));
         place->addAction(action);
     }
     mnu_cv_set_ = findChild<QMenu*>(QStringLiteral("mnu_cv_set"));
@@ -124,7 +125,10 @@ void Frm_Main::Fill_Last_Files_Menu() {
         if (i == mnu_open_last_->actions().size()) {
             QAction* action = mnu_open_last_->addAction(QString());
             action->setObjectName(QStringLiteral("mnu_last_files_%1").arg(i));
-            connect(action, &QAction::triggered, this, [this, i] { reopen(i); });
+            connect(action, &QAction::triggered, this, [this, i] {
+                const Status_Line::One_Command one(*status_);
+                reopen(i);
+            });
         }
         QAction* entry = mnu_open_last_->actions().at(i);
         entry->setText(caption_of(paths[i]));

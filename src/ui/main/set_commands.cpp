@@ -43,7 +43,8 @@ void Frm_Main::add_set() {
     }
     fill_sets();
     select_set(SetID);
-    if (!say_trouble()) say(with_cut(text(Text::set_added).arg(shown_set()), dialog));
+    say(with_cut(text(Text::set_added).arg(shown_set()), dialog));
+    say_trouble();
 }
 
 void Frm_Main::rename_set() {
@@ -64,10 +65,11 @@ void Frm_Main::rename_set() {
     const Two_Strings given = dialog.Get_2_Strings();
     if (given.first.isEmpty()) return;
     const std::int16_t wanted = set_number(given.second);
-    database_.DB_Rename_CVSet(given.first, wanted == number ? std::int16_t{0} : wanted);
+    const bool renamed =
+        database_.DB_Rename_CVSet(given.first, wanted == number ? std::int16_t{0} : wanted);
     fill_sets();
     select_set(SetID);
-    say_outcome(with_cut(text(Text::set_renamed).arg(shown_set()), dialog));
+    say_outcome(renamed ? with_cut(text(Text::set_renamed).arg(shown_set()), dialog) : QString());
 }
 
 void Frm_Main::delete_set() {

@@ -2,6 +2,7 @@
 
 #include <QPainter>
 #include <QStyle>
+#include <utility>
 
 namespace ui_main {
 
@@ -12,8 +13,11 @@ Status_Line::Status_Line(QWidget* parent) : QLabel(parent) {
 }
 
 void Status_Line::say(const QString& sentence) {
-    setText(sentence);
-    setToolTip(sentence.toHtmlEscaped());
+    if (commands_ == 0 || !std::exchange(spoken_, true)) message_.clear();
+    if (!message_.contains(sentence)) message_.append(sentence);
+    last_ = sentence;
+    setText(message_.join(u' '));
+    setToolTip(text().toHtmlEscaped());
 }
 
 void Status_Line::paintEvent(QPaintEvent* /*event*/) {

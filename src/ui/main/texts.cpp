@@ -138,6 +138,7 @@ constexpr Entry table[] = {
     {Text::backup_not_restored, u"Die Sicherung wurde nicht wiederhergestellt: %1"},
     {Text::log_lost,
      u"In „%1“ kann nicht geschrieben werden; Einstellungen und Protokoll gehen verloren."},
+    {Text::settings_lost, u"Einstellungen gehen verloren"},
     {Text::settings_not_saved, u"Die Einstellungen konnten nicht gespeichert werden."},
 
     {Text::project_written, u"„%1“ gespeichert: CV-Sets %2, davon mit Scripten %3."},
@@ -148,6 +149,32 @@ constexpr Entry table[] = {
     {Text::project_equal_scripts, u"Gleiche Nummer bei Sets mit Scripten: %1."},
     {Text::project_failed, u"„%1“ konnte nicht gespeichert werden: %2"},
     {Text::project_refused, u"Es wurde keine Datei geschrieben."},
+
+    {Text::hint_no_database, u"Keine Datenbank geöffnet: Menü „Datei“, „Datenbank öffnen“ oder "
+                             u"„Datenbank erstellen“"},
+    {Text::hint_no_sets,
+     u"Noch keine CV-Sets: Menü „CV Set“, „Hinzufügen“, oder eine Datenbank öffnen"},
+    {Text::hint_no_sets_here, u"Keine CV-Sets in dieser Datei: Menü „Datei“, „Datenbank öffnen“ "
+                              u"oder „Datenbank erstellen“"},
+    {Text::hint_other_view, u"Noch keine CV-Sets mit dieser Reset-CV: Menü „CV Set“, "
+                            u"„Hinzufügen“, oder unten die andere Reset-CV wählen"},
+    {Text::hint_other_view_only,
+     u"Keine CV-Sets mit dieser Reset-CV: unten die andere Reset-CV wählen"},
+    {Text::hint_cvs, u"Hier stehen die CVs des gewählten CV-Sets"},
+    {Text::hint_choose_set, u"Kein CV-Set gewählt: links eines anklicken"},
+    {Text::hint_no_cvs, u"Noch keine CVs: unten die CV-Nr eingeben, Enter, den Wert, Enter"},
+    {Text::hint_no_cvs_here, u"Keine CVs in diesem CV-Set"},
+    {Text::hint_scripts, u"Hier stehen die Scripte des gewählten CV-Sets"},
+    {Text::hint_no_scripts, u"Keine Scripte in diesem CV-Set"},
+    {Text::tip_reset_cv, u"Jedes CV-Set gehört zu einer der beiden Reset-CVs, über die ein Decoder "
+                         u"es lädt; die Liste zeigt die Sets der gewählten."},
+    {Text::tip_qr, u"QR: Decoder, für die alle CV-Sets mit ihren Scripten als Projektdatei (.vqx) "
+                   u"gespeichert werden."},
+    {Text::tip_qd, u"QD: Decoder, in die ein CV-Set unmittelbar geladen wird."},
+    {Text::tip_cv31, u"CV31 und CV32 wählen die Seite der CVs 257 bis 512; CV31 ist das höhere "
+                     u"Byte, 0 bis 255."},
+    {Text::tip_cv32, u"CV31 und CV32 wählen die Seite der CVs 257 bis 512; CV32 ist das niedrigere "
+                     u"Byte, 0 bis 255."},
 };
 
 struct Trouble_Entry {

@@ -130,6 +130,7 @@ enum class Text {
     backup_not_restored, ///< %1 reason
     settings_not_saved,
     log_lost, ///< %1 folder
+    settings_lost,
 
     project_written,          ///< %1 file, %2 sets, %3 sets with scripts
     project_left_out_cvs,     ///< %1 CVs
@@ -139,6 +140,23 @@ enum class Text {
     project_equal_scripts,    ///< %1 sets
     project_failed,           ///< %1 file, %2 reason
     project_refused,
+
+    hint_no_database, ///< of an empty list: what to do first
+    hint_no_sets,
+    hint_no_sets_here, ///< and none can be added
+    hint_other_view,
+    hint_other_view_only, ///< and none can be added to this one
+    hint_cvs,
+    hint_choose_set,
+    hint_no_cvs,
+    hint_no_cvs_here, ///< and none can be added
+    hint_scripts,
+    hint_no_scripts,
+    tip_reset_cv, ///< what a word of the trade means
+    tip_qr,
+    tip_qd,
+    tip_cv31,
+    tip_cv32,
 };
 
 QString text(Text which);

@@ -1,44 +1,17 @@
 // Where the window stands, and what happens when it comes to the front or goes.
 
-#include "app/mod_save_settings.h"
 #include "scripts/cls_script_coll.h"
 #include "ui/main/Frm_Main.h"
 #include "ui/main/main_form.h"
 #include "ui/main/texts.h"
 
 #include <QCloseEvent>
-#include <QGuiApplication>
-#include <algorithm>
 
 namespace ui_main {
-namespace {
 
-// A Wayland desktop does not tell programs where their windows stand, and moves them itself.
-bool desktop_tells_places() { return !QGuiApplication::platformName().startsWith(u"wayland"); }
+app::Window_Place Frm_Main::place() { return placer_.place(); }
 
-} // namespace
-
-app::Window_Place Frm_Main::place() {
-    const bool filling = isMaximized() || isMinimized() || isFullScreen();
-    const QRect inside = filling ? normalGeometry() : geometry();
-    app::Window_Place now{app::from_pixels(inside.height()), app::from_pixels(inside.width()),
-                          stored_left_, stored_top_};
-    if (!desktop_tells_places()) return now;
-    const QPoint frame = geometry().topLeft() - frameGeometry().topLeft();
-    now.left = app::from_pixels(inside.left() - frame.x());
-    now.top = app::from_pixels(inside.top() - frame.y());
-    return now;
-}
-
-void Frm_Main::move_to(const app::Window_Place& place) {
-    stored_left_ = place.left;
-    stored_top_ = place.top;
-    const app::Twips highest = app::globals.VirtualScreen.height();
-    resize(width(), app::to_pixels(std::min(place.height, highest)));
-    const app::Window_Place kept = app::keep_on_screen(
-        {app::from_pixels(height()), app::from_pixels(width()), place.left, place.top});
-    move(app::to_pixels(kept.left), app::to_pixels(kept.top));
-}
+void Frm_Main::move_to(const app::Window_Place& place) { placer_.bring_to(place); }
 
 void Frm_Main::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);

@@ -13,6 +13,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QTreeView>
 #include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -84,6 +85,37 @@ TEST_F(Qt_Desktop_Test, opening_takes_files_that_exist) {
                   QStringLiteral("alt.mdb"));
     });
     EXPECT_EQ(desktop.ask_open_file(choice("alt.mdb")), std::nullopt);
+}
+
+TEST_F(Qt_Desktop_Test, sizes_and_dates_are_german_and_sorted_by_their_values) {
+    const struct {
+        const char* name;
+        int size;
+        QDateTime changed;
+        std::string shown;
+    } files[] = {
+        {"klein.mdb", 1200, QDateTime({2026, 5, 14}, {9, 7}), "1,17 KiB; 14.05.26 09:07"},
+        {"mittel.mdb", 1536, QDateTime({2025, 12, 31}, {18, 30}), "1,50 KiB; 31.12.25 18:30"},
+        {"zz gross.mdb", 2'097'152, QDateTime({2026, 1, 2}, {0, 0}), "2,00 MiB; 02.01.26 00:00"},
+    };
+    for (const auto& file : files) {
+        QFile made(path(file.name));
+        ASSERT_TRUE(made.open(QFile::WriteOnly) && made.resize(file.size) &&
+                    made.setFileTime(file.changed, QFile::FileModificationTime));
+    }
+    in_dialog([&](QDialog& dialog) {
+        auto& view = *dialog.findChild<QTreeView*>(QStringLiteral("treeView"));
+        const auto shown = [&](int row) {
+            const auto cell = [&](int column) {
+                return view.model()->index(row, column, view.rootIndex()).data().toString();
+            };
+            return (cell(1) + QStringLiteral("; ") + cell(3)).toStdString();
+        };
+        ASSERT_TRUE(QTest::qWaitFor([&] { return view.model()->rowCount(view.rootIndex()) == 3; }));
+        view.sortByColumn(1, Qt::AscendingOrder);
+        for (int row = 0; row < 3; ++row) EXPECT_EQ(shown(row), files[row].shown);
+    });
+    desktop.ask_open_file(choice(""));
 }
 
 TEST_F(Qt_Desktop_Test, a_folder_is_chosen_by_any_name_in_it) {

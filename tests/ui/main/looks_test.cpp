@@ -10,8 +10,11 @@
 #include <QMenuBar>
 
 using namespace ui_main;
+using testing::AllOf;
 using testing::ElementsAre;
+using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 
 namespace {
 
@@ -162,6 +165,60 @@ TEST_F(Looks, frames_and_lists_follow_the_height) {
         EXPECT_EQ(cvs().height(), pixels(1605));
         EXPECT_EQ(get<QLabel>("lab_anz_cvs_txt").y(), pixels(400));
         EXPECT_EQ(get<QLabel>("lab_Anz_CVs").y(), pixels(400));
+    }
+}
+
+TEST_F(Looks, an_empty_list_says_what_to_do_first) {
+    const auto says = [&](const char* list) {
+        auto& view = get<QAbstractItemView>(list);
+        const QImage picture = view.viewport()->grab().toImage();
+        QImage blank = picture;
+        blank.fill(picture.pixel(0, 0));
+        const std::string said = view.accessibleDescription().toStdString();
+        EXPECT_EQ(view.model()->rowCount() > 0, said.empty());
+        EXPECT_NE(picture, blank) << "rows or the hint";
+        return said;
+    };
+    const auto cvs_say = [&] { return says("lst_CVs"); };
+    start_bare();
+    EXPECT_THAT(says("lst_sets"), HasSubstr("Keine Datenbank geöffnet: Menü „Datei“"));
+    EXPECT_THAT(cvs_say(), HasSubstr("CVs des gewählten"));
+    window.reset();
+    put_template();
+    start_bare();
+    EXPECT_EQ(says("lst_sets"),
+              "Noch keine CV-Sets: Menü „CV Set“, „Hinzufügen“, oder eine Datenbank öffnen");
+    EXPECT_THAT(says("lvw_Scripts"), HasSubstr("Scripte des gewählten"));
+    answer_set_dialog("Neu", "");
+    choose("mnu_cvset_hinzu");
+    EXPECT_EQ(says("lst_sets"), "");
+    EXPECT_THAT(cvs_say(), HasSubstr("Noch keine CVs"));
+    EXPECT_THAT(says("lvw_Scripts"), HasSubstr("Keine Scripte in diesem"));
+    field("txt_cv_nummer").setText(QStringLiteral("3"));
+    field("txt_cv_wert").setFocus();
+    press(Qt::Key_Return);
+    EXPECT_EQ(cvs_say(), "");
+    click_option("opt_rescv_1");
+    EXPECT_THAT(says("lst_sets"), HasSubstr("unten die andere Reset-CV"));
+    EXPECT_THAT(cvs_say(), HasSubstr("CVs des gewählten"));
+
+    database.Connection_Close();
+    disk.protect(default_path);
+    window->Open_Database();
+    EXPECT_THAT(says("lst_sets"), Not(HasSubstr("Hinzufügen"))) << "nothing can be added";
+}
+
+TEST_F(Looks, words_of_the_trade_are_explained_in_a_sentence) {
+    start_bare();
+    const struct {
+        const char* control;
+        const char* explained;
+    } tips[] = {{"Frame_Reset", "Reset-CV"}, {"opt_rescv_1", "Reset-CV"},
+                {"opt_dec_0", "QR"},         {"opt_dec_1", "QD"},
+                {"txt_cv_page_0", "höhere"}, {"txt_cv_page_1", "niedrigere"}};
+    for (const auto& c : tips) {
+        const std::string tip = get<QWidget>(c.control).toolTip().toStdString();
+        EXPECT_THAT(tip, AllOf(HasSubstr(c.explained), testing::EndsWith("."))) << c.control;
     }
 }
 

@@ -1,0 +1,30 @@
+// What empty lists say: what to do first, as far as it can be done.
+
+#include "ui/main/Frm_Main.h"
+#include "ui/main/UC_Scripte.h"
+#include "ui/main/main_form.h"
+#include "ui/main/texts.h"
+
+namespace ui_main {
+
+void Frm_Main::show_hints() {
+    const bool chosen = form_->lst_sets->selected_key() != 0;
+    const bool sets_there = form_->lst_sets->count() > 0;
+    Text cvs = sets_there ? Text::hint_choose_set : Text::hint_cvs;
+    if (chosen) cvs = database_.writable() ? Text::hint_no_cvs : Text::hint_no_cvs_here;
+    form_->sets_hint->set_text(sets_there ? QString() : text(hint_for_sets()));
+    form_->cvs_hint->set_text(text(cvs));
+    form_->UC_Scripte1->set_hint(text(chosen ? Text::hint_no_scripts : Text::hint_scripts));
+}
+
+Text Frm_Main::hint_for_sets() {
+    if (!database_.Connection_Active()) return Text::hint_no_database;
+    if (!database_.is_library()) return Text::hint_no_sets_here;
+    const bool in_other_view =
+        family_ == 0 && database_.Get_Anz_CVSets() > database_.sets_in_no_view();
+    if (in_other_view)
+        return database_.writable() ? Text::hint_other_view : Text::hint_other_view_only;
+    return database_.writable() ? Text::hint_no_sets : Text::hint_no_sets_here;
+}
+
+} // namespace ui_main
