@@ -9,9 +9,9 @@
 namespace ui_main {
 namespace {
 
-std::int16_t set_number(const QString& digits) {
+std::int16_t set_number(const QString& shown) {
     return static_cast<std::int16_t>(
-        std::min(leading_number(digits), frm_get_2_string::highest_set_number));
+        std::min(leading_number(shown), frm_get_2_string::highest_set_number));
 }
 
 } // namespace
@@ -63,7 +63,7 @@ void Frm_Main::rename_set() {
     frm_get_2_string dialog(this, name_width);
     const QString name = database_.Get_Set_Name(SetID);
     const std::int16_t number = database_.Get_Set_Nummer(SetID);
-    dialog.set_texts(text(Text::rename_set), name, QString::number(number));
+    dialog.set_texts(text(Text::rename_set), name, number);
     const Two_Strings given = dialog.Get_2_Strings();
     if (given.first.isEmpty()) return;
     const std::int16_t wanted = set_number(given.second);

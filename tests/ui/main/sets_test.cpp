@@ -1,5 +1,7 @@
 #include "main_window.h"
 
+#include "ui/main/frm_get_2_string.h"
+
 using namespace ui_main;
 using testing::Contains;
 using testing::ElementsAre;
@@ -104,6 +106,35 @@ TEST_F(Sets_Test, renaming_keeps_the_number_unless_another_is_given) {
     QTest::mouseDClick(sets().viewport(), Qt::LeftButton, {}, place);
 }
 
+TEST_F(Sets_Test, a_negative_number_is_kept_unless_it_is_changed) {
+    std::int16_t number = -5;
+    const std::int32_t set = database.DB_Add_CVSet(QStringLiteral("Fremd"), number, 8);
+    window->Refresh_Sets();
+    sets().select_row(*sets().row_of(set));
+    for (const char* changed : {"", "7"}) {
+        in_set_dialog([changed](QDialog& dialog) {
+            EXPECT_EQ(dialog_field(dialog, "Text2").text(), QStringLiteral("-5"));
+            dialog_field(dialog, "Text2").selectAll();
+            QTest::keyClicks(&dialog_field(dialog, "Text2"), QString::fromUtf8(changed));
+            press_button(dialog, "cmd_ok");
+        });
+        choose("mnu_cvset_rename");
+        EXPECT_THAT(selected(sets()), ElementsAre(*changed == 0 ? "-5 - Fremd" : "7 - Fremd"));
+    }
+}
+
+// A desktop activates a window some time after it is shown.
+TEST_F(Sets_Test, the_name_is_not_selected_when_the_dialog_is_activated) {
+    frm_get_2_string dialog(window.get(), 100);
+    dialog.set_texts({}, QStringLiteral("Anders"), 11);
+    dialog.setAttribute(Qt::WA_ShowWithoutActivating);
+    dialog.show();
+    QApplication::setActiveWindow(&dialog);
+    ASSERT_EQ(focus(), "Text1");
+    type("!");
+    EXPECT_EQ(dialog_field(dialog, "Text1").text(), QStringLiteral("Anders!"));
+}
+
 TEST_F(Sets_Test, names_and_numbers_keep_within_the_column) {
     in_set_dialog([](QDialog& dialog) {
         QLineEdit& name = dialog_field(dialog, "Text1");
@@ -113,6 +144,13 @@ TEST_F(Sets_Test, names_and_numbers_keep_within_the_column) {
         number.setFocus();
         QTest::keyClicks(&number, QStringLiteral("-3x27689"));
         EXPECT_EQ(number.text(), QStringLiteral("3276"));
+        number.selectAll();
+        QApplication::clipboard()->setText(QStringLiteral("32768"));
+        dialog.findChild<QLabel*>(QStringLiteral("lab_hint"))->clear();
+        QTest::keyClick(&number, Qt::Key_V, Qt::ControlModifier);
+        EXPECT_EQ(number.selectedText(), QStringLiteral("3276"));
+        EXPECT_THAT(dialog.findChild<QLabel*>(QStringLiteral("lab_hint"))->text().toStdString(),
+                    HasSubstr("bis 32767"));
         number.setText(QStringLiteral("32767"));
         press_button(dialog, "cmd_ok");
     });
