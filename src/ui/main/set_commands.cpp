@@ -18,6 +18,12 @@ std::int16_t set_number(const QString& shown) {
 
 QString Frm_Main::shown_set() const { return form_->lst_sets->currentIndex().data().toString(); }
 
+void Frm_Main::say_set_gone(const QString& set) {
+    QString said = text(Text::set_gone).arg(set);
+    if (form_->lst_sets->count() > 0) said += u' ' + text(Text::set_chosen_now).arg(shown_set());
+    say(said);
+}
+
 // A cut name is the user's text changed: that is said where he looks next, too.
 QString Frm_Main::with_cut(const QString& sentence, const frm_get_2_string& dialog) const {
     if (!dialog.name_was_cut()) return sentence;
@@ -44,8 +50,7 @@ void Frm_Main::add_set() {
         say_trouble();
         return;
     }
-    fill_sets();
-    select_set(SetID);
+    refill_sets(SetID);
     if (!say_trouble()) say(with_cut(text(Text::set_added).arg(shown_set()), dialog));
 }
 
@@ -68,8 +73,7 @@ void Frm_Main::rename_set() {
     if (given.first.isEmpty()) return;
     const std::int16_t wanted = set_number(given.second);
     database_.DB_Rename_CVSet(given.first, wanted == number ? std::int16_t{0} : wanted);
-    fill_sets();
-    select_set(SetID);
+    refill_sets(SetID);
     if (!say_trouble()) say(with_cut(text(Text::set_renamed).arg(shown_set()), dialog));
 }
 

@@ -56,10 +56,10 @@ void Frm_Main::refill_if_changed() {
     const std::int32_t SetID = form_->lst_sets->selected_key();
     const std::vector<std::int32_t> cvs = form_->lst_CVs->selected_keys();
     const std::int32_t current = form_->lst_CVs->key(form_->lst_CVs->current_row());
-    fill_sets();
-    select_set(SetID);
+    const QString before = shown_set();
+    const bool there = refill_sets(SetID);
     form_->lst_CVs->select_keys(cvs, current);
-    say_trouble();
+    if (!say_trouble() && !there && SetID != 0) say_set_gone(before);
 }
 
 void Frm_Main::unload() {

@@ -177,6 +177,24 @@ TEST_F(Cv_Panel_Test, clicks_and_plain_arrows_go_to_the_value_and_others_select_
     press(Qt::Key_Delete);
     EXPECT_THAT(rows(cvs()), ElementsAre("CV#      1 = 11", "CV#      2 = 22", "CV#      4 = 44"));
     EXPECT_EQ(focus(), "lst_CVs");
+
+    const struct {
+        const char* name;
+        std::function<void()> go;
+        const char* loaded;
+    } ways[] = {{"search", [] { type("c"); }, "1"},
+                {"search that goes on", [] { type("v"); }, "1"},
+                {"right button", [&] { click_row(cvs(), 2, {}, Qt::RightButton); }, "4"},
+                {"Shift and arrow", [] { press(Qt::Key_Up, Qt::ShiftModifier); }, "2"},
+                {"all", [] { press(Qt::Key_A, Qt::ControlModifier); }, "2"}};
+    for (const auto& way : ways) {
+        SCOPED_TRACE(way.name);
+        for (const char* name : {"txt_cv_nummer", "txt_cv_wert"}) field(name).clear();
+        way.go();
+        EXPECT_EQ(text("txt_cv_nummer"), way.loaded);
+        EXPECT_EQ(text("txt_cv_wert"), std::string(2, *way.loaded));
+        EXPECT_EQ(focus(), "lst_CVs");
+    }
 }
 
 TEST_F(Cv_Panel_Test, delete_takes_the_selected_rows_and_never_text) {
