@@ -145,9 +145,8 @@ bool Number_Field::event(QEvent* event) {
 
 void Number_Field::focusInEvent(QFocusEvent* event) {
     QLineEdit::focusInEvent(event);
-    if (event->reason() == Qt::PopupFocusReason) return; // its own menu, for what is selected
     clicked_into_ = event->reason() == Qt::MouseFocusReason;
-    selectAll();
+    if (event->reason() != Qt::PopupFocusReason) selectAll(); // its own menu is for the selection
 }
 
 void Number_Field::keyPressEvent(QKeyEvent* event) {
