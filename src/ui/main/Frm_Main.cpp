@@ -16,6 +16,7 @@
 #include <QScreen>
 #include <QSignalBlocker>
 #include <QStatusBar>
+#include <algorithm>
 
 namespace ui_main {
 namespace {
@@ -117,6 +118,18 @@ void Frm_Main::select_set(std::int32_t SetID) {
     set_selected();
 }
 
+// Where the set is gone, the one that was next to the selection is chosen, or the first.
+bool Frm_Main::refill_sets(std::int32_t SetID) {
+    Entry_List& sets = *form_->lst_sets;
+    const std::vector<std::int32_t> around = sets.keys_around(sets.current_row());
+    fill_sets();
+    const auto is_there = [&](std::int32_t key) { return sets.row_of(key).has_value(); };
+    const bool found = is_there(SetID);
+    const auto next = found ? around.end() : std::find_if(around.begin(), around.end(), is_there);
+    select_set(found ? SetID : next != around.end() ? *next : sets.key(0));
+    return found;
+}
+
 void Frm_Main::select_first_set() { select_set(form_->lst_sets->key(0)); }
 
 void Frm_Main::Refresh_Sets() {
@@ -133,6 +146,7 @@ void Frm_Main::set_selected() {
     } else {
         database_.AktCVSetID(0);
         form_->lst_CVs->refill([](store::List_Filler&) {});
+        form_->lab_Anz_CVs->setText(QString::number(0));
         scripts::AktScripts().Clear();
     }
     Redraw_Script_List();
@@ -159,10 +173,13 @@ void Frm_Main::Redraw_Script_List() {
 
 // Options
 
+// A view without sets leaves the count of the one before.
 void Frm_Main::choose_reset_cv(int index) {
+    const QString count = form_->lab_Anz_CVs->text();
     app::globals.AktResCV = index == 0 ? 8 : 265;
     fill_sets();
     select_first_set();
+    if (form_->lst_sets->count() == 0) form_->lab_Anz_CVs->setText(count);
 }
 
 void Frm_Main::Show_Page_Fields(bool visible) { form_->Show_Page_Fields(visible); }

@@ -81,6 +81,8 @@ private:
     void wire();
     void fill_sets();
     void select_set(std::int32_t SetID);
+    /// Fills the set list anew and selects the set, or its neighbour. @return whether it is there
+    bool refill_sets(std::int32_t SetID);
     void select_first_set();
     void set_selected(); ///< shows the set that is selected now
     void set_chosen();   ///< the same, when the user has selected it
@@ -113,7 +115,8 @@ private:
     void delete_set();
     void delete_set_at_once();
     QString with_cut(const QString& sentence, const frm_get_2_string& dialog) const;
-    QString shown_set() const; ///< the selected entry of the set list
+    QString shown_set() const;             ///< the selected entry of the set list
+    void say_set_gone(const QString& set); ///< @param set as it was shown
 
     // clipboard_commands.cpp
     void copy_cvs();

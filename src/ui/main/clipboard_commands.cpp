@@ -90,8 +90,7 @@ void Frm_Main::paste(const store::Pasted& pasted) {
     }
     const store::Paste_Report report = store::paste(database_, pasted, app::globals.AktResCV);
     if (report.sets > 0) {
-        fill_sets();
-        select_set(report.last_set);
+        refill_sets(report.last_set);
     } else {
         Show_CVs(0);
     }

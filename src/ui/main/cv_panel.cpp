@@ -27,6 +27,7 @@ Cv_Panel::Cv_Panel(Main_Form& form, store::clsDBConn& database, Cv_Panel_Owner& 
     connect(form.txt_cv_wert, &QLineEdit::returnPressed, this, &Cv_Panel::Save_CV);
     form.txt_cv_wert->installEventFilter(this);
     connect(form.lst_CVs, &Entry_List::chosen, this, &Cv_Panel::chosen);
+    connect(form.lst_CVs, &Entry_List::visited, this, &Cv_Panel::load_selected);
     connect(form.lst_CVs, &Entry_List::delete_pressed, this, &Cv_Panel::delete_selected);
 }
 

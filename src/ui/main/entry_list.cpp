@@ -16,13 +16,15 @@
 namespace ui_main {
 namespace {
 
-constexpr std::array plain_ways{Qt::Key_Up,  Qt::Key_Down,   Qt::Key_Home,
-                                Qt::Key_End, Qt::Key_PageUp, Qt::Key_PageDown};
+constexpr std::array ways{Qt::Key_Up,  Qt::Key_Down,   Qt::Key_Home,
+                          Qt::Key_End, Qt::Key_PageUp, Qt::Key_PageDown};
 
-bool is_plain_way(const QKeyEvent& event) {
-    const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
-    return modifiers == Qt::NoModifier &&
-           std::find(plain_ways.begin(), plain_ways.end(), event.key()) != plain_ways.end();
+bool is_way(const QKeyEvent& event) {
+    return std::find(ways.begin(), ways.end(), event.key()) != ways.end();
+}
+
+bool is_plain(const QKeyEvent& event) {
+    return (event.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
 }
 
 struct Collector final : store::List_Filler {
@@ -98,12 +100,23 @@ std::vector<int> Entry_List::selected_rows() const {
 }
 
 std::int32_t Entry_List::selected_key() const {
+    if (selectionMode() == SingleSelection) {
+        const std::vector<int> rows = selected_rows();
+        return rows.empty() ? 0 : key(rows.front());
+    }
     return is_selected(current_row()) ? key(current_row()) : 0;
 }
 
 std::vector<std::int32_t> Entry_List::selected_keys() const {
     std::vector<std::int32_t> keys;
     for (const int row : selected_rows()) keys.push_back(key(row));
+    return keys;
+}
+
+std::vector<std::int32_t> Entry_List::keys_around(int row) const {
+    std::vector<std::int32_t> keys;
+    for (int i = std::max(row, 0); i < count(); ++i) keys.push_back(key(i));
+    for (int i = std::min(row, count()) - 1; i >= 0; --i) keys.push_back(key(i));
     return keys;
 }
 
@@ -141,13 +154,41 @@ void Entry_List::keyPressEvent(QKeyEvent* event) {
         Q_EMIT paste_pressed();
     } else {
         QListView::keyPressEvent(event);
-        if (is_plain_way(*event) && currentIndex().isValid()) Q_EMIT chosen();
+        if (!is_way(*event) || !currentIndex().isValid()) return;
+        if (is_plain(*event))
+            Q_EMIT chosen();
+        else
+            Q_EMIT visited();
     }
+}
+
+void Entry_List::keyboardSearch(const QString& search) {
+    QListView::keyboardSearch(search);
+    Q_EMIT visited();
+}
+
+void Entry_List::selectAll() {
+    if (selectionMode() == SingleSelection) return;
+    QListView::selectAll();
+    Q_EMIT visited();
+}
+
+QItemSelectionModel::SelectionFlags Entry_List::selectionCommand(const QModelIndex& index,
+                                                                 const QEvent* event) const {
+    if (selectionMode() != SingleSelection) return QListView::selectionCommand(index, event);
+    return index.isValid() ? QItemSelectionModel::ClearAndSelect : QItemSelectionModel::NoUpdate;
+}
+
+void Entry_List::mousePressEvent(QMouseEvent* event) {
+    QListView::mousePressEvent(event);
+    pressed_on_entry_ = indexAt(event->pos()).isValid();
+    if (event->button() != Qt::LeftButton && pressed_on_entry_) Q_EMIT visited();
 }
 
 void Entry_List::mouseReleaseEvent(QMouseEvent* event) {
     QListView::mouseReleaseEvent(event);
-    if (event->button() == Qt::LeftButton && indexAt(event->pos()).isValid()) Q_EMIT chosen();
+    if (event->button() != Qt::LeftButton) return;
+    if (pressed_on_entry_ || indexAt(event->pos()).isValid()) Q_EMIT chosen();
 }
 
 void Entry_List::contextMenuEvent(QContextMenuEvent* event) {

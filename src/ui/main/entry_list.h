@@ -29,11 +29,14 @@ private:
     std::vector<Entry> entries_;
 };
 
-/// A list that is refilled as a whole and whose rows are known by their keys.
+/// A list that is refilled as a whole and whose rows are known by their keys. Where one entry is the
+/// single choice, no key and no click takes it away but the choice of another.
 class Entry_List final : public QListView {
     Q_OBJECT
 public:
     explicit Entry_List(QWidget* parent);
+    void keyboardSearch(const QString& search) override;
+    void selectAll() override;
 
     /// Replaces all entries by what `fill` adds. The view stays where it was scrolled to, nothing
     /// is selected, and no signal is sent.
@@ -47,10 +50,13 @@ public:
     int current_row() const;
     bool is_selected(int row) const;
     std::vector<int> selected_rows() const; ///< from the top
-    /// Key of the current row if it is selected, else 0.
+    /// Key of the current row if it is selected, else 0. In a list of single choice the key of the
+    /// one that is chosen: a drag moves the keyboard's place after it.
     std::int32_t selected_key() const;
 
     std::vector<std::int32_t> selected_keys() const; ///< from the top
+    /// All keys in the order in which they are next to a row: it, those below it, those above it.
+    std::vector<std::int32_t> keys_around(int row) const;
     /// Selects the rows with these keys that are there, and gives the keyboard's place to another.
     void select_keys(const std::vector<std::int32_t>& keys, std::int32_t current);
 
@@ -64,6 +70,9 @@ Q_SIGNALS:
     void selection_changed();
     /// The user clicked an entry or went to one with a plain arrow key.
     void chosen();
+    /// The user went to an entry in a way that he may go on with: by searching, by extending the
+    /// selection, for a menu.
+    void visited();
     void delete_pressed();
     void copy_pressed();
     void paste_pressed();
@@ -71,7 +80,10 @@ Q_SIGNALS:
 
 protected:
     void selectionChanged(const QItemSelection& now, const QItemSelection& before) override;
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                         const QEvent* event) const override;
     void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     bool viewportEvent(QEvent* event) override;
@@ -79,6 +91,7 @@ protected:
 private:
     Entry_Model model_;
     bool refilling_ = false;
+    bool pressed_on_entry_ = false; ///< by the last press of a mouse button
 };
 
 } // namespace ui_main

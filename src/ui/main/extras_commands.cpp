@@ -39,7 +39,7 @@ void Frm_Main::go_through_history(const store::Undo_Result& result, Text done, T
     say(with_left_out(text(form).arg(sentence(result.name))));
 }
 
-// Fills the lists anew and selects the set, in the view that shows it; the first one if it is gone.
+// Fills the lists anew and selects the set, in the view that shows it; another one if it is gone.
 void Frm_Main::show_set(std::int32_t SetID) {
     const std::int16_t reset_cv = database_.reset_cv(SetID);
     const std::size_t view = reset_cv == 265 ? 1 : 0;
@@ -49,11 +49,7 @@ void Frm_Main::show_set(std::int32_t SetID) {
         form_->opt_rescv[view]->setChecked(true);
         app::globals.AktResCV = reset_cv;
     }
-    fill_sets();
-    if (form_->lst_sets->row_of(SetID))
-        select_set(SetID);
-    else
-        select_first_set();
+    refill_sets(SetID);
 }
 
 // The steps have names in the open menu only; the keys always work and say when there is no step.

@@ -52,10 +52,10 @@ frm_get_2_string::frm_get_2_string(QWidget* parent, int name_width)
 }
 
 void frm_get_2_string::set_texts(const QString& caption, const QString& name,
-                                 const QString& number) {
+                                 std::optional<int> number) {
     setWindowTitle(caption);
     Text1->setText(name);
-    Text2->setText(number);
+    if (number) Text2->set_number(*number);
 }
 
 void frm_get_2_string::keep_width() {
@@ -71,8 +71,11 @@ void frm_get_2_string::keep_width() {
     Text1->setCursorPosition(cursor);
 }
 
-void frm_get_2_string::showEvent(QShowEvent* event) {
-    QDialog::showEvent(event);
+// A dialog that is shown before the desktop has activated it tells its first field that Tab has led
+// there, which selects all of the text. The first key must not replace the name.
+void frm_get_2_string::setVisible(bool visible) {
+    QDialog::setVisible(visible);
+    if (!visible) return;
     Text1->setFocus();
     Text1->end(false);
 }

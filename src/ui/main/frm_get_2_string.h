@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <optional>
 
 namespace ui_main {
 
@@ -24,13 +25,13 @@ public:
     /// @param name_width longest name in characters; a longer one is cut, which the dialog says
     frm_get_2_string(QWidget* parent, int name_width);
 
-    void set_texts(const QString& caption, const QString& name, const QString& number);
+    /// @param number of the set as it is stored; nothing for a set that has none yet
+    void set_texts(const QString& caption, const QString& name, std::optional<int> number);
     /// Shows the dialog until it is closed.
     Two_Strings Get_2_Strings();
     bool name_was_cut() const { return cut_; }
 
-protected:
-    void showEvent(QShowEvent* event) override;
+    void setVisible(bool visible) override;
 
 private:
     void keep_width();

@@ -9,14 +9,20 @@
 namespace ui_main {
 namespace {
 
-std::int16_t set_number(const QString& digits) {
+std::int16_t set_number(const QString& shown) {
     return static_cast<std::int16_t>(
-        std::min(leading_number(digits), frm_get_2_string::highest_set_number));
+        std::min(leading_number(shown), frm_get_2_string::highest_set_number));
 }
 
 } // namespace
 
 QString Frm_Main::shown_set() const { return form_->lst_sets->currentIndex().data().toString(); }
+
+void Frm_Main::say_set_gone(const QString& set) {
+    QString said = text(Text::set_gone).arg(set);
+    if (form_->lst_sets->count() > 0) said += u' ' + text(Text::set_chosen_now).arg(shown_set());
+    say(said);
+}
 
 // A cut name is the user's text changed: that is said where he looks next, too.
 QString Frm_Main::with_cut(const QString& sentence, const frm_get_2_string& dialog) const {
@@ -41,10 +47,8 @@ void Frm_Main::add_set() {
         say_trouble();
         return;
     }
-    fill_sets();
-    select_set(SetID);
-    say(with_cut(text(Text::set_added).arg(shown_set()), dialog));
-    say_trouble();
+    refill_sets(SetID);
+    say_outcome(with_cut(text(Text::set_added).arg(shown_set()), dialog));
 }
 
 void Frm_Main::rename_set() {
@@ -61,14 +65,13 @@ void Frm_Main::rename_set() {
     frm_get_2_string dialog(this, name_width);
     const QString name = database_.Get_Set_Name(SetID);
     const std::int16_t number = database_.Get_Set_Nummer(SetID);
-    dialog.set_texts(text(Text::rename_set), name, QString::number(number));
+    dialog.set_texts(text(Text::rename_set), name, number);
     const Two_Strings given = dialog.Get_2_Strings();
     if (given.first.isEmpty()) return;
     const std::int16_t wanted = set_number(given.second);
     const bool renamed =
         database_.DB_Rename_CVSet(given.first, wanted == number ? std::int16_t{0} : wanted);
-    fill_sets();
-    select_set(SetID);
+    refill_sets(SetID);
     say_outcome(renamed ? with_cut(text(Text::set_renamed).arg(shown_set()), dialog) : QString());
 }
 

@@ -105,6 +105,7 @@ constexpr Entry table[] = {
 
     {Text::nothing_selected_to_copy, u"Es ist keine CV gewählt; nichts kopiert."},
     {Text::set_gone, u"CV-Set „%1“ ist nicht mehr vorhanden."},
+    {Text::set_chosen_now, u"Gewählt ist jetzt „%1“."},
     {Text::cvs_copied, u"Kopierte CVs: %1."},
     {Text::set_copied, u"CV-Set „%1“ kopiert."},
     {Text::listing_copied, u"CV-Set „%1“ als Text in die Zwischenablage gelegt."},

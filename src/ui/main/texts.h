@@ -99,6 +99,7 @@ enum class Text {
 
     nothing_selected_to_copy,
     set_gone,       ///< %1 number and name
+    set_chosen_now, ///< %1 number and name
     cvs_copied,     ///< %1 CVs
     set_copied,     ///< %1 number and name
     listing_copied, ///< %1 number and name

@@ -3,6 +3,7 @@
 #include "scripts/cls_script_coll.h"
 #include "ui/main/Frm_Main.h"
 #include "ui/main/main_form.h"
+#include "ui/main/status_line.h"
 #include "ui/main/texts.h"
 
 #include <QCloseEvent>
@@ -31,9 +32,11 @@ void Frm_Main::refill_if_changed() {
     const std::int32_t SetID = form_->lst_sets->selected_key();
     const std::vector<std::int32_t> cvs = form_->lst_CVs->selected_keys();
     const std::int32_t current = form_->lst_CVs->key(form_->lst_CVs->current_row());
-    fill_sets();
-    select_set(SetID);
+    const QString before = shown_set();
+    const bool there = refill_sets(SetID);
     form_->lst_CVs->select_keys(cvs, current);
+    const Status_Line::One_Command one(*status_);
+    if (!there && SetID != 0) say_set_gone(before);
     if (scripts::AktScripts().States_Left_Out() == left_out)
         say_trouble(); // what stands there holds
     else

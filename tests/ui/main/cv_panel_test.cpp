@@ -1,5 +1,8 @@
 #include "main_window.h"
 
+#include <QMenu>
+#include <QMimeData>
+
 using namespace ui_main;
 using testing::ElementsAre;
 using testing::HasSubstr;
@@ -174,6 +177,24 @@ TEST_F(Cv_Panel_Test, clicks_and_plain_arrows_go_to_the_value_and_others_select_
     press(Qt::Key_Delete);
     EXPECT_THAT(rows(cvs()), ElementsAre("CV#      1 = 11", "CV#      2 = 22", "CV#      4 = 44"));
     EXPECT_EQ(focus(), "lst_CVs");
+
+    const struct {
+        const char* name;
+        std::function<void()> go;
+        const char* loaded;
+    } ways[] = {{"search", [] { type("c"); }, "1"},
+                {"search that goes on", [] { type("v"); }, "1"},
+                {"right button", [&] { click_row(cvs(), 2, {}, Qt::RightButton); }, "4"},
+                {"Shift and arrow", [] { press(Qt::Key_Up, Qt::ShiftModifier); }, "2"},
+                {"all", [] { press(Qt::Key_A, Qt::ControlModifier); }, "2"}};
+    for (const auto& way : ways) {
+        SCOPED_TRACE(way.name);
+        for (const char* name : {"txt_cv_nummer", "txt_cv_wert"}) field(name).clear();
+        way.go();
+        EXPECT_EQ(text("txt_cv_nummer"), way.loaded);
+        EXPECT_EQ(text("txt_cv_wert"), std::string(2, *way.loaded));
+        EXPECT_EQ(focus(), "lst_CVs");
+    }
 }
 
 TEST_F(Cv_Panel_Test, delete_takes_the_selected_rows_and_never_text) {
@@ -216,26 +237,114 @@ TEST_F(Cv_Panel_Test, delete_takes_the_selected_rows_and_never_text) {
     }
 }
 
-TEST_F(Cv_Panel_Test, only_digits_reach_the_fields) {
+TEST_F(Cv_Panel_Test, only_digits_reach_the_fields_and_what_is_rejected_changes_nothing) {
+    using Bring = void (*)(QLineEdit&, const QString&);
+    const Bring by_key = [](QLineEdit& box, const QString& text) {
+        QKeyEvent key(QEvent::KeyPress, Qt::Key_unknown, {}, text);
+        QApplication::sendEvent(&box, &key);
+    };
+    const Bring composed = [](QLineEdit& box, const QString& text) {
+        QInputMethodEvent composing(text, {});
+        QApplication::sendEvent(&box, &composing);
+        QInputMethodEvent commit;
+        commit.setCommitString(text);
+        QApplication::sendEvent(&box, &commit);
+    };
+    const Bring ctrl_v = [](QLineEdit& box, const QString& text) {
+        QApplication::clipboard()->setText(text);
+        QTest::keyClick(&box, Qt::Key_V, Qt::ControlModifier);
+    };
+    const Bring shift_insert = [](QLineEdit& box, const QString& text) {
+        QApplication::clipboard()->setText(text);
+        QTest::keyClick(&box, Qt::Key_Insert, Qt::ShiftModifier);
+    };
+    const Bring by_menu = [](QLineEdit& box, const QString& text) {
+        QApplication::clipboard()->setText(text);
+        QContextMenuEvent wanted(QContextMenuEvent::Keyboard, {}, {});
+        QApplication::sendEvent(&box, &wanted);
+        auto& menu = dynamic_cast<QMenu&>(*QApplication::activePopupWidget());
+        for (QAction* action : menu.actions())
+            if (action->text().contains(u"Ctrl+V")) menu.setActiveAction(action);
+        QTest::keyClick(&menu, Qt::Key_Return);
+        menu.close();
+    };
+    const Bring dropped = [](QLineEdit& box, const QString& text) {
+        QMimeData data;
+        data.setText(text);
+        const QPoint end = box.rect().center();
+        QDragEnterEvent enter(end, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QApplication::sendEvent(&box, &enter);
+        QDropEvent drop(end, Qt::CopyAction, &data, Qt::LeftButton, {});
+        QApplication::sendEvent(&box, &drop);
+        EXPECT_EQ(drop.isAccepted(), text.contains(u'7'));
+    };
+    const struct {
+        const char* name;
+        Bring bring;
+        const char *accepted, *then;
+    } ways[] = {{"key", by_key, "7", "7"},
+                {"input method", composed, "7", "7"},
+                {"Ctrl+V", ctrl_v, " 7\r\n", "7"},
+                {"Shift+Insert", shift_insert, "\t7 ", "7"},
+                {"context menu", by_menu, "7\n", "7"},
+                {"drag", dropped, " 7 ", "457"}};
+    const auto state = [](const QLineEdit& box) {
+        return std::tuple(box.text(), box.selectedText(), box.selectionStart(),
+                          box.cursorPosition(), box.isUndoAvailable(), box.isRedoAvailable());
+    };
     for (const char* name : {"txt_cv_page_0", "txt_cv_page_1", "txt_cv_nummer", "txt_cv_wert"}) {
-        SCOPED_TRACE(name);
-        field(name).setText(QStringLiteral("12"));
-        field(name).setFocus();
-        EXPECT_TRUE(all_selected(name));
-        type("a-1 .b,2+e");
-        EXPECT_EQ(text(name), "12");
-        press(Qt::Key_Backspace);
-        EXPECT_EQ(text(name), "1");
-        QApplication::clipboard()->setText(QStringLiteral(" 4x5\n"));
-        field(name).paste();
-        EXPECT_EQ(text(name), "145");
-        field(name).clear();
+        for (const auto& way : ways) {
+            SCOPED_TRACE(std::string(name) + ", " + way.name);
+            QLineEdit& box = field(name);
+            const auto rejects_all = [&] {
+                const auto before = state(box);
+                for (const char* text : {"-", "x", " ", "5x", "4 5", "-5", "²", "٣"}) {
+                    way.bring(box, QString::fromUtf8(text));
+                    EXPECT_EQ(state(box), before) << text;
+                }
+            };
+            box.setText(QStringLiteral("12"));
+            box.setFocus();
+            box.selectAll();
+            rejects_all();
+            type("45");
+            rejects_all();
+            press(Qt::Key_Z, Qt::ControlModifier);
+            rejects_all(); // with a selection, and with typing that can be done again
+            press(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+            EXPECT_EQ(text(name), "45");
+            box.selectAll();
+            way.bring(box, QString::fromUtf8(way.accepted));
+            EXPECT_EQ(text(name), way.then);
+            press(Qt::Key_Z, Qt::ControlModifier);
+            EXPECT_EQ(text(name), "45");
+            box.setText(QStringLiteral("4x")); // as screen readers do
+            EXPECT_EQ(text(name), "45");
+        }
     }
-    field("txt_cv_wert").setText(QStringLiteral("123"));
     QTest::mouseClick(&field("txt_cv_nummer"), Qt::LeftButton);
     QTest::mouseClick(&field("txt_cv_wert"), Qt::LeftButton);
     QTest::mouseClick(&field("txt_cv_wert"), Qt::LeftButton); // also when it has the focus already
     EXPECT_TRUE(all_selected("txt_cv_wert"));
+}
+
+TEST_F(Cv_Panel_Test, a_negative_value_of_the_library_stays_until_digits_replace_it) {
+    write({cv(3, -5), cv(4, 44)});
+    click_row(cvs(), 0);
+    EXPECT_EQ(text("txt_cv_wert"), "-5");
+    press(Qt::Key_Return);
+    EXPECT_THAT(fields(), ElementsAre("0", "1", "4", "44"));
+    click_row(cvs(), 0);
+    press(Qt::Key_End);
+    type("7");
+    press(Qt::Key_Backspace); // "-" alone would be no number
+    EXPECT_EQ(text("txt_cv_wert"), "-5");
+    press(Qt::Key_Return);
+    EXPECT_THAT(cv_rows(), ElementsAre("CV#3=-5", "CV#4=44"));
+    click_row(cvs(), 0);
+    type("6");
+    press(Qt::Key_Return);
+    EXPECT_THAT(cv_rows(), ElementsAre("CV#3=6", "CV#4=44"));
 }
 
 TEST_F(Cv_Panel_Test, without_a_set_nothing_is_stored_and_the_reason_is_said) {

@@ -209,6 +209,17 @@ TEST_F(Extras_Test, coming_to_the_front_shows_what_another_copy_has_done) {
     EXPECT_EQ(selected(cvs()), chosen);
     EXPECT_THAT(cv_rows(), testing::Contains("CV#1000=5"));
 
+    const std::string below = row(sets(), sets().current_row() + 1);
+    {
+        store::clsDBConn other(disk);
+        other.Connection_Start(QString::fromUtf8(default_path));
+        ASSERT_TRUE(other.DB_Del_CVSet(sets().selected_key()));
+    }
+    leave_and_return();
+    EXPECT_THAT(selected(sets()), ElementsAre(below));
+    EXPECT_EQ(status(), "CV-Set „" + set[0] + "“ ist nicht mehr vorhanden. Gewählt ist jetzt „" +
+                            below + "“.");
+
     disk.set_bytes("/home/anna/other", disk.bytes(template_path));
     disk.rename("/home/anna/other", default_path);
     leave_and_return();
