@@ -42,21 +42,12 @@ struct Cell {
     Value value;
 };
 
-/// Why nothing can be changed in a file or in a table.
-enum class Blocked {
-    no,
-    write_protected, ///< the file or the medium, or opened read-only
-    jet3,            ///< the format of 1997 is only read
-    damaged,         ///< found by the check before the first write, or met later
-    foreign_index, ///< an index whose keys we cannot compute (another collation or an unknown type)
-    replaced       ///< the path no longer names the file that is open
-};
-
 /// How a file was found.
 struct Status {
     bool jet3 = false;
     Blocked blocked = Blocked::no; ///< for the whole file; see also Table::blocked()
     std::string detail;            ///< the reason in plain English, for the log
+    std::string journal_owner;     ///< whose journal it is that keeps it from being written
     bool recovered = false;        ///< an interrupted change was undone at opening
     std::string set_aside;         ///< new name of a journal that could not be applied to this file
     /// One of this file was spoiled (and may be the one set aside): a change may be half written.
