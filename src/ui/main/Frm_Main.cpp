@@ -173,7 +173,8 @@ void Frm_Main::show_title() {
                        : text(Text::title_closed));
     const bool blocked = database_.Connection_Active() && !database_.writable();
     write_protected_->setVisible(blocked);
-    write_protected_->setToolTip(reason(database_.opening().blocked));
+    const store::Opening opening = database_.opening();
+    write_protected_->setToolTip(reason(opening.blocked, opening.journal_owner));
 }
 
 QString Frm_Main::status() const { return status_->text(); }

@@ -63,7 +63,8 @@ void Frm_Main::say_opening() {
     QStringList parts{
         text(Text::opened).arg(app::globals.Database_File).arg(database_.Get_Anz_CVSets())};
     if (!database_.writable()) {
-        parts.append(text(Text::write_protected) + u": "_qs + reason(opening.blocked));
+        parts.append(text(Text::write_protected) + u": "_qs +
+                     reason(opening.blocked, opening.journal_owner));
     }
     if (opening.recovered) parts.append(text(Text::recovered));
     if (opening.journal_spoiled) parts.append(text(Text::journal_spoiled));
