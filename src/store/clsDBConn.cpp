@@ -58,6 +58,20 @@ Blocked translated(ado::Blocked blocked) {
         return Blocked::foreign_index;
     case ado::Blocked::replaced:
         return Blocked::replaced;
+    case ado::Blocked::second_name:
+        return Blocked::second_name;
+    case ado::Blocked::journal_doubted:
+        return Blocked::journal_doubted;
+    case ado::Blocked::journal_barred:
+        return Blocked::journal_barred;
+    case ado::Blocked::journal_no_file:
+        return Blocked::journal_no_file;
+    case ado::Blocked::journal_name:
+        return Blocked::journal_name;
+    case ado::Blocked::journal_rights:
+        return Blocked::journal_rights;
+    case ado::Blocked::folder_hidden:
+        return Blocked::folder_hidden;
     }
     return Blocked::damaged;
 }
@@ -222,6 +236,7 @@ Opening clsDBConn::opening() const {
             .blocked = inside_->blocked(),
             .blocked_detail = QString::fromStdString(status.detail),
             .lost_end = inside_->lost_end(),
+            .journal_owner = QString::fromStdString(status.journal_owner),
             .recovered = status.recovered,
             .journal_set_aside = QString::fromStdString(status.set_aside),
             .journal_spoiled = status.journal_spoiled,

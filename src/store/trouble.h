@@ -39,10 +39,17 @@ enum class Blocked {
     write_protected, ///< the file or the medium
     jet3,            ///< the format of Access 97 is only read
     damaged,
-    cut_off,       ///< the end of the file is missing
-    no_cvs,        ///< the table CVs, or a column of it, is missing
-    foreign_index, ///< a table with an index whose keys we cannot compute
-    replaced       ///< the path no longer names the file that is open
+    cut_off,         ///< the end of the file is missing
+    no_cvs,          ///< the table CVs, or a column of it, is missing
+    foreign_index,   ///< a table with an index whose keys we cannot compute
+    replaced,        ///< the path no longer names the file that is open
+    second_name,     ///< a hard link
+    journal_doubted, ///< a journal with a change in it, by somebody who may not write the library
+    journal_barred,  ///< what lies in its place is another user's
+    journal_no_file, ///< a folder, a pipe or a link lies in its place
+    journal_name,    ///< its name would be too long
+    journal_rights,  ///< it cannot get the rights that all who write the library need
+    folder_hidden    ///< names in the folder cannot be made safe
 };
 
 /// Whether what is shown may be only a part of the library.
@@ -64,6 +71,7 @@ struct Opening {
     bool jet3 = false; ///< else Jet 4 (Access 2000 to 2003)
     Blocked blocked = Blocked::no;
     QString blocked_detail;
+    QString journal_owner;        ///< of the journal that stands in the way
     Lost_End lost_end;            ///< for Blocked::cut_off
     bool recovered = false;       ///< an interrupted change was undone
     QString journal_set_aside;    ///< new name of a journal that could not be applied, else empty

@@ -37,6 +37,12 @@ private:
         }
         files::Identity identity() override { return below_->identity(); }
         std::uint64_t stamp() override { return below_->stamp(); }
+        files::Standing standing() override { return below_->standing(); }
+        void set_owner(files::User owner, files::Group group) noexcept override {
+            below_->set_owner(owner, group);
+        }
+        void set_mode(std::uint32_t mode) noexcept override { below_->set_mode(mode); }
+        bool counts_short_names() override { return below_->counts_short_names(); }
 
     private:
         Interrupted_Disk& disk_;

@@ -34,6 +34,10 @@ public:
     }
     Identity identity() override { return live_->identity(); }
     std::uint64_t stamp() override { return live_->stamp(); }
+    Standing standing() override { return live_->standing(); }
+    void set_owner(User owner, Group group) noexcept override { live_->set_owner(owner, group); }
+    void set_mode(std::uint32_t mode) noexcept override { live_->set_mode(mode); }
+    bool counts_short_names() override { return live_->counts_short_names(); }
 
 private:
     Crash_Disk& disk_;
@@ -102,7 +106,7 @@ Memory_Disk Crash_Disk::after_power_loss(const Fates& fates, std::mt19937& torn)
 
 std::unique_ptr<File> Crash_Disk::open(const std::string& path, Access access) {
     const bool existed = live_.file_exists(path);
-    const bool makes = access == Access::create_new || access == Access::create_or_empty;
+    const bool makes = access != Access::read && access != Access::read_write;
     if (makes) announce();
     auto file = live_.open(path, access);
     const std::uint64_t inode = file->identity().inode;

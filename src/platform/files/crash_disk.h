@@ -11,7 +11,8 @@ namespace files {
 /// of power would leave at any moment. Contents reach the medium when their file is synced, names
 /// (made, removed, changed; those of folders too) when their folder is. Each change that is under
 /// way may be kept, lost or torn on its own: a later one may arrive without an earlier one. Sectors
-/// of 512 bytes are written whole or not at all. Open files must not outlive it.
+/// of 512 bytes are written whole or not at all. Owners and modes are not remembered: found again,
+/// all is the user's. Open files must not outlive it.
 class Crash_Disk : public Disk {
 public:
     using Bytes = Memory_Disk::Bytes;
@@ -32,6 +33,10 @@ public:
     Memory_Disk after_power_loss(const Fates& fates, std::mt19937& torn) const;
 
     std::unique_ptr<File> open(const std::string& path, Access access) override;
+    std::unique_ptr<File> open_no_link(const std::string& path, Access access) override {
+        return open(path, access);
+    }
+    std::optional<Look> look(const std::string& path) override { return live_.look(path); }
     std::optional<Identity> identity(const std::string& path) override {
         return live_.identity(path);
     }
@@ -40,9 +45,12 @@ public:
     void remove(const std::string& path) override;
     void rename(const std::string& from, const std::string& to) override;
     void sync_folder(const std::string& path) override;
+    void try_folder(const std::string& path) override { live_.try_folder(path); }
     std::vector<std::string> files_in(const std::string& folder) override {
         return live_.files_in(folder);
     }
+    User user() override { return live_.user(); }
+    bool is_member(User user, Group group) override { return live_.is_member(user, group); }
 
 private:
     friend class Crash_File;

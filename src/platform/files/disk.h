@@ -19,6 +19,8 @@ enum class Failure {
     denied,           ///< the rights are missing
     read_only,        ///< write-protected file or file system
     locked_elsewhere, ///< another open file description holds the lock
+    no_file,          ///< a folder, a pipe, or a link where none is followed
+    name_too_long,
     disk_full,
     device ///< any other failure of the medium
 };
@@ -33,7 +35,13 @@ struct Error : std::runtime_error {
     std::string detail;
 };
 
-enum class Access { read, read_write, create_new, create_or_empty };
+enum class Access {
+    read,
+    read_write,
+    create_new,
+    create_private, ///< as create_new; nobody but its owner may open it before others are let in
+    create_or_empty
+};
 
 enum class Lock { none, shared, exclusive };
 
@@ -43,6 +51,26 @@ struct Identity {
     std::uint64_t device = 0;
     std::uint64_t inode = 0;
     bool operator==(const Identity&) const = default;
+};
+
+using User = std::uint32_t;
+using Group = std::uint32_t;
+
+/// Whose a file is, who may do what with it, and under how many names (hard links) it stands.
+struct Standing {
+    User owner = 0;
+    Group group = 0;
+    std::uint32_t mode = 0; ///< rwxrwxrwx: for the owner, members of the group, all others
+    std::uint64_t names = 1;
+    bool operator==(const Standing&) const = default;
+};
+
+/// What stands under a name.
+struct Look {
+    Identity identity;
+    bool is_file = true; ///< no folder, pipe or link
+    std::uint64_t size = 0;
+    Standing standing;
 };
 
 /// One open file description; closing it drops its lock.
@@ -66,6 +94,14 @@ public:
     /// A number that moves when the content is written, as finely as the medium tells: another
     /// number proves a change, the same one proves nothing.
     virtual std::uint64_t stamp() = 0;
+    virtual Standing standing() = 0;
+    /// Changes owner, group and mode as far as the system allows; what came of it is seen by asking
+    /// again.
+    virtual void set_owner(User owner, Group group) noexcept = 0;
+    virtual void set_mode(std::uint32_t mode) noexcept = 0;
+    /// Whether the medium may count a short name that it keeps beside the real one as a second
+    /// name.
+    virtual bool counts_short_names() = 0;
 };
 
 /// Folders and names: the real disk, one in memory, and ones that fail on request.
@@ -74,6 +110,10 @@ class Disk {
 public:
     virtual ~Disk() = default;
     virtual std::unique_ptr<File> open(const std::string& path, Access access) = 0;
+    /// The same, but a link in the last place is refused (no_file).
+    virtual std::unique_ptr<File> open_no_link(const std::string& path, Access access) = 0;
+    /// What the name stands for, a link for itself. @return nothing when there is nothing.
+    virtual std::optional<Look> look(const std::string& path) = 0;
     /// @return nothing when no file has this name (a folder is no file).
     virtual std::optional<Identity> identity(const std::string& path) = 0;
     virtual bool folder_exists(const std::string& path) = 0;
@@ -83,20 +123,34 @@ public:
     virtual void rename(const std::string& from, const std::string& to) = 0;
     /// Returns when names made, changed or removed in the folder are on the medium.
     virtual void sync_folder(const std::string& path) = 0;
+    /// Throws what sync_folder would for want of rights, without waiting for the medium.
+    virtual void try_folder(const std::string& path) = 0;
     /// Names (not paths) of the files in the folder, sorted.
     virtual std::vector<std::string> files_in(const std::string& folder) = 0;
 
     /// The path behind links; the path itself where there are none.
     virtual std::string resolve(const std::string& path) { return path; }
-    /// Gives the file `to` the rights of the file `from`, as far as the system allows. Throws
-    /// nothing.
-    virtual void copy_rights(const std::string& /*from*/, const std::string& /*to*/) {}
+    virtual User user() = 0; ///< whose rights the program has
+    /// Whether the list of users says so, whoever may be logged in.
+    virtual bool is_member(User user, Group group) = 0;
+    /// The name for people; the number where there is none.
+    virtual std::string user_name(User user) { return std::to_string(user); }
 
     bool file_exists(const std::string& path) { return identity(path).has_value(); }
 };
 
 /// "a/b.mdb" -> "a", "/b.mdb" -> "/", "b.mdb" -> "".
 std::string folder_of(const std::string& path);
+
+constexpr User administrator = 0;
+
+/// Whether the mode of a file lets the user write, or makes the file his to change.
+bool may_write(Disk& disk, User user, const Standing& file);
+/// Gives a file that was just made the group and mode of another, and the owner too where we may.
+/// Where the group is refused, the file's own gets no more than everybody.
+void give_standing(Disk& disk, File& file, const Standing& of);
+/// Whether the open file, found at this path, has no second name. A short name is none.
+bool has_one_name(Disk& disk, File& file, const std::string& path);
 
 /// The disk of this computer.
 Disk& real_disk();

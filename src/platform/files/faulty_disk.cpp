@@ -46,6 +46,10 @@ public:
     }
     Identity identity() override { return below_->identity(); }
     std::uint64_t stamp() override { return below_->stamp(); }
+    Standing standing() override { return below_->standing(); }
+    void set_owner(User owner, Group group) noexcept override { below_->set_owner(owner, group); }
+    void set_mode(std::uint32_t mode) noexcept override { below_->set_mode(mode); }
+    bool counts_short_names() override { return below_->counts_short_names(); }
 
 private:
     Faulty_Disk& disk_;
@@ -88,6 +92,16 @@ std::unique_ptr<File> Faulty_Disk::open(const std::string& path, Access access) 
     return std::make_unique<Faulty_File>(*this, below_.open(path, access), path);
 }
 
+std::unique_ptr<File> Faulty_Disk::open_no_link(const std::string& path, Access access) {
+    pass(Call::open, path);
+    return std::make_unique<Faulty_File>(*this, below_.open_no_link(path, access), path);
+}
+
+std::optional<Look> Faulty_Disk::look(const std::string& path) {
+    pass(Call::look, path);
+    return below_.look(path);
+}
+
 std::optional<Identity> Faulty_Disk::identity(const std::string& path) {
     pass(Call::look, path);
     return below_.identity(path);
@@ -116,6 +130,11 @@ void Faulty_Disk::rename(const std::string& from, const std::string& to) {
 void Faulty_Disk::sync_folder(const std::string& path) {
     pass(Call::sync_folder, path);
     below_.sync_folder(path);
+}
+
+void Faulty_Disk::try_folder(const std::string& path) {
+    pass(Call::folder, path);
+    below_.try_folder(path);
 }
 
 std::vector<std::string> Faulty_Disk::files_in(const std::string& folder) {

@@ -42,17 +42,20 @@ public:
     int calls(Call call) const { return calls_[static_cast<std::size_t>(call)]; }
 
     std::unique_ptr<File> open(const std::string& path, Access access) override;
+    std::unique_ptr<File> open_no_link(const std::string& path, Access access) override;
+    std::optional<Look> look(const std::string& path) override;
     std::optional<Identity> identity(const std::string& path) override;
     bool folder_exists(const std::string& path) override;
     void make_folder(const std::string& path) override;
     void remove(const std::string& path) override;
     void rename(const std::string& from, const std::string& to) override;
     void sync_folder(const std::string& path) override;
+    void try_folder(const std::string& path) override;
     std::vector<std::string> files_in(const std::string& folder) override;
     std::string resolve(const std::string& path) override { return below_.resolve(path); }
-    void copy_rights(const std::string& from, const std::string& to) override {
-        below_.copy_rights(from, to);
-    }
+    User user() override { return below_.user(); }
+    bool is_member(User user, Group group) override { return below_.is_member(user, group); }
+    std::string user_name(User user) override { return below_.user_name(user); }
 
     /// Counts the call. Throws the Error that is due.
     void pass(Call call, const std::string& path);

@@ -8,6 +8,8 @@ struct Memory_Disk::Node {
     std::uint64_t inode = 0;
     std::uint64_t changes = 0;
     bool write_protected = false;
+    bool special = false;
+    Standing standing; ///< the number of names is counted when asked for
     Bytes bytes;
     std::map<const File*, Lock> locks;
 
@@ -19,12 +21,11 @@ struct Memory_Disk::Node {
     }
 };
 
-namespace {
-
 class Memory_File final : public File {
 public:
-    Memory_File(std::shared_ptr<Memory_Disk::Node> node, std::string path, bool writable)
-        : node_(std::move(node)), path_(std::move(path)), writable_(writable) {}
+    Memory_File(Memory_Disk& disk, std::shared_ptr<Memory_Disk::Node> node, std::string path,
+                bool writable)
+        : disk_(disk), node_(std::move(node)), path_(std::move(path)), writable_(writable) {}
     ~Memory_File() override { node_->locks.erase(this); }
     Memory_File(const Memory_File&) = delete;
     Memory_File& operator=(const Memory_File&) = delete;
@@ -56,19 +57,32 @@ public:
     }
     Identity identity() override { return {1, node_->inode}; }
     std::uint64_t stamp() override { return node_->changes; }
+    Standing standing() override { return disk_.standing(*node_); }
+    void set_owner(User owner, Group group) noexcept override {
+        const bool allowed = may_change() && disk_.is_member(disk_.user_, group);
+        if (disk_.user_ == administrator && !disk_.shown_) node_->standing.owner = owner;
+        if (disk_.user_ == administrator || allowed) node_->standing.group = group;
+    }
+    void set_mode(std::uint32_t mode) noexcept override {
+        if (may_change()) node_->standing.mode = mode;
+    }
+    bool counts_short_names() override { return disk_.short_names_; }
 
 private:
+    bool may_change() const {
+        if (disk_.shown_) return !disk_.shown_->mode;
+        return disk_.user_ == administrator || disk_.user_ == node_->standing.owner;
+    }
     void allow_writing() {
         if (!writable_) throw Error(Failure::denied, path_, "open for reading only");
         ++node_->changes;
     }
 
+    Memory_Disk& disk_;
     std::shared_ptr<Memory_Disk::Node> node_;
     std::string path_;
     bool writable_;
 };
-
-} // namespace
 
 std::shared_ptr<Memory_Disk::Node> Memory_Disk::node(const std::string& path) const {
     const auto found = files_.find(path);
@@ -84,23 +98,60 @@ void Memory_Disk::check_folder_of(const std::string& path) const {
         throw Error(Failure::not_found, path, "no such folder");
 }
 
+Standing Memory_Disk::standing(const Node& node) const {
+    Standing found = node.standing;
+    found.names = static_cast<std::uint64_t>(std::ranges::count_if(
+        files_, [&](const auto& named) { return named.second.get() == &node; }));
+    if (short_names_) ++found.names;
+    return found;
+}
+
+void Memory_Disk::allow(const Node& node, Access access, const std::string& path) {
+    if (node.special) throw Error(Failure::no_file, path, "not a file");
+    if (user_ == administrator || shown_) return;
+    const Standing& standing = node.standing;
+    const unsigned shift = user_ == standing.owner ? 6 : is_member(user_, standing.group) ? 3 : 0;
+    const unsigned wanted = access == Access::read ? 4 : 6;
+    if ((standing.mode >> shift & wanted) != wanted)
+        throw Error(Failure::denied, path, "no rights");
+}
+
 std::unique_ptr<File> Memory_Disk::open(const std::string& path, Access access) {
-    if (access == Access::create_new && files_.contains(path))
-        throw Error(Failure::exists, path, "file exists");
-    if (access == Access::create_new ||
-        (access == Access::create_or_empty && !files_.contains(path))) {
+    const bool taken = files_.contains(path);
+    const bool makes = access == Access::create_new || access == Access::create_private;
+    if (makes && taken) throw Error(Failure::exists, path, "file exists");
+    if (makes || (access == Access::create_or_empty && !taken)) {
         check_folder_of(path);
-        files_[path] = std::make_shared<Node>();
-        files_[path]->inode = ++last_inode_;
+        if (path.size() - path.find_last_of('/') - 1 > 255)
+            throw Error(Failure::name_too_long, path, "name too long");
+        auto& made = files_[path] = std::make_shared<Node>();
+        made->inode = ++last_inode_;
+        made->standing = {user_, user_, access == Access::create_private ? 0600U : 0644U, 1};
+        if (shown_) made->standing.owner = made->standing.group = shown_->owner;
+        if (shown_ && shown_->mode) made->standing.mode = *shown_->mode;
+        return std::make_unique<Memory_File>(*this, made, path, true);
     }
     auto found = node(path);
     if (access != Access::read && found->write_protected)
         throw Error(Failure::denied, path, "file is protected");
+    allow(*found, access, path);
     if (access == Access::create_or_empty) {
         found->bytes.clear();
         ++found->changes;
     }
-    return std::make_unique<Memory_File>(found, path, access != Access::read);
+    return std::make_unique<Memory_File>(*this, found, path, access != Access::read);
+}
+
+std::unique_ptr<File> Memory_Disk::open_no_link(const std::string& path, Access access) {
+    return open(path, access);
+}
+
+std::optional<Look> Memory_Disk::look(const std::string& path) {
+    const auto found = files_.find(path);
+    if (found == files_.end())
+        return folders_.contains(path) ? std::optional(Look{{}, false, 0, {}}) : std::nullopt;
+    const Node& node = *found->second;
+    return Look{{1, node.inode}, !node.special, node.bytes.size(), standing(node)};
 }
 
 std::optional<Identity> Memory_Disk::identity(const std::string& path) {
@@ -133,7 +184,10 @@ void Memory_Disk::rename(const std::string& from, const std::string& to) {
 
 void Memory_Disk::sync_folder(const std::string& path) {
     if (!folder_exists(path)) throw Error(Failure::not_found, path, "no such folder");
+    if (hidden_folders_.contains(path)) throw Error(Failure::denied, path, "folder is hidden");
 }
+
+void Memory_Disk::try_folder(const std::string& path) { Memory_Disk::sync_folder(path); }
 
 std::vector<std::string> Memory_Disk::files_in(const std::string& folder) {
     if (!folder_exists(folder)) throw Error(Failure::not_found, folder, "no such folder");
@@ -149,9 +203,20 @@ void Memory_Disk::set_bytes(const std::string& path, const Bytes& content) {
     open(path, Access::create_or_empty)->write_at(0, content);
 }
 
+void Memory_Disk::set_standing(const std::string& path, const Standing& standing) {
+    node(path)->standing = standing;
+}
+
+void Memory_Disk::link(const std::string& path, const std::string& second_name) {
+    files_[second_name] = node(path);
+}
+
+void Memory_Disk::make_special(const std::string& path) { node(path)->special = true; }
+
 void Memory_Disk::restore(const std::string& path, const Bytes& content, Identity identity) {
     files_[path] = std::make_shared<Node>();
     files_[path]->inode = identity.inode;
+    files_[path]->standing = {user_, user_, 0644, 1};
     files_[path]->bytes = content;
     last_inode_ = std::max(last_inode_, identity.inode);
 }

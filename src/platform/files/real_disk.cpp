@@ -6,10 +6,15 @@
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
+#include <grp.h>
+#include <linux/magic.h>
+#include <pwd.h>
 #include <sys/stat.h>
+#include <sys/statfs.h>
 #include <system_error>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 
 namespace files {
 namespace {
@@ -19,9 +24,12 @@ struct Errno_Kind {
     Failure kind;
 };
 constexpr Errno_Kind errno_kinds[] = {
-    {ENOENT, Failure::not_found}, {ENOTDIR, Failure::not_found}, {EEXIST, Failure::exists},
-    {EACCES, Failure::denied},    {EPERM, Failure::denied},      {EROFS, Failure::read_only},
-    {ENOSPC, Failure::disk_full}, {EDQUOT, Failure::disk_full},  {EFBIG, Failure::disk_full},
+    {ENOENT, Failure::not_found}, {ENOTDIR, Failure::not_found},
+    {EEXIST, Failure::exists},    {EACCES, Failure::denied},
+    {EPERM, Failure::denied},     {EROFS, Failure::read_only},
+    {ENOSPC, Failure::disk_full}, {EDQUOT, Failure::disk_full},
+    {EFBIG, Failure::disk_full},  {ELOOP, Failure::no_file},
+    {ENXIO, Failure::no_file},    {ENAMETOOLONG, Failure::name_too_long},
 };
 
 [[noreturn]] void fail(const std::string& path, int number = errno) {
@@ -44,6 +52,11 @@ Identity identity_of(const struct stat& status) {
     return {static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino)};
 }
 
+Standing standing_of(const struct stat& status) {
+    return {status.st_uid, status.st_gid, status.st_mode & 0777,
+            static_cast<std::uint64_t>(status.st_nlink)};
+}
+
 class Real_File final : public File {
 public:
     Real_File(int handle, std::string path) : handle_(handle), path_(std::move(path)) {}
@@ -63,6 +76,15 @@ public:
     bool lock(Lock wanted, std::chrono::milliseconds patience) override;
     Identity identity() override { return identity_of(status()); }
     std::uint64_t stamp() override;
+    Standing standing() override { return standing_of(status()); }
+    void set_owner(User owner, Group group) noexcept override {
+        if (::fchown(handle_, owner, group) == 0) return;
+        static_cast<void>(::fchown(handle_, static_cast<uid_t>(-1), group) + 0);
+    }
+    void set_mode(std::uint32_t mode) noexcept override {
+        static_cast<void>(::fchmod(handle_, mode));
+    }
+    bool counts_short_names() override;
     struct stat status() {
         struct stat result {};
         if (::fstat(handle_, &result) < 0) fail(path_);
@@ -125,16 +147,35 @@ std::uint64_t Real_File::stamp() {
     return nanoseconds(found.st_mtim) * 31 + nanoseconds(found.st_ctim);
 }
 
-std::optional<struct stat> status_of(const std::string& path) {
+/// NTFS keeps short names, and the driver that shows it through FUSE counts them.
+bool Real_File::counts_short_names() {
+    struct statfs found {};
+    return ::fstatfs(handle_, &found) == 0 && found.f_type == FUSE_SUPER_MAGIC;
+}
+
+/// @param flags of fstatat
+std::optional<struct stat> status_of(const std::string& path, int flags = 0) {
     struct stat result {};
-    if (::stat(path.c_str(), &result) == 0) return result;
-    if (errno == ENOENT || errno == ENOTDIR) return std::nullopt;
+    if (::fstatat(AT_FDCWD, path.c_str(), &result, flags) == 0) return result;
+    // Nothing can have a name that is too long, either.
+    if (errno == ENOENT || errno == ENOTDIR || errno == ENAMETOOLONG) return std::nullopt;
     fail(path);
 }
 
 class Real_Disk final : public Disk {
 public:
-    std::unique_ptr<File> open(const std::string& path, Access access) override;
+    std::unique_ptr<File> open(const std::string& path, Access access) override {
+        return open_with(path, access, 0);
+    }
+    std::unique_ptr<File> open_no_link(const std::string& path, Access access) override {
+        return open_with(path, access, O_NOFOLLOW);
+    }
+    std::optional<Look> look(const std::string& path) override {
+        const auto found = status_of(path, AT_SYMLINK_NOFOLLOW);
+        if (!found) return std::nullopt;
+        return Look{identity_of(*found), S_ISREG(found->st_mode),
+                    static_cast<std::uint64_t>(found->st_size), standing_of(*found)};
+    }
     std::optional<Identity> identity(const std::string& path) override {
         const auto found = status_of(path);
         return found && !S_ISDIR(found->st_mode) ? std::optional(identity_of(*found))
@@ -154,36 +195,49 @@ public:
         if (::rename(from.c_str(), to.c_str()) < 0) fail(to);
     }
     void sync_folder(const std::string& path) override;
+    void try_folder(const std::string& path) override { ::close(open_folder(path)); }
     std::vector<std::string> files_in(const std::string& folder) override;
     std::string resolve(const std::string& path) override;
-    void copy_rights(const std::string& from, const std::string& to) override;
+    User user() override { return ::geteuid(); }
+    bool is_member(User user, Group group) override;
+    std::string user_name(User user) override;
+
+private:
+    static std::unique_ptr<File> open_with(const std::string& path, Access access, int more_flags);
+    static int open_folder(const std::string& path);
 };
 
-std::unique_ptr<File> Real_Disk::open(const std::string& path, Access access) {
-    constexpr int flags[] = {O_RDONLY, O_RDWR, O_RDWR | O_CREAT | O_EXCL,
+std::unique_ptr<File> Real_Disk::open_with(const std::string& path, Access access, int more_flags) {
+    constexpr int flags[] = {O_RDONLY, O_RDWR, O_RDWR | O_CREAT | O_EXCL, O_RDWR | O_CREAT | O_EXCL,
                              O_RDWR | O_CREAT | O_TRUNC};
     // O_NONBLOCK: a pipe of that name must not hang the program; on files it means nothing.
-    const int flag = flags[static_cast<std::size_t>(access)] | O_CLOEXEC | O_NONBLOCK;
-    const int handle = persistently([&] { return ::open(path.c_str(), flag, 0666); });
+    const int flag = flags[static_cast<std::size_t>(access)] | O_CLOEXEC | O_NONBLOCK | more_flags;
+    const mode_t mode = access == Access::create_private ? 0600 : 0666;
+    const int handle = persistently([&] { return ::open(path.c_str(), flag, mode); });
     if (handle < 0) fail(path);
     auto file = std::make_unique<Real_File>(handle, path);
     const struct stat found = file->status();
-    if (!S_ISREG(found.st_mode)) throw Error(Failure::device, path, "not a file");
+    if (!S_ISREG(found.st_mode)) throw Error(Failure::no_file, path, "not a file");
     // The administrator may write everything; whoever took the write permission off a file meant
     // it.
     if (access == Access::read_write && (found.st_mode & 0222) == 0) fail(path, EACCES);
     return file;
 }
 
-void Real_Disk::sync_folder(const std::string& path) {
+int Real_Disk::open_folder(const std::string& path) {
     const std::string& name = path.empty() ? "." : path;
     const int handle =
         persistently([&] { return ::open(name.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
     if (handle < 0) fail(name);
+    return handle;
+}
+
+void Real_Disk::sync_folder(const std::string& path) {
+    const int handle = open_folder(path);
     const int result = persistently([&] { return ::fsync(handle); });
     const int reason = errno;
     ::close(handle);
-    if (result < 0 && reason != EINVAL) fail(name, reason); // EINVAL: a file system without it
+    if (result < 0 && reason != EINVAL) fail(path, reason); // EINVAL: a file system without it
 }
 
 std::vector<std::string> Real_Disk::files_in(const std::string& folder) {
@@ -207,13 +261,36 @@ std::string Real_Disk::resolve(const std::string& path) {
     return found ? found.get() : path;
 }
 
-void Real_Disk::copy_rights(const std::string& from, const std::string& to) {
-    struct stat found {};
-    if (::stat(from.c_str(), &found) < 0) return;
-    // The group first: changing it takes special bits away. Foreign groups are refused, and that is
-    // fine.
-    if (::chown(to.c_str(), static_cast<uid_t>(-1), found.st_gid) < 0) found.st_mode &= ~07070U;
-    static_cast<void>(::chmod(to.c_str(), found.st_mode & 0777));
+/// The entry of the user in the system's list, or nothing.
+template <class Use>
+auto with_entry(User user, Use use) -> decltype(use(std::declval<const struct passwd&>())) {
+    std::vector<char> room(std::size_t{16} << 10);
+    struct passwd entry {};
+    struct passwd* found = nullptr;
+    while (::getpwuid_r(user, &entry, room.data(), room.size(), &found) == ERANGE &&
+           room.size() < std::size_t{1} << 20)
+        room.resize(2 * room.size());
+    return found ? use(*found) : decltype(use(entry)){};
+}
+
+bool Real_Disk::is_member(User user, Group group) {
+    return with_entry(user, [&](const struct passwd& entry) {
+        std::vector<gid_t> groups(64);
+        auto count = static_cast<int>(groups.size());
+        while (::getgrouplist(entry.pw_name, entry.pw_gid, groups.data(), &count) < 0 &&
+               groups.size() < 65536) {
+            groups.resize(std::max(static_cast<std::size_t>(count), 2 * groups.size()));
+            count = static_cast<int>(groups.size());
+        }
+        groups.resize(std::min(groups.size(), static_cast<std::size_t>(std::max(count, 0))));
+        return std::ranges::find(groups, group) != groups.end();
+    });
+}
+
+std::string Real_Disk::user_name(User user) {
+    const auto name =
+        with_entry(user, [](const struct passwd& entry) { return std::string(entry.pw_name); });
+    return name.empty() ? Disk::user_name(user) : name;
 }
 
 } // namespace

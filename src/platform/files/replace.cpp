@@ -9,22 +9,23 @@ const std::string mark = ".new";
 
 } // namespace
 
-Replacement::Replacement(Disk& disk, const std::string& path)
+Replacement::Replacement(Disk& disk, const std::string& path, File* rights_of)
     : disk_(disk), path_(disk.resolve(path)) {
-    replaces_ = disk_.file_exists(path_);
+    std::unique_ptr<File> replaced;
     // Renaming asks nobody for the rights of the file that goes.
-    if (replaces_) static_cast<void>(disk_.open(path_, Access::read_write));
-    open_beside();
-    if (replaces_) disk_.copy_rights(path_, beside_); // before anything private is in it
+    if (disk_.file_exists(path_)) replaced = disk_.open(path_, Access::read_write);
+    if (replaced) rights_of = replaced.get();
+    open_beside(rights_of ? Access::create_private : Access::create_new);
+    if (rights_of) give_standing(disk_, *file_, rights_of->standing());
 }
 
-void Replacement::open_beside() {
+void Replacement::open_beside(Access access) {
     // A crash may have left such a file, and another copy may be writing one: the next number is
     // free.
     for (int number = 1;; ++number) {
         beside_ = path_ + mark + std::to_string(number);
         try {
-            file_ = disk_.open(beside_, Access::create_new);
+            file_ = disk_.open(beside_, access);
             return;
         } catch (const Error& error) {
             if (error.kind != Failure::exists || number == 100) throw;
@@ -40,10 +41,6 @@ Replacement::~Replacement() {
     } catch (const Error&) {
         // The failure that led here is the one worth telling.
     }
-}
-
-void Replacement::take_rights_of(const std::string& other) {
-    if (!replaces_) disk_.copy_rights(other, beside_);
 }
 
 void Replacement::write(std::span<const std::byte> bytes) {
@@ -66,8 +63,7 @@ void replace_file(Disk& disk, const std::string& path, std::span<const std::byte
 
 void copy_file(Disk& disk, const std::string& from, const std::string& to, Rights rights) {
     const auto source = disk.open(from, Access::read);
-    Replacement copy(disk, to);
-    if (rights == Rights::of_source) copy.take_rights_of(from);
+    Replacement copy(disk, to, rights == Rights::of_source ? source.get() : nullptr);
     std::vector<std::byte> portion(std::size_t{1} << 20);
     std::uint64_t offset = 0;
     while (const std::size_t count = source->read_at(offset, portion)) {

@@ -10,13 +10,12 @@ class Replacement {
 public:
     /// Follows links, so that the file behind a link is replaced and not the link. The new file has
     /// the rights of the old one; one that is write-protected is not replaced (denied).
-    Replacement(Disk& disk, const std::string& path);
+    /// @param rights_of whose rights it has when it replaces nothing; null: as any new file.
+    Replacement(Disk& disk, const std::string& path, File* rights_of = nullptr);
     ~Replacement();
     Replacement(const Replacement&) = delete;
     Replacement& operator=(const Replacement&) = delete;
 
-    /// Gives the new file the rights of another one, unless it replaces a file.
-    void take_rights_of(const std::string& other);
     /// Adds to the end.
     void write(std::span<const std::byte> bytes);
     /// Syncs the content, renames, syncs the folder.
@@ -25,12 +24,11 @@ public:
     void finish();
 
 private:
-    void open_beside();
+    void open_beside(Access access);
 
     Disk& disk_;
     std::string path_;
     std::string beside_;
-    bool replaces_ = false;
     std::unique_ptr<File> file_;
     std::uint64_t written_ = 0;
 };

@@ -42,17 +42,6 @@ struct Cell {
     Value value;
 };
 
-/// Why nothing can be changed in a file or in a table.
-enum class Blocked {
-    no,
-    write_protected, ///< the file or the medium, or opened read-only
-    jet3,            ///< the format of 1997 is only read
-    damaged,         ///< found by the check before the first write, or met later
-    cut_off,         ///< the end of the file is missing; Status::lost_end says more
-    foreign_index, ///< an index whose keys we cannot compute (another collation or an unknown type)
-    replaced       ///< the path no longer names the file that is open
-};
-
 /// What a file has lost that was not copied to its end.
 struct Lost_End {
     std::uint64_t bytes = 0;            ///< missing at least
@@ -65,6 +54,7 @@ struct Status {
     bool jet3 = false;
     Blocked blocked = Blocked::no;    ///< for the whole file; see also Table::blocked()
     std::string detail;               ///< the reason in plain English, for the log
+    std::string journal_owner;        ///< whose journal it is that keeps it from being written
     std::optional<Lost_End> lost_end; ///< as it was at opening
     bool recovered = false;           ///< an interrupted change was undone at opening
     std::string set_aside; ///< new name of a journal that could not be applied to this file

@@ -10,12 +10,6 @@
 namespace jet {
 namespace {
 
-Blocked blocked_by(Failure refusal) {
-    if (refusal == Failure::unsupported) return Blocked::jet3;
-    if (refusal == Failure::damaged) return Blocked::damaged;
-    return refusal == Failure::replaced ? Blocked::replaced : Blocked::write_protected;
-}
-
 std::string first_fault(const check::Report& report) {
     for (const auto& finding : report.findings)
         if (finding.grade == check::Finding::Grade::fault) return finding.sentence;
@@ -51,8 +45,9 @@ Status Engine::status() const {
         status.blocked = blocked_;
         status.detail = blocked_detail_;
     } else if (report.refusal) {
-        status.blocked = blocked_by(report.refusal->kind);
+        status.blocked = report.refusal->blocked;
         status.detail = report.refusal->detail;
+        status.journal_owner = report.refusal->owner;
     }
     return status;
 }

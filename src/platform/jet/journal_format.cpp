@@ -3,12 +3,16 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
+#include <limits>
 #include <string_view>
 
 namespace jet {
 namespace {
 
 constexpr std::string_view magic = "CVSETJ01";
+constexpr std::size_t entries_at = 12;
+constexpr std::size_t salt_at = 16;
+constexpr std::size_t counter_at = 24;
 constexpr std::size_t head_checksum_at = journal_state_at - 8;
 constexpr std::size_t entry_head = 16;
 
@@ -45,10 +49,8 @@ private:
     std::size_t at_;
 };
 
-bool begins_like_ours(std::span<const std::byte> bytes) {
-    const auto same = [](std::byte byte, char letter) { return byte == std::byte(letter); };
-    const std::size_t length = std::min(bytes.size(), magic.size());
-    return std::ranges::equal(bytes.first(length), magic.substr(0, length), same);
+bool are_zeros(std::span<const std::byte> bytes) {
+    return std::ranges::all_of(bytes, [](std::byte byte) { return byte == std::byte{}; });
 }
 
 std::uint64_t first_word(std::span<const std::byte> bytes) {
@@ -105,13 +107,21 @@ std::vector<std::byte> encode(const Journal_Head& head) {
     return sector;
 }
 
-bool is_beginning_of_head(std::span<const std::byte> start) {
-    return std::ranges::all_of(start, [](std::byte byte) { return byte == std::byte{}; }) ||
-           (start.size() < journal_sector && begins_like_ours(start));
+bool begins_like_head(std::span<const std::byte> start) {
+    const auto same = [](std::byte byte, char letter) { return byte == std::byte(letter); };
+    const std::size_t length = std::min(start.size(), magic.size());
+    return length > 0 && std::ranges::equal(start.first(length), magic.substr(0, length), same);
+}
+
+bool is_beginning_of_first_head(std::span<const std::byte> start) {
+    if (are_zeros(start)) return true;
+    return start.size() < journal_sector && start.size() >= salt_at && begins_like_head(start) &&
+           are_zeros(start.subspan(entries_at, salt_at - entries_at)) &&
+           are_zeros(start.subspan(std::min(start.size(), counter_at)));
 }
 
 std::optional<Journal_Head> decode_head(std::span<const std::byte> sector) {
-    if (sector.size() < journal_sector || !begins_like_ours(sector) ||
+    if (sector.size() < journal_sector || !begins_like_head(sector) ||
         Number_Reader(sector, head_checksum_at).get<std::uint64_t>() !=
             journal_checksum(sector.first(head_checksum_at)))
         return std::nullopt;
@@ -145,7 +155,8 @@ std::vector<Journal_Entry> decode_table(std::span<const std::byte> bytes, std::s
     std::vector<Journal_Entry> table(bytes.size() / journal_entry_size(page_size));
     Number_Reader in(bytes);
     for (Journal_Entry& entry : table) {
-        entry.number = static_cast<Page_Number>(in.get<std::uint64_t>());
+        constexpr std::uint64_t highest = std::numeric_limits<Page_Number>::max();
+        entry.number = static_cast<Page_Number>(std::min(in.get<std::uint64_t>(), highest));
         entry.before = in.get<std::uint64_t>();
         entry.after.resize(page_size / journal_sector);
         for (std::uint64_t& sum : entry.after) sum = in.get<std::uint64_t>();

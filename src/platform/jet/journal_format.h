@@ -50,11 +50,15 @@ std::vector<std::byte> encode(const Journal_Head& head);
 /// @return nothing when the bytes are no head of ours or its checksum does not hold.
 std::optional<Journal_Head> decode_head(std::span<const std::byte> sector);
 
-/// Whether the file can be one whose first head did not get there: zeros, or ours and shorter than
-/// a head.
-bool is_beginning_of_head(std::span<const std::byte> start);
+/// Whether these first bytes of a file, at most a sector, are meant to be a head of ours.
+bool begins_like_head(std::span<const std::byte> start);
+/// Whether the file can be one whose first head did not get there: zeros, or the beginning of a
+/// head that names no operation yet. What was cut off behind one that does is not told from it when
+/// nothing is left.
+bool is_beginning_of_first_head(std::span<const std::byte> start);
 
 std::vector<std::byte> encode(std::span<const Journal_Entry> table, std::size_t page_size);
+/// A page number beyond all possible ones is given back as such, whatever its upper half says.
 std::vector<Journal_Entry> decode_table(std::span<const std::byte> bytes, std::size_t page_size);
 
 } // namespace jet

@@ -1,5 +1,7 @@
 #include "platform/jet/journal_recovery.h"
 
+#include <algorithm>
+
 namespace jet {
 namespace {
 
@@ -14,8 +16,8 @@ Page_Bytes read_whole(files::File& file, std::uint64_t offset, std::size_t count
 class Examination {
 public:
     Examination(Journal& journal, files::File& database, std::size_t page_size)
-        : journal_(journal.file()), head_(journal.head()), database_(database),
-          page_size_(page_size), size_now_(database.size()) {}
+        : journal_(journal.file()), head_(journal.head()), trust_(journal.trust(database)),
+          database_(database), page_size_(page_size), size_now_(database.size()) {}
 
     Journal_Finding result() {
         const bool known = head_.database.inode == database_.identity().inode;
@@ -24,8 +26,10 @@ public:
         // attached, a journal names another file and is still needed: the pages prove it. Where
         // they leave nothing to do, it may be the one that another file is waiting for, and is
         // kept.
-        const bool proven = finding.verdict == Verdict::take_back;
-        if (!known && !proven) finding.verdict = Verdict::foreign;
+        const bool takes = finding.verdict == Verdict::take_back;
+        const bool by_name = known && (!takes || trust_ == Journal::Trust::full);
+        if (!by_name && !(takes && evidence_)) finding.verdict = Verdict::foreign; // J11
+        for (const Journal_Entry& entry : table_) finding.numbers.push_back(entry.number);
         return finding;
     }
 
@@ -33,6 +37,7 @@ private:
     Journal_Finding judged();
     bool fits() const;
     bool read_table();
+    bool table_is_sound() const;
     bool page_0_fits();
     void compare_page(const Journal_Entry& entry);
     Verdict collect_old_pages(Journal_Finding& finding);
@@ -46,17 +51,21 @@ private:
 
     files::File& journal_;
     const Journal_Head& head_;
+    Journal::Trust trust_;
     files::File& database_;
     std::size_t page_size_;
     std::uint64_t size_now_;
     std::vector<Journal_Entry> table_;
     bool all_old_ = true;
     bool all_new_ = true;
+    bool evidence_ = false; ///< something of the operation was found in the database
 };
 
-bool Examination::fits() const {
-    return head_.page_size == page_size_ && head_.size_before <= size_now_ &&
-           size_now_ <= head_.size_after;
+bool Examination::fits() const { // J14
+    const bool whole = head_.size_before % page_size_ == 0 && head_.size_after % page_size_ == 0;
+    return head_.page_size == page_size_ && whole && head_.size_before <= size_now_ &&
+           size_now_ <= head_.size_after && head_.size_after <= largest_database &&
+           head_.entries > 0 && head_.entries <= head_.size_after / page_size_;
 }
 
 bool Examination::read_table() {
@@ -68,6 +77,19 @@ bool Examination::read_table() {
     return true;
 }
 
+/// Each page once, in order, inside the file, and every appended one among them: what is cut off
+/// was made by this operation. (J14)
+bool Examination::table_is_sound() const {
+    const auto not_ascending = [](const Journal_Entry& one, const Journal_Entry& next) {
+        return one.number >= next.number;
+    };
+    const auto added = std::ranges::count_if(
+        table_, [this](const Journal_Entry& entry) { return appended(entry); });
+    return std::ranges::adjacent_find(table_, not_ascending) == table_.end() &&
+           table_.back().number < head_.size_after / page_size_ &&
+           static_cast<std::uint64_t>(added) == (head_.size_after - head_.size_before) / page_size_;
+}
+
 bool Examination::page_0_fits() {
     const bool changed = !table_.empty() && table_.front().number == 0;
     return changed || journal_checksum(page_now(0)) == head_.page_0;
@@ -75,16 +97,20 @@ bool Examination::page_0_fits() {
 
 void Examination::compare_page(const Journal_Entry& entry) {
     const Page_Bytes now = page_now(entry.number);
-    const bool whole = now.size() == page_size_;
-    all_new_ = all_new_ && whole && sector_checksums(now) == entry.after;
+    const bool is_new = now.size() == page_size_ && sector_checksums(now) == entry.after;
+    evidence_ = evidence_ || (is_new && appended(entry));
+    all_new_ = all_new_ && is_new;
     all_old_ = all_old_ && (appended(entry) ? now.empty() : journal_checksum(now) == entry.before);
 }
 
 bool Examination::explained(const Journal_Entry& entry, const Page_Bytes& before) {
     const auto now = sector_checksums(page_now(entry.number));
     const auto old = sector_checksums(before);
-    for (std::size_t i = 0; i < now.size(); ++i)
-        if (now[i] != old[i] && now[i] != entry.after[i]) return false;
+    for (std::size_t i = 0; i < now.size(); ++i) {
+        if (now[i] == old[i]) continue;
+        if (now[i] != entry.after[i]) return false;
+        evidence_ = true;
+    }
     return true;
 }
 
@@ -113,7 +139,7 @@ Journal_Finding Examination::judged() {
         finding.verdict = Verdict::spoiled; // J4
         return finding;
     }
-    if (!page_0_fits()) return finding;
+    if (!table_is_sound() || !page_0_fits()) return finding;
     for (const Journal_Entry& entry : table_) compare_page(entry);
     const bool may_stay = head_.state != Journal_State::take_back; // J7
     if (may_stay && (all_old_ || all_new_))                        // J3

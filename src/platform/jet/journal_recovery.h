@@ -15,9 +15,11 @@ struct Journal_Finding {
     Verdict verdict = Verdict::settled;
     std::map<Page_Number, Page> pages;
     std::uint64_t size = 0;
+    std::vector<Page_Number> numbers = {}; ///< all pages of the operation, whatever the verdict
 };
 
-/// Reads both files and changes nothing. Needs a lock on the database.
+/// Reads both files and changes nothing. Needs a lock on the database, and a journal that is
+/// believed at least where its pages prove it.
 Journal_Finding examine(Journal& journal, files::File& database, std::size_t page_size);
 
 /// Puts the old pages back, cuts what was appended, syncs. Needs the exclusive lock. Cut off

@@ -65,7 +65,8 @@ void File_Pager::read_header() {
     if (std::memcmp(&header[4], name, sizeof name) != 0 || version > 1)
         throw Error(Failure::unsupported, path_, "another generation of the format");
     page_size_ = version == 0 ? 2048 : 4096;
-    if (version == 0 && !report_.refusal) report_.refusal = {Failure::unsupported, "Jet 3"};
+    if (version == 0 && !report_.refusal)
+        report_.refusal = {Failure::unsupported, "Jet 3", Blocked::jet3};
 }
 
 void File_Pager::commit() {
@@ -138,6 +139,10 @@ void File_Pager::write_journal() {
 void File_Pager::put_back() noexcept {
     try {
         journal_.mark_take_back(); // J7
+    } catch (const files::Error&) {
+        // The journal remembers it, and the old pages may find their way all the same.
+    }
+    try {
         Journal_Finding finding;
         finding.size = std::uint64_t{count_in_file_} * page_size_;
         for (const auto& [number, page] : changed_)

@@ -19,12 +19,17 @@ using Page_Bytes = std::vector<std::byte>;
 /// A page as it was when it was read; stays valid as long as it is held.
 using Page = std::shared_ptr<const Page_Bytes>;
 
+/// Jet addresses pages with 24 bits, and no engine opens more than 2 GiB.
+constexpr std::uint64_t largest_database = std::uint64_t{1} << 31;
+
 enum class Open_Mode { read_only, read_write };
 
 /// Why a database can only be looked at.
 struct Write_Refusal {
     Failure kind = Failure::read_only;
     std::string detail;
+    Blocked blocked = Blocked::write_protected;
+    std::string owner = {}; ///< whose journal stands in the way
 };
 
 /// What opening and later operations met beside the ordinary: matter for one sentence to the user.

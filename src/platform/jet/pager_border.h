@@ -18,6 +18,8 @@ inline Failure kind_for(files::Failure kind) {
     case files::Failure::disk_full:
         return Failure::disk_full;
     case files::Failure::exists:
+    case files::Failure::no_file:
+    case files::Failure::name_too_long:
     case files::Failure::device:
         break;
     }

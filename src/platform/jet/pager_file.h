@@ -5,9 +5,6 @@
 
 namespace jet {
 
-/// Jet addresses pages with 24 bits, and no engine opens more than 2 GiB.
-constexpr std::uint64_t largest_database = std::uint64_t{1} << 31;
-
 /// What must be unchanged for pages to stay in the cache from one operation to the next.
 struct Cache_Mark {
     std::uint64_t salt = 0;
@@ -54,8 +51,12 @@ private:
     bool must_settle() const;
     void enter_reading();
     void enter_writing();
+    void look_at_names();
+    void refuse(const Journal_Unusable& why);
+    bool note_doubted();
     bool note_useless(const Journal_Finding& finding);
     void settle();
+    void sync_settled(const Journal_Finding& finding);
     void set_aside();
     void show_settled();
     void notice_state();
@@ -77,6 +78,8 @@ private:
     std::unique_ptr<files::File> file_;
     files::Identity identity_;
     bool file_writable_ = false;
+    bool unsure_ = false;     ///< the last sync failed: what reads well need not be on the medium
+    std::uint64_t names_ = 1; ///< hard links, as far as they were judged
     Journal journal_;
     std::size_t page_size_ = 0;
     Page_Number page_count_ = 0; ///< with the appended ones

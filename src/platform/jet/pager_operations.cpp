@@ -41,7 +41,9 @@ void File_Pager::prepare() {
 
 void File_Pager::make_journal() {
     try {
-        journal_.make(page_size_);
+        journal_.make(page_size_, *file_);
+    } catch (const Journal_Unusable& why) {
+        refuse(why);
     } catch (const files::Error& error) {
         // A full disk, say, may have room again when the first change comes, and is reported then.
         if (is_protection(error.kind)) report_.refusal = {Failure::read_only, error.detail};
@@ -59,7 +61,8 @@ void File_Pager::notice_state() {
     count_in_file_ = static_cast<Page_Number>(std::min(size, largest_database) / page_size_);
     page_count_ = count_in_file_;
     if ((size % page_size_ != 0 || size > largest_database) && !report_.refusal)
-        report_.refusal = {Failure::damaged, "the length is no whole number of pages"};
+        report_.refusal = {Failure::damaged, "the length is no whole number of pages",
+                           Blocked::damaged};
     const auto mark = mark_now();
     if (!mark || mark != cached_at_) { // J10
         cache_.clear();
@@ -90,11 +93,12 @@ void File_Pager::begin_read() {
 }
 
 void File_Pager::enter_reading() {
-    shown_.reset();
+    shown_.reset(); // J13
     if (still_named())
-        journal_.attach(file_writable_);
+        journal_.attach(file_writable_, *file_);
     else
         journal_.detach(); // the one at the path belongs to another file now
+    if (const auto why = journal_.bar()) refuse(*why);
     if (must_settle() && file_writable_ && journal_.writable()) {
         // Not from shared to exclusive in one step: two copies that try would wait for each other.
         file_->lock(files::Lock::none, {});
@@ -108,10 +112,36 @@ void File_Pager::enter_reading() {
 }
 
 void File_Pager::enter_writing() {
+    shown_.reset();      // J13
     check_still_named(); // J9
-    journal_.attach(true);
-    if (must_settle()) journal_.writable() ? settle() : show_settled();
+    look_at_names();     // J12
+    journal_.attach(file_writable_, *file_);
+    if (must_settle()) file_writable_&& journal_.writable() ? settle() : show_settled();
     notice_state();
+}
+
+void File_Pager::look_at_names() {
+    const std::uint64_t names = file_->standing().names;
+    if (names == names_) return;
+    if (!files::has_one_name(disk_, *file_, real_path_)) {
+        file_writable_ = false;
+        refuse({Blocked::second_name, path_, "the file has another name (hard link)"});
+    }
+    names_ = names;
+}
+
+void File_Pager::refuse(const Journal_Unusable& why) {
+    const bool told = report_.refusal && report_.refusal->blocked != Blocked::write_protected;
+    if (!told) report_.refusal = {Failure::read_only, why.detail, why.blocked, why.owner};
+}
+
+/// @return whether the journal holds an operation, but may be made by anybody (J11).
+bool File_Pager::note_doubted() {
+    if (journal_.state() != Journal::State::hot || journal_.trust(*file_) != Journal::Trust::none)
+        return false;
+    refuse({Blocked::journal_doubted, path_, "the journal is not by one who may write the file",
+            journal_.owner()});
+    return true;
 }
 
 /// @return whether the journal is one that can be neither applied nor emptied.
@@ -125,31 +155,51 @@ bool File_Pager::note_useless(const Journal_Finding& finding) {
 
 /// Under the exclusive lock (J5).
 void File_Pager::settle() {
+    if (note_doubted()) return;
     const Journal_Finding finding = examine(journal_, *file_, page_size_);
     if (note_useless(finding)) {
         set_aside(); // J4, J6
         return;
     }
     if (finding.verdict == Journal_Finding::Verdict::take_back) {
+        unsure_ = true;
         take_back(finding, *file_, page_size_);
+        unsure_ = false;
         report_.recovery = Pager_Report::Recovery::rolled_back;
     } else {
-        file_->sync(); // J2: so far its pages may stand in memory only
+        sync_settled(finding); // J2: so far its pages may stand in memory only
     }
     journal_.empty();
+}
+
+/// After a failed sync the system takes the pages for written; only written again they get there.
+void File_Pager::sync_settled(const Journal_Finding& finding) {
+    for (auto number = finding.numbers.begin(); unsure_ && number != finding.numbers.end();
+         ++number) {
+        Page_Bytes page(page_size_);
+        const std::uint64_t offset = std::uint64_t{*number} * page_size_;
+        page.resize(file_->read_at(offset, page));
+        file_->write_at(offset, page);
+    }
+    unsure_ = true;
+    file_->sync();
+    unsure_ = false;
 }
 
 void File_Pager::set_aside() {
     try {
         report_.set_aside = journal_.set_aside();
     } catch (const files::Error& error) {
-        if (!is_protection(error.kind)) throw;
-        report_.refusal = {Failure::read_only, error.detail};
+        const bool too_long = error.kind == files::Failure::name_too_long;
+        if (!is_protection(error.kind) && !too_long) throw;
+        refuse({too_long ? Blocked::journal_name : Blocked::journal_barred, path_, error.detail,
+                journal_.owner()});
     }
 }
 
 /// Where nothing may be written, the old pages are laid over those in the file.
 void File_Pager::show_settled() {
+    if (note_doubted()) return;
     Journal_Finding finding = examine(journal_, *file_, page_size_);
     if (note_useless(finding) || finding.verdict == Journal_Finding::Verdict::settled) return;
     report_.recovery = Pager_Report::Recovery::shown_only;
@@ -162,7 +212,7 @@ void File_Pager::end_read() noexcept {
 
 void File_Pager::check_still_named() {
     if (still_named()) return;
-    report_.refusal = {Failure::replaced, "the path names another file now"};
+    report_.refusal = {Failure::replaced, "the path names another file now", Blocked::replaced};
     throw Error(Failure::replaced, path_, report_.refusal->detail);
 }
 
@@ -178,7 +228,11 @@ void File_Pager::begin_write() {
             try {
                 enter_writing();
                 check_may_write();
-                journal_.make(page_size_); // J8
+                journal_.make(page_size_, *file_); // J8
+            } catch (const Journal_Unusable& why) {
+                release();
+                refuse(why);
+                check_may_write();
             } catch (...) {
                 release();
                 throw;

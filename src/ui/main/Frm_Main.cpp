@@ -203,14 +203,15 @@ void Frm_Main::choose_decoder_family(int index) {
 
 void Frm_Main::show_title() {
     const bool open = database_.Connection_Active();
-    const store::Blocked blocked = database_.opening().blocked;
+    const store::Opening opening = database_.opening();
+    const store::Blocked blocked = opening.blocked;
     QString title =
         open ? text(Text::title_open).arg(app::current_database()) : text(Text::title_closed);
     if (blocked == store::Blocked::damaged) title += text(Text::title_damaged);
     if (is_incomplete(blocked)) title += text(Text::title_incomplete);
     setWindowTitle(title);
     write_protected_->setVisible(blocked != store::Blocked::no);
-    write_protected_->setToolTip(reason(blocked));
+    write_protected_->setToolTip(reason(blocked, opening.journal_owner));
 }
 
 void Frm_Main::close_other_windows() {}

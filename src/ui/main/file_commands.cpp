@@ -85,7 +85,8 @@ void Frm_Main::say_opening() {
 
 void Frm_Main::append_protection(QStringList& parts, const store::Opening& opening) const {
     if (database_.writable()) return;
-    parts.append(text(Text::write_protected) + u": "_qs + reason(opening.blocked));
+    parts.append(text(Text::write_protected) + u": "_qs +
+                 reason(opening.blocked, opening.journal_owner));
     const store::Lost_End& lost = opening.lost_end;
     if (lost.bytes == 0) return;
     constexpr std::int64_t kilobyte = 1024;

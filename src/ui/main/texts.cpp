@@ -82,6 +82,24 @@ constexpr Entry table[] = {
     {Text::blocked_no_cvs, u"In der Datei fehlen die CVs; bitte eine Sicherung benutzen."},
     {Text::blocked_foreign_index, u"Eine Tabelle hat einen Index, den wir nicht pflegen können."},
     {Text::blocked_replaced, u"Die Datei wurde von außen ersetzt; bitte neu öffnen."},
+    {Text::blocked_second_name,
+     u"Die Datei hat noch einen Namen (harter Link). Bitte im Dateimanager kopieren und mit der "
+     u"Kopie arbeiten."},
+    {Text::blocked_journal_doubted,
+     u"Neben der Datei liegt ein Änderungsprotokoll (-journal) von „%1“, der sie nicht schreiben "
+     u"darf. Es wurde nicht benutzt; erst wenn es von dort weg ist, kann geschrieben werden."},
+    {Text::blocked_journal_barred,
+     u"Das Änderungsprotokoll (-journal) neben der Datei gehört „%1“ und lässt sich weder "
+     u"benutzen noch ersetzen."},
+    {Text::blocked_journal_no_file,
+     u"Am Platz des Änderungsprotokolls (-journal) liegt ein Ordner, ein Link oder eine Pipe."},
+    {Text::blocked_journal_name,
+     u"Der Dateiname ist zu lang, um daneben ein Änderungsprotokoll (-journal) zu führen."},
+    {Text::blocked_journal_rights,
+     u"Das Änderungsprotokoll kann nicht die Rechte bekommen, die alle Benutzer der Datei brauchen "
+     u"(Gruppe)."},
+    {Text::blocked_folder_hidden,
+     u"Der Ordner lässt sich nicht öffnen; Änderungen wären dort nicht sicher."},
 
     {Text::no_set_selected, u"Es ist kein CV-Set gewählt."},
     {Text::set_added, u"CV-Set „%1“ hinzugefügt."},
@@ -279,7 +297,7 @@ QString reason(files::Failure failure) {
     }
 }
 
-QString reason(store::Blocked blocked) {
+QString reason(store::Blocked blocked, const QString& journal_owner) {
     switch (blocked) {
     case store::Blocked::no:
         return {};
@@ -297,6 +315,20 @@ QString reason(store::Blocked blocked) {
         return text(Text::blocked_foreign_index);
     case store::Blocked::replaced:
         return text(Text::blocked_replaced);
+    case store::Blocked::second_name:
+        return text(Text::blocked_second_name);
+    case store::Blocked::journal_doubted:
+        return text(Text::blocked_journal_doubted).arg(journal_owner);
+    case store::Blocked::journal_barred:
+        return text(Text::blocked_journal_barred).arg(journal_owner);
+    case store::Blocked::journal_no_file:
+        return text(Text::blocked_journal_no_file);
+    case store::Blocked::journal_name:
+        return text(Text::blocked_journal_name);
+    case store::Blocked::journal_rights:
+        return text(Text::blocked_journal_rights);
+    case store::Blocked::folder_hidden:
+        return text(Text::blocked_folder_hidden);
     }
     return {};
 }

@@ -77,6 +77,13 @@ enum class Text {
     blocked_no_cvs,
     blocked_foreign_index,
     blocked_replaced,
+    blocked_second_name,
+    blocked_journal_doubted, ///< %1 whose it is
+    blocked_journal_barred,  ///< %1 whose it is
+    blocked_journal_no_file,
+    blocked_journal_name,
+    blocked_journal_rights,
+    blocked_folder_hidden,
 
     no_set_selected,
     set_added,        ///< %1 number and name
@@ -174,6 +181,7 @@ QString sentence(const store::Undo_Name& step);
 /// Why a file could not be written, as the end of a sentence.
 QString reason(files::Failure failure);
 /// Why a library cannot be changed, as the end of a sentence.
-QString reason(store::Blocked blocked);
+/// @param journal_owner whose journal stands in the way, if one does
+QString reason(store::Blocked blocked, const QString& journal_owner);
 
 } // namespace ui_main

@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <gmock/gmock.h>
 #include <thread>
+#include <unistd.h>
 
 using namespace files;
 using testing::ElementsAre;
@@ -187,6 +188,33 @@ TEST(Real_Disk, replacing_follows_links_and_keeps_rights) {
     EXPECT_TRUE(fs::is_symlink(folder / "link"));
     EXPECT_EQ(read_file(real_disk(), folder / "file"), bytes("new"));
     EXPECT_EQ(fs::status(folder / "file").permissions(), fs::perms(0640));
+}
+
+TEST(Real_Disk, tells_whose_a_file_is_and_gives_it) {
+    namespace fs = std::filesystem;
+    const support::Temporary_Folder folder;
+    Disk& disk = real_disk();
+    const auto file = disk.open(folder / "file", Access::create_private);
+    const Standing made = file->standing();
+    EXPECT_EQ(made, (Standing{disk.user(), ::getegid(), 0600, 1}));
+    fs::create_hard_link(folder / "file", folder / "second");
+    fs::create_symlink("file", folder / "link");
+    give_standing(disk, *file, {made.owner, made.group, 0640});
+    EXPECT_EQ(disk.look(folder / "second")->standing, (Standing{made.owner, made.group, 0640, 2}));
+    EXPECT_FALSE(has_one_name(disk, *file, folder / "file"));
+    EXPECT_FALSE(disk.look(folder / "link")->is_file);
+    EXPECT_FALSE(disk.look(folder / std::string(256, 'a')));
+    EXPECT_EQ(failure_of([&] { disk.open_no_link(folder / "link", Access::read_write); }),
+              Failure::no_file);
+    EXPECT_EQ(failure_of([&] { disk.open(folder / std::string(256, 'a'), Access::create_new); }),
+              Failure::name_too_long);
+    EXPECT_EQ(disk.user_name(administrator), "root");
+    EXPECT_EQ(disk.user_name(4'000'000'000), "4000000000");
+    EXPECT_TRUE(disk.is_member(administrator, 0));
+    EXPECT_FALSE(disk.is_member(administrator, 4'000'000'000));
+    if (disk.user() != administrator) return;
+    give_standing(disk, *file, {65534, 65534, 0600});
+    EXPECT_EQ(file->standing(), (Standing{65534, 65534, 0600, 2}));
 }
 
 TEST(Real_Disk, a_file_that_nobody_may_write_is_not_opened_for_writing) {

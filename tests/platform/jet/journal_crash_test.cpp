@@ -178,6 +178,43 @@ TEST(Journal_Crash, pages_whose_sync_failed_are_not_believed) {
     EXPECT_EQ(content(*open_pager(disk, name, Open_Mode::read_write)), file_of(5));
 }
 
+/// The copy itself knows, even where it could not mark the journal.
+TEST(Journal_Crash, pages_whose_sync_failed_are_not_believed_by_the_next_operation) {
+    using Call = files::Faulty_Disk::Call;
+    Memory_Disk disk = disk_with(5);
+    files::Faulty_Disk faulty(disk);
+    const auto pager = open_pager(faulty, name, Open_Mode::read_write);
+    faulty.set_fault({Call::sync, 1, files::Failure::device, false, name});
+    faulty.add_fault({Call::write, 2, files::Failure::device, false, journal_name}); // the mark
+    faulty.add_fault({Call::write, 2, files::Failure::device, false, name}); // the putting back
+    pager->begin_write();
+    pager->change(2)[4000] = std::byte{1};
+    EXPECT_THROW(pager->commit(), jet::Error);
+    EXPECT_NE(disk.bytes(name), file_of(5));
+    faulty.clear_fault();
+    EXPECT_EQ(content(*pager), file_of(5));
+    EXPECT_EQ(disk.bytes(name), file_of(5));
+}
+
+/// After a failed sync the system takes the pages for written, so the next sync says nothing.
+TEST(Journal_Crash, pages_are_written_again_where_the_sync_of_a_recovery_failed) {
+    using Call = files::Faulty_Disk::Call;
+    for (const std::byte state : {std::byte{0x5A}, std::byte{0xA5}}) {
+        Memory_Disk disk = disk_with(5);
+        files::Faulty_Disk faulty(disk);
+        const auto pager = open_pager(faulty, name, Open_Mode::read_write);
+        put(*pager, {1, 3}, 1);
+        auto journal = disk.bytes(journal_name);
+        journal[504] = state; // as if the emptying had been lost
+        disk.set_bytes(journal_name, journal);
+        faulty.set_fault({Call::sync, 1, files::Failure::device, false, name});
+        EXPECT_THROW(pager->begin_read(), jet::Error);
+        const int before = faulty.calls(Call::write);
+        content(*pager);
+        EXPECT_EQ(faulty.calls(Call::write) - before, 3); // two pages and the emptying
+    }
+}
+
 TEST(Journal_Crash, a_full_disk_takes_the_operation_back) {
     for (std::uint64_t room = 0; room < 60000; room += 512) {
         Memory_Disk disk = disk_with(5);

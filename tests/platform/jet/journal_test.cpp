@@ -131,6 +131,26 @@ TEST(Journal, where_nothing_may_be_written_the_old_state_is_shown) {
     EXPECT_EQ(content(*reader), disk.bytes(name));
 }
 
+using jet::Journal_Head;
+using Table = std::vector<jet::Journal_Entry>;
+
+/// A journal whose checksums are right, as somebody writes it who knows how.
+std::function<void(Memory_Disk&)> forged(const std::function<void(Journal_Head&, Table&)>& change) {
+    return [=](Memory_Disk& disk) {
+        const auto bytes = disk.bytes(journal_name);
+        Journal_Head head = *jet::decode_head(std::span(bytes).first(512));
+        Table table = jet::decode_table(std::span(bytes).subspan(512, 80 * head.entries), 4096);
+        const auto entries = head.entries;
+        change(head, table);
+        const auto table_bytes = encode(table, 4096);
+        if (head.entries == entries) head.entries = static_cast<std::uint32_t>(table.size());
+        head.table = jet::journal_checksum(table_bytes);
+        const auto file = disk.open(journal_name, files::Access::read_write);
+        file->write_at(0, encode(head));
+        file->write_at(512, table_bytes);
+    };
+}
+
 /// Each spoils one thing; the file must stay as it is, and the journal must stay readable under a
 /// new name.
 TEST(Journal, one_that_does_not_fit_is_set_aside_and_never_applied) {
@@ -138,14 +158,9 @@ TEST(Journal, one_that_does_not_fit_is_set_aside_and_never_applied) {
         const char* what;
         std::function<void(Memory_Disk&)> spoil;
     };
-    const auto spoil_journal = [](std::size_t at, std::byte value) {
-        return [=](Memory_Disk& d) { edit(d, journal_name, at, value); };
-    };
     const Case cases[] = {
         {"no head of ours",
          [](Memory_Disk& d) { d.set_bytes(journal_name, Page_Bytes(9, std::byte{'x'})); }},
-        {"head spoiled", spoil_journal(20, std::byte{0xEE})},
-        {"state unknown", spoil_journal(jet::journal_state_at, std::byte{3})},
         {"page 0 is another", [](Memory_Disk& d) { edit(d, name, 3000, std::byte{1}); }},
         {"a page that neither state explains",
          [](Memory_Disk& d) { edit(d, name, 3 * 4096, std::byte{0xEE}); }},
@@ -158,6 +173,36 @@ TEST(Journal, one_that_does_not_fit_is_set_aside_and_never_applied) {
          [](Memory_Disk& d) {
              d.remove(name);
              d.set_bytes(name, old_state());
+         }},
+        {"a size to cut to, and no page", forged([](Journal_Head& head, Table& table) {
+             head.state = Journal_State::take_back;
+             head.size_before = 3 * 4096;
+             table.clear();
+         })},
+        {"pages to cut off that are not named", forged([](Journal_Head& head, Table&) {
+             head.state = Journal_State::take_back;
+             head.size_before = 4 * 4096;
+         })},
+        {"a page named twice", forged([](Journal_Head&, Table& table) { table[1] = table[0]; })},
+        {"pages in disorder",
+         forged([](Journal_Head&, Table& table) { std::swap(table[0], table[1]); })},
+        {"a page beyond the file",
+         forged([](Journal_Head&, Table& table) { table.back().number = 7; })},
+        {"a page far beyond",
+         forged([](Journal_Head&, Table& table) { table.back().number = 0xFFFFFFFF; })},
+        {"more pages than the file has", forged([](Journal_Head& head, Table&) {
+             head.entries = 4'000'000'000; // and not what the table holds
+         })},
+        {"more than any file has",
+         forged([](Journal_Head& head, Table&) { head.size_after = std::uint64_t{3} << 30; })},
+        {"no whole pages", forged([](Journal_Head& head, Table&) { head.size_after += 512; })},
+        {"nothing of it in another file",
+         [](Memory_Disk& d) {
+             const auto journal = killed_at(all_new).bytes(journal_name);
+             d.remove(name);
+             d.set_bytes(name, old_state());
+             d.set_bytes(journal_name, journal);
+             edit(d, journal_name, jet::journal_state_at, std::byte{0xA5});
          }},
     };
     for (const Case& c : cases) {
@@ -194,6 +239,11 @@ TEST(Journal, a_spoiled_one_is_kept_and_told) {
          }},
         {"end cut off", [](Page_Bytes& journal) { journal.resize(journal.size() - 1); }},
         {"table cut off", [](Page_Bytes& journal) { journal.resize(600); }},
+        {"head", [](Page_Bytes& journal) { journal[20] = std::byte{0xEE}; }},
+        {"state", [](Page_Bytes& journal) { journal[jet::journal_state_at] = std::byte{3}; }},
+        {"head cut off", [](Page_Bytes& journal) { journal.resize(300); }},
+        {"head cut off behind the entries", [](Page_Bytes& journal) { journal.resize(20); }},
+        {"head cut off at once", [](Page_Bytes& journal) { journal.resize(9); }},
         {"head wiped", [](Page_Bytes& journal) {
              std::ranges::fill(std::span(journal).first(512), std::byte{});
          }}};
@@ -219,6 +269,256 @@ TEST(Journal, a_spoiled_one_is_kept_and_told) {
         EXPECT_EQ(disk.bytes(name), file);
         put(*pager, {1}, 9);
     }
+}
+
+using files::Standing;
+
+/// Three users are members of group 50; user 1000 is none.
+void enter_members(Memory_Disk& disk) {
+    for (const files::User user : {2000U, 2001U, 2002U}) disk.enter(user, 50);
+}
+
+TEST(Journal, one_that_a_stranger_can_have_made_is_not_believed) {
+    constexpr Standing usual{1000, 1000, 0644};
+    constexpr Standing shared{1000, 50, 0664};
+    struct Case {
+        const char* what;
+        Standing library;
+        Standing journal;
+        files::User us = 1000;
+        bool believed = false;
+        std::function<void(Memory_Disk&)> prepare = [](Memory_Disk&) {};
+    };
+    const Case cases[] = {
+        {"ours", usual, usual, 1000, true},
+        {"the administrator's", {1000, 1000, 0664}, {0, 1000, 0664}, 1000, true},
+        {"the owner's, seen by the administrator", usual, usual, 0, true},
+        {"a member's", {2002, 50, 0664}, {2000, 50, 0664}, 2001, true},
+        {"anybody's where anybody may write", {1000, 1000, 0666}, {3000, 7, 0666}, 1000, true},
+        {"a stranger's", usual, {3000, 3000, 0644}},
+        {"a stranger's, for the administrator", usual, {3000, 3000, 0644}, 0},
+        {"a stranger's of the right group", shared, {3000, 50, 0664}, 2001},
+        {"a member's where the group may not write", {1000, 50, 0644}, {2000, 50, 0644}},
+        {"open to anybody", usual, {1000, 1000, 0646}},
+        {"open to another group", shared, {1000, 60, 0664}},
+        {"with a second name", usual, usual, 1000, false,
+         [](Memory_Disk& d) { d.link(journal_name, "elsewhere"); }},
+        {"on a server that shows one owner",
+         usual,
+         {3000, 3000, 0644},
+         1000,
+         true,
+         [](Memory_Disk& d) { d.show_owner(99); }},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        Memory_Disk disk = killed_at(between);
+        enter_members(disk);
+        disk.set_standing(name, c.library);
+        disk.set_standing(journal_name, c.journal);
+        disk.become(c.us);
+        c.prepare(disk);
+        const auto file = disk.bytes(name);
+        const auto journal = disk.bytes(journal_name);
+        {
+            const auto pager = open_pager(disk, name, Open_Mode::read_write);
+            ASSERT_EQ(pager->report().recovery == Recovery::rolled_back, c.believed);
+            EXPECT_EQ(!pager->report().refusal, c.believed);
+            EXPECT_EQ(content(*pager), c.believed ? old_state() : file);
+            if (c.believed) continue;
+            EXPECT_EQ(pager->report().refusal->blocked, jet::Blocked::journal_doubted);
+            EXPECT_EQ(pager->report().refusal->owner, std::to_string(c.journal.owner));
+            EXPECT_THROW(pager->begin_write(), jet::Error);
+        }
+        EXPECT_EQ(disk.bytes(name), file);
+        EXPECT_EQ(disk.bytes(journal_name), journal);
+    }
+}
+
+/// A server that shows one owner gives nobody's word: where nothing of the operation is found in
+/// the file, it is neither taken back nor emptied because of its name.
+TEST(Journal, where_owners_prove_nothing_the_pages_decide) {
+    Memory_Disk disk = killed_at(all_new);
+    disk.set_bytes(name, old_state());
+    edit(disk, journal_name, jet::journal_state_at, std::byte{0xA5});
+    disk.set_standing(journal_name, {3000, 3000, 0644});
+    disk.show_owner(99);
+    const auto pager = open_pager(disk, name, Open_Mode::read_write);
+    EXPECT_TRUE(pager->report().foreign_journal);
+    EXPECT_EQ(disk.bytes(name), old_state());
+}
+
+/// Nobody begins an operation on a journal that others who may write the library would not believe
+/// or could not open, nor puts old pages where more people read them.
+TEST(Journal, serves_all_who_may_write_the_library) {
+    using jet::Blocked;
+    struct Case {
+        const char* what;
+        files::User us;
+        Standing library;
+        std::function<void(Memory_Disk&)> prepare;
+        Blocked blocked;
+        Standing journal = {};
+    };
+    const auto nothing = [](Memory_Disk&) {};
+    const auto in_place = [](Standing standing, std::size_t size = 0) {
+        return [=](Memory_Disk& d) {
+            d.set_bytes(journal_name, Page_Bytes(size));
+            d.set_standing(journal_name, standing);
+        };
+    };
+    const Standing usual{1000, 1000, 0644};
+    const Standing shared{1000, 50, 0664};
+    const Case cases[] = {
+        {"private", 1000, {1000, 1000, 0600}, nothing, Blocked::no, {1000, 1000, 0600}},
+        {"a member's", 2000, shared, nothing, Blocked::journal_rights},
+        {"a member's, the owner is one",
+         2000,
+         {2001, 50, 0664},
+         nothing,
+         Blocked::no,
+         {2000, 50, 0664}},
+        {"the administrator's", 0, {1000, 50, 0640}, nothing, Blocked::no, {1000, 50, 0640}},
+        {"a group that we cannot give", 1000, shared, nothing, Blocked::journal_rights},
+        {"one that only reads", 1000, {1000, 50, 0640}, nothing, Blocked::no, {1000, 1000, 0600}},
+        {"everybody", 2000, {1000, 50, 0666}, nothing, Blocked::no, {2000, 50, 0666}},
+        {"one that is there, too open",
+         1000,
+         {1000, 1000, 0600},
+         in_place(usual),
+         Blocked::no,
+         {1000, 1000, 0600}},
+        {"a stranger's", 1000, usual, in_place({3000, 3000, 0666}, 512), Blocked::no, usual},
+        {"a stranger's that stays", 1000, usual,
+         [&](Memory_Disk& d) {
+             in_place({3000, 3000, 0666}, 512)(d);
+             d.protect_folder("");
+         },
+         Blocked::journal_barred},
+        {"a stranger's, private", 1000, usual, in_place({3000, 3000, 0600}, 512),
+         Blocked::journal_barred},
+        {"one not yet opened to others",
+         2000,
+         {2001, 50, 0664},
+         in_place({2001, 50, 0600}),
+         Blocked::no,
+         {2000, 50, 0664}},
+        {"with a second name", 1000, usual,
+         [&](Memory_Disk& d) {
+             in_place(usual)(d);
+             d.link(journal_name, "elsewhere");
+         },
+         Blocked::no, usual},
+        {"a pipe", 1000, usual,
+         [&](Memory_Disk& d) {
+             in_place(usual)(d);
+             d.make_special(journal_name);
+         },
+         Blocked::journal_no_file},
+        {"a folder", 1000, usual, [](Memory_Disk& d) { d.make_folder(journal_name); },
+         Blocked::journal_no_file},
+        {"a medium without owners",
+         1000,
+         {7, 7, 0755},
+         [](Memory_Disk& d) { d.show_owner(7, 0755); },
+         Blocked::no,
+         {7, 7, 0755}},
+        {"one that opens new files to more",
+         1000,
+         {7, 7, 0755},
+         [](Memory_Disk& d) { d.show_owner(7, 0777); },
+         Blocked::journal_rights},
+        {"a folder that cannot be opened", 1000, usual, [](Memory_Disk& d) { d.hide_folder(""); },
+         Blocked::folder_hidden},
+        {"a second name of the library", 1000, usual,
+         [](Memory_Disk& d) { d.link(name, "second.mdb"); }, Blocked::second_name},
+        {"a short name",
+         1000,
+         usual,
+         [](Memory_Disk& d) { d.count_short_names(); },
+         Blocked::no,
+         {1000, 1000, 0644, 2}},
+        {"both", 1000, usual,
+         [](Memory_Disk& d) {
+             d.count_short_names();
+             d.link(name, "second.mdb");
+         },
+         Blocked::second_name},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        Memory_Disk disk = disk_with(4);
+        enter_members(disk);
+        disk.set_standing(name, c.library);
+        c.prepare(disk);
+        disk.become(c.us);
+        const auto pager = open_pager(disk, name, Open_Mode::read_write);
+        const auto refusal = pager->report().refusal;
+        ASSERT_EQ(refusal ? refusal->blocked : Blocked::no, c.blocked);
+        EXPECT_EQ(content(*pager), file_of(4));
+        if (refusal) {
+            EXPECT_THROW(pager->begin_write(), jet::Error);
+            continue;
+        }
+        put(*pager, {1}, 1);
+        EXPECT_EQ(disk.look(journal_name)->standing, c.journal);
+    }
+}
+
+TEST(Journal, is_private_until_it_has_its_rights) {
+    struct Recording : Memory_Disk {
+        std::unique_ptr<files::File> open(const std::string& path, files::Access access) override {
+            if (path == journal_name) accesses.push_back(access);
+            return Memory_Disk::open(path, access);
+        }
+        std::vector<files::Access> accesses;
+    } disk;
+    disk.set_bytes(name, file_of(4));
+    put(*open_pager(disk, name, Open_Mode::read_write), {1}, 1);
+    EXPECT_THAT(disk.accesses, ElementsAre(files::Access::create_private));
+}
+
+TEST(Journal, follows_the_rights_and_names_of_a_library_that_is_open) {
+    Memory_Disk disk = disk_with(4);
+    const auto pager = open_pager(disk, name, Open_Mode::read_write);
+    put(*pager, {1}, 1);
+    disk.set_standing(name, {1000, 1000, 0600});
+    put(*pager, {1}, 2);
+    EXPECT_EQ(disk.look(journal_name)->standing.mode, 0600U);
+    disk.link(name, "second.mdb");
+    EXPECT_THROW(pager->begin_write(), jet::Error);
+    EXPECT_EQ(pager->report().refusal->blocked, jet::Blocked::second_name);
+}
+
+TEST(Journal, a_name_too_long_for_one_leaves_the_library_to_be_looked_at) {
+    Memory_Disk disk;
+    const std::string longest = std::string(246, 'a') + ".mdb";
+    disk.set_bytes(longest, file_of(4));
+    const auto pager = open_pager(disk, longest, Open_Mode::read_write);
+    ASSERT_TRUE(pager->report().refusal);
+    EXPECT_EQ(pager->report().refusal->blocked, jet::Blocked::journal_name);
+    EXPECT_EQ(content(*pager), file_of(4));
+}
+
+/// Another copy could take it back meanwhile; what was shown must not be built upon.
+TEST(Journal, what_was_shown_in_place_of_pages_is_not_built_upon) {
+    Memory_Disk disk = disk_with(6);
+    const auto pager = open_pager(disk, name, Open_Mode::read_write);
+    put(*pager, {2}, 1);
+    const Memory_Disk left = killed_at(between);
+    disk.set_bytes(name, left.bytes(name));
+    disk.remove(journal_name);
+    disk.set_bytes(journal_name, left.bytes(journal_name));
+    disk.protect(journal_name);
+    EXPECT_EQ(content(*pager), old_state());
+    disk.remove(journal_name);
+    disk.set_bytes(name, new_state());
+    pager->begin_write();
+    pager->change(1)[7] = std::byte{0x77};
+    pager->commit();
+    auto expected = new_state();
+    expected[4096 + 7] = std::byte{0x77};
+    EXPECT_EQ(disk.bytes(name), expected);
 }
 
 TEST(Journal, a_second_one_set_aside_gets_a_name_of_its_own) {
@@ -284,7 +584,7 @@ TEST(Journal, a_spoiled_journal_never_makes_things_worse) {
         const auto after = disk.bytes(name);
         ASSERT_TRUE(after == found || after == old_state());
         healed += after == old_state();
-        const bool says_nothing = journal.size() < 512;
+        const bool says_nothing = journal.empty();
         ASSERT_TRUE(after == old_state() || says_nothing ||
                     disk.bytes(pager->report().set_aside) == journal);
         put(*pager, {1}, 9);

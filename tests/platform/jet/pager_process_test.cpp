@@ -156,6 +156,8 @@ TEST_F(Pager_Process, without_rights_the_library_is_shown_and_says_why) {
     EXPECT_TRUE(refused(jet::Failure::read_only));
     ::chmod(path.c_str(), 0666); // may be written, but not the folder
     EXPECT_TRUE(refused(jet::Failure::read_only));
+    ::chmod(folder.path().c_str(), 0733); // may be written, but not opened
+    EXPECT_TRUE(refused(jet::Failure::read_only));
     ::chmod(folder.path().c_str(), 0777);
     EXPECT_TRUE(as_nobody([&] {
         raise_all(*open());
@@ -174,11 +176,55 @@ TEST_F(Pager_Process, without_rights_the_library_is_shown_and_says_why) {
 }
 
 TEST_F(Pager_Process, the_journal_has_the_rights_of_its_database) {
-    ::chmod(path.c_str(), 0664);
-    const auto pager = open();
-    struct stat found {};
-    ASSERT_EQ(::stat((path + "-journal").c_str(), &found), 0);
-    EXPECT_EQ(found.st_mode & 0777, 0664U);
+    for (const mode_t mode : {0664U, 0600U}) {
+        ::chmod(path.c_str(), mode);
+        const auto pager = open();
+        raise_all(*pager);
+        struct stat found {};
+        ASSERT_EQ(::stat((path + "-journal").c_str(), &found), 0);
+        EXPECT_EQ(found.st_mode & 0777, mode);
+    }
+}
+
+TEST_F(Pager_Process, what_lies_in_the_place_of_the_journal_is_not_used) {
+    using jet::Blocked;
+    namespace fs = std::filesystem;
+    const std::string journal = path + "-journal";
+    const std::string other = folder / "other";
+    files::replace_file(files::real_disk(), other, Page_Bytes(512));
+    struct Case {
+        const char* what;
+        std::function<void()> lay;
+        Blocked blocked;
+    };
+    const Case cases[] = {
+        {"pipe", [&] { ::mkfifo(journal.c_str(), 0666); }, Blocked::journal_no_file},
+        {"folder", [&] { fs::create_directory(journal); }, Blocked::journal_no_file},
+        {"link", [&] { fs::create_symlink(other, journal); }, Blocked::journal_no_file},
+        {"link to nothing", [&] { fs::create_symlink(other + "2", journal); },
+         Blocked::journal_no_file},
+        {"sparse",
+         [&] {
+             files::replace_file(files::real_disk(), journal, {});
+             fs::resize_file(journal, std::uintmax_t{1} << 42);
+         },
+         Blocked::no},
+        {"second name", [&] { fs::create_hard_link(path, folder / "second.mdb"); },
+         Blocked::second_name},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.what);
+        c.lay();
+        {
+            const auto pager = open();
+            const auto report = pager->report();
+            EXPECT_EQ(report.refusal ? report.refusal->blocked : Blocked::no, c.blocked);
+            EXPECT_EQ(common_state(*pager), 0U);
+        }
+        fs::remove(journal);
+        EXPECT_EQ(files::read_file(files::real_disk(), other), Page_Bytes(512));
+        EXPECT_FALSE(fs::exists(other + "2"));
+    }
 }
 
 TEST_F(Pager_Process, links_lead_to_one_journal) {
