@@ -5,6 +5,7 @@
 #include "support/temporary_folder.h"
 
 #include "platform/files/replace.h"
+#include "platform/jet/journal_format.h"
 
 #include <csignal>
 #include <functional>
@@ -206,6 +207,18 @@ TEST_F(Pager_Process, what_lies_in_the_place_of_the_journal_is_not_used) {
         {"sparse",
          [&] {
              files::replace_file(files::real_disk(), journal, {});
+             fs::resize_file(journal, std::uintmax_t{1} << 42);
+         },
+         Blocked::no},
+        {"sparse, of four thousand million entries",
+         [&] {
+             jet::Journal_Head head;
+             head.state = jet::Journal_State::operation;
+             head.page_size = 4096;
+             head.entries = 4'000'000'000;
+             head.size_before = pages * 4096;
+             head.size_after = std::uint64_t{1} << 50;
+             files::replace_file(files::real_disk(), journal, encode(head));
              fs::resize_file(journal, std::uintmax_t{1} << 42);
          },
          Blocked::no},
