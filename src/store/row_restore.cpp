@@ -2,6 +2,7 @@
 
 #include "store/clsDBConn_inside.h"
 
+#include <algorithm>
 #include <map>
 #include <set>
 #include <tuple>
@@ -16,8 +17,10 @@ namespace {
 using Key_Set = std::set<std::int32_t>;
 
 ado::Error differs(const QString& table, std::int32_t key) {
-    return {ado::Failure::refused, table + QLatin1Char(' ') + QString::number(key),
-            u"somebody else has changed it or what it hangs on"_s};
+    ado::Error error(ado::Failure::refused, table + QLatin1Char(' ') + QString::number(key),
+                     u"somebody else has changed it or what it hangs on"_s);
+    error.by_others = true;
+    return error;
 }
 
 std::int32_t number_in(const ado::Row& row, const QString& column) {
@@ -29,8 +32,33 @@ std::int32_t number_in(const ado::Row& row, const QString& column) {
 ado::Row differing_cells(const Row_Change& change) {
     ado::Row cells;
     for (std::size_t i = 0; i < change.after.size() && i < change.before.size(); ++i)
-        if (change.after[i] != change.before[i]) cells.push_back(change.after[i]);
+        if (!ado::same_cell(change.after[i], change.before[i])) cells.push_back(change.after[i]);
     return cells;
+}
+
+/// A row that has been put back may have got new columns meanwhile, which come last.
+bool is_back(const ado::Row& row, const ado::Row& wanted) {
+    return row.size() >= wanted.size() &&
+           std::equal(wanted.begin(), wanted.end(), row.begin(), ado::same_cell);
+}
+
+/// What the changes come to: rows that came and went within them are no part of it.
+std::vector<Row_Change> net(const std::vector<Row_Change>& changes) {
+    std::vector<Row_Change> rows;
+    std::map<std::pair<Table, std::int32_t>, std::size_t> places;
+    for (const Row_Change& change : changes) {
+        const auto [known, is_new] = places.try_emplace({change.table, change.key}, rows.size());
+        if (change.table == Table::other || is_new ||
+            change.before.empty() != rows[known->second].after.empty()) {
+            known->second = rows.size();
+            rows.push_back(change);
+        } else {
+            rows[known->second].after = change.after;
+        }
+    }
+    std::erase_if(rows,
+                  [](const Row_Change& row) { return row.before.empty() && row.after.empty(); });
+    return rows;
 }
 
 /// Values of a column in the rows of a table that come back.
@@ -141,7 +169,7 @@ void clsDBConn::Inside::replay(const Row_Change& change) {
     const QString table = table_name(change);
     if (change.before.empty()) {
         session.insert(table, *session.nothing_of(table).block, change.after,
-                       ado::Empty_Text::kept);
+                       ado::Origin::restored);
     } else {
         const ado::Found_Rows found = session.rows_equal(table, change.before);
         if (found.order.empty()) throw differs(table, change.key);
@@ -149,20 +177,28 @@ void clsDBConn::Inside::replay(const Row_Change& change) {
             session.erase(table, *found.block, found.order.front());
         else
             session.update(table, *found.block, found.order.front(), differing_cells(change),
-                           ado::Empty_Text::kept);
+                           ado::Origin::restored);
     }
-    if (record.rows.back().after != change.after) throw differs(table, change.key);
+    if (!is_back(record.rows.back().after, change.after))
+        throw ado::Error(ado::Failure::refused,
+                         table + QLatin1Char(' ') + QString::number(change.key),
+                         u"would come back otherwise than it was"_s);
 }
 
 /// Asked before the commit: nobody else can have put a CV into the places since the deletion.
 void clsDBConn::Inside::note_doubles() {
-    std::vector<Row_Change> deleted;                      // turned round: as they would come back
-    const Key_Set sets = going(record.rows, Table::Sets); // which take all of their CVs along
-    for (const Row_Change& change : record.rows)
-        if (change.table == Table::CVs && change.after.empty() &&
-            !sets.contains(number_in(change.before, u"SetID"_s)))
+    const auto is_deleted = [](const Row_Change& change) {
+        return change.table == Table::CVs && change.after.empty();
+    };
+    if (listener == nullptr || std::none_of(record.rows.begin(), record.rows.end(), is_deleted))
+        return;
+    const std::vector<Row_Change> rows = net(record.rows);
+    std::vector<Row_Change> deleted;               // turned round: as they would come back
+    const Key_Set sets = going(rows, Table::Sets); // which take all of their CVs along
+    for (const Row_Change& change : rows)
+        if (is_deleted(change) && !sets.contains(number_in(change.before, u"SetID"_s)))
             deleted.push_back({change.table, change.key, {}, change.before});
-    if (deleted.empty() || listener == nullptr) return;
+    if (deleted.empty()) return;
     try {
         record.doubles = surroundings(*this).in_places(deleted);
     } catch (const ado::Error&) {
@@ -174,15 +210,17 @@ Replayed clsDBConn::replay(const std::vector<Row_Change>& changes,
                            const std::set<std::int32_t>& doubles) {
     Inside& inside = *inside_;
     if (!inside.begin()) return Replayed::failed;
+    const std::vector<Row_Change> all = net(changes);
     Replayed result = Replayed::done;
     try {
         for (const Row_Change& change : changes) inside.replay(change);
-        surroundings(inside).check(changes, doubles);
+        surroundings(inside).check(all, doubles);
     } catch (const ado::Error& error) {
         inside.note(error);
-        result = Inside::is_refusal(error.kind) ? Replayed::differs : Replayed::failed;
+        const bool differs = error.by_others || error.kind == ado::Failure::not_found;
+        result = differs ? Replayed::differs : Replayed::failed;
     }
-    const bool current_set_goes = going(changes, Table::Sets).contains(inside.akt_set);
+    const bool current_set_goes = going(all, Table::Sets).contains(inside.akt_set);
     if (!inside.end(result == Replayed::done) && result == Replayed::done) return Replayed::failed;
     if (result == Replayed::done && current_set_goes) inside.akt_set = 0;
     return result;

@@ -52,6 +52,24 @@ TEST_F(Pasting, is_one_operation_and_one_step) {
     EXPECT_FALSE(history.undo_name());
 }
 
+TEST_F(Pasting, keeps_what_came_before_a_name_that_no_row_can_hold) {
+    clsDBConn db(disk);
+    db.Connection_Start(QStringLiteral("a.mdb"));
+    const auto set = [](const QString& name) { return Pasted_Set{name, 0}; };
+    const CVRec cv{0, 1, 1, 7, 0, false};
+    const Paste_Report report = paste(
+        db,
+        {{set(u"\uFEFFEins"_qs), cv, set(QStringLiteral("Zwei")), cv, set(u"\uFEFF\u0100"_qs), cv}},
+        8);
+    EXPECT_TRUE(report.kept);
+    EXPECT_EQ(report.sets, 2);
+    EXPECT_EQ(report.cvs, 2);
+    EXPECT_EQ(library::trouble(db), "refused");
+    EXPECT_EQ(library::cvs(db, report.last_set).size(), 1U);
+    EXPECT_EQ(db.Get_Set_Name(report.last_set - 1), u"\uFEFFEins"_qs);
+    EXPECT_EQ(library::faults(disk, "a.mdb"), std::vector<std::string>());
+}
+
 TEST_F(Pasting, happens_whole_or_not_at_all) {
     const auto before = undo::content(disk);
     files::Memory_Disk changed = disk.copy();

@@ -4,6 +4,7 @@
 #include "support/crash_sweep.h"
 
 #include <algorithm>
+#include <array>
 #include <random>
 
 using namespace store;
@@ -44,6 +45,7 @@ std::vector<Command> commands(std::int32_t set) {
         {"paste a set",
          [](Person& p) { return p.paste_set(u"Eingefügt"_s, 40); },
          {Kind::sets_added, 1, 40, u"Eingefügt"_s}},
+        {"make, fill and empty a set", [](Person& p) { return p.make_and_empty(u"Kurz"_s); }, {}},
         {"delete CVs",
          [=](Person& p) { return p.delete_cvs(set, 14); },
          {Kind::cvs_deleted, 14, 0, {}}},
@@ -178,6 +180,103 @@ TEST_F(Undo, rows_of_other_programs_that_go_with_a_set_come_back) {
     ASSERT_EQ(history.undo().outcome, Outcome::done) << shown();
     EXPECT_EQ(difference(content(disk), before), "");
     EXPECT_EQ(library::faults(disk, "a.mdb"), std::vector<std::string>());
+}
+
+/// Cells as other programs store them, by the bytes that stand for a name of ours in the file.
+std::vector<std::pair<std::string, std::string>> foreign_names() {
+    return {{"half a surrogate", std::string("A\0\x00\xD8"
+                                             "B\0C\0",
+                                             8)},
+            {"U+FEFF", std::string("\xFF\xFE\0\xFF\xFE\0AB", 8)},
+            {"runs", std::string("\xFF\xFE"
+                                 "A\0\x1C\x04\0B",
+                                 8)},
+            {"zeros", std::string("A\0\0\0B\0\0\0", 8)}};
+}
+
+TEST_F(Undo, rows_come_back_whatever_other_programs_have_stored) {
+    if (library::names().empty()) GTEST_SKIP() << "no samples";
+    library::put(disk, "library_2000", "a.mdb");
+    std::vector<std::int32_t> ids;
+    {
+        auto file = jet::Database::open(disk, "a.mdb", jet::Mode::read_write);
+        jet::Column wide;
+        wide.type = jet::Column_Type::text;
+        wide.length = 255;
+        wide.compressed = true;
+        std::vector<jet::Cell> full;
+        for (const char16_t letter : std::u16string_view(u"abcdefgh")) {
+            wide.name = std::u16string(u"Spalte ") + letter;
+            file.add_column(u"Sets", wide);
+        }
+        const jet::Table sets = *file.table(u"Sets");
+        for (int i = 0; i < 4; ++i)
+            ids.push_back(sets.insert({{1, std::u16string(4, static_cast<char16_t>(0x4E01 + i))},
+                                       {2, 60 + i},
+                                       {3, 8}})
+                              .auto_number);
+        const auto row = sets.insert({{1, u"voll"}, {2, 70}, {3, 8}});
+        ids.push_back(row.auto_number);
+        for (std::size_t i = 4; i < 12; ++i) // at once they would be more than we let in
+            sets.update(row.id, {{i, std::u16string(255, u'x')}});
+    }
+    auto bytes = disk.bytes("a.mdb");
+    for (std::size_t i = 0; i < foreign_names().size(); ++i) {
+        const std::string stored = foreign_names()[i].second;
+        std::array<std::byte, 8> ours{};
+        for (std::size_t b = 0; b < 8; b += 2)
+            ours[b] = static_cast<std::byte>(1 + i), ours[b + 1] = std::byte{0x4E};
+        const auto at = std::search(bytes.begin(), bytes.end(), ours.begin(), ours.end());
+        ASSERT_NE(at, bytes.end());
+        std::transform(stored.begin(), stored.end(), at,
+                       [](char c) { return static_cast<std::byte>(c); });
+    }
+    disk.set_bytes("a.mdb", bytes);
+    db.Connection_Start(u"a.mdb"_s);
+    library::sets(db, 8);
+    Person person(db);
+    const Content before = content(disk);
+    for (const std::int32_t id : ids) {
+        SCOPED_TRACE(id);
+        ASSERT_TRUE(person.rename(id, u"Anders"_s)) << shown();
+        ASSERT_TRUE(db.DB_Del_CVSet(id)) << shown();
+        for (int step = 0; step < 2; ++step) {
+            ASSERT_EQ(history.undo().outcome, Outcome::done) << shown();
+        }
+        EXPECT_EQ(difference(content(disk), before), "");
+    }
+    EXPECT_EQ(library::faults(disk, "a.mdb"), std::vector<std::string>());
+}
+
+TEST_F(Undo, what_fails_is_said_and_can_be_tried_again) {
+    if (library::names().empty()) GTEST_SKIP() << "no samples";
+    library::put(disk, "library_2000", "a.mdb");
+    jet::Column wide;
+    wide.type = jet::Column_Type::text;
+    wide.length = 255;
+    const auto widen = [&](int from, int to) {
+        auto file = jet::Database::open(disk, "a.mdb", jet::Mode::read_write);
+        for (int i = from; i < to; ++i) {
+            wide.name = u"Spalte " + QString::number(i).toStdU16String();
+            file.add_column(u"Sets", wide);
+        }
+        return *file.table(u"Sets");
+    };
+    widen(0, 8);
+    std::int32_t id = 0;
+    {
+        auto file = jet::Database::open(disk, "a.mdb", jet::Mode::read_write);
+        std::vector<jet::Cell> cells{{1, u"voll"}, {2, 70}, {3, 8}};
+        for (std::size_t i = 4; i < 12; ++i) cells.push_back({i, std::u16string(248, u'語')});
+        id = file.table(u"Sets")->insert(cells).auto_number;
+    }
+    db.Connection_Start(u"a.mdb"_s);
+    library::sets(db, 8);
+    ASSERT_TRUE(db.DB_Del_CVSet(id)) << shown();
+    widen(8, 60); // another program leaves no room for it
+    EXPECT_EQ(history.undo().outcome, Outcome::failed);
+    EXPECT_EQ(shown(), "Sets: the row is too long");
+    EXPECT_TRUE(history.undo_name());
 }
 
 TEST_F(Undo, a_long_run_goes_back_step_by_step) {

@@ -84,6 +84,11 @@ public:
         const std::int32_t set = add_set(name);
         return set != 0 && write_many(set, cvs, 7) && all.keep();
     }
+    bool make_and_empty(const QString& name) {
+        store::Operation all(db_);
+        const std::int32_t set = add_set(name);
+        return write_many(set, 3, 7) && delete_cvs(set, 3) && all.keep();
+    }
     bool delete_cvs(std::int32_t set, int count) {
         const auto cvs = library::cvs(db_, set);
         store::Operation all(db_);

@@ -61,11 +61,13 @@ Transaction::Transaction(Connection& connection) : session_(connection.session()
 
 Transaction::~Transaction() {
     changes_.reset();
+    if (!committed_ && !session_.database().in_transaction()) session_.forget_held();
     session_.leave(Extent::some);
 }
 
 void Transaction::commit() {
     translated([&] { changes_->commit(); });
+    committed_ = true;
 }
 
 Reading::Reading(Connection& connection, Extent extent)

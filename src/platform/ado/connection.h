@@ -59,6 +59,7 @@ public:
 private:
     Session& session_;
     std::optional<jet::Transaction> changes_;
+    bool committed_ = false;
 };
 
 /// Several reads of one state of the file: nobody else changes it meanwhile.

@@ -42,6 +42,8 @@ Error::Error(Failure kind_, const QString& subject_, const QString& detail_)
 
 Error::Error(const jet::Error& error)
     : Error(translated(error.kind), QString::fromStdString(error.subject),
-            QString::fromStdString(error.detail)) {}
+            QString::fromStdString(error.detail)) {
+    by_others = error.by_others;
+}
 
 } // namespace ado

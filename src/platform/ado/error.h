@@ -34,6 +34,7 @@ struct Error : std::runtime_error {
     Failure kind;
     QString subject;
     QString detail;
+    bool by_others = false; ///< refused because of other rows: a key that is taken, a relation
 };
 
 } // namespace ado

@@ -10,12 +10,13 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <set>
 #include <unordered_map>
 #include <vector>
 
 namespace ado {
 
-using jet::Empty_Text;
+using jet::Origin;
 
 /// Told of every row that is added (nothing before), changed or deleted (nothing after), with all
 /// columns of its table. Rows that a relation takes along are told before the row that they follow.
@@ -54,6 +55,8 @@ public:
 
     void enter(Extent extent);
     void leave(Extent extent);
+    /// What is held in memory no longer says what the file does.
+    void forget_held();
 
     /// Tables and columns that exist for reading only, without rows and values.
     void complete_in_memory(const QString& table, const std::vector<QString>& columns);
@@ -63,8 +66,9 @@ public:
 
     /// @param wanted columns that are going to be read; none: all
     Found_Rows select(const Statement& statement, const std::vector<QString>& wanted);
-    /// Throws Error (refused) when a row could not hold these cells: text too long, number out of
-    /// range, null where it is required. Keys and relations are looked at by insert() and update().
+    /// Throws Error (refused) when a new row could not hold these cells: text too long, number out
+    /// of range, row too long, null where a value is required. Keys and relations are looked at by
+    /// insert() and update().
     void check(const QString& table, const Row& cells);
     /// Rows that hold exactly these values, texts unit by unit. @param row all columns
     Found_Rows rows_equal(const QString& table, const Row& row);
@@ -72,9 +76,9 @@ public:
     Found_Rows nothing_of(const QString& table);
     /// Adds a row and appends it to `block`. @return its place there.
     std::uint32_t insert(const QString& table, Row_Block& block, const Row& cells,
-                         Empty_Text empty = Empty_Text::null);
+                         Origin origin = Origin::typed);
     void update(const QString& table, Row_Block& block, std::uint32_t row, const Row& cells,
-                Empty_Text empty = Empty_Text::null);
+                Origin origin = Origin::typed);
     void erase(const QString& table, Row_Block& block, std::uint32_t row);
 
 private:
@@ -90,8 +94,10 @@ private:
         Part part;
         std::shared_ptr<Row_Block> block;
         std::map<std::size_t, Lookup> lookups; // by column of the block
+        std::set<std::uint32_t> gone;          // deleted; they keep their places in the block
         Lookup& lookup(std::size_t column);
-        void add(std::uint32_t row);
+        void list(std::uint32_t row);
+        void unlist(std::uint32_t row);
         void remove(std::uint32_t row);
     };
     struct Asked {

@@ -58,44 +58,38 @@ Row row_of(const jet::Table& table, const std::vector<Value>& values) {
     return row;
 }
 
-/// What is wrong with a value for a column; empty: nothing.
-QString objection(const jet::Column& column, const Value& value) {
-    if (is_null(value)) return column.required ? u"a value is required"_s : QString();
-    const auto* const text = std::get_if<std::u16string>(&value);
-    if (column.type == jet::Column_Type::text && text != nullptr && text->size() > column.length)
-        return u"longer than %1 characters"_s.arg(column.length);
-    const auto* const number = std::get_if<std::int32_t>(&value);
-    if (number != nullptr && !fits(*number, column.type)) return u"out of range"_s;
-    return {};
-}
-
 } // namespace
 
 void Session::check(const QString& table, const Row& cells) {
     translated([&] {
         const jet::Table stored = stored_table(table);
-        for (const jet::Cell& cell : cells_of(stored, cells)) {
-            const jet::Column& column = stored.columns()[cell.column];
-            const QString fault = objection(column, cell.value);
-            if (!fault.isEmpty())
-                throw Error(Failure::refused, QString::fromStdU16String(column.name), fault);
-        }
+        stored.check(cells_of(stored, cells));
     });
 }
 
-void Session::Held_Rows::add(std::uint32_t row) {
+void Session::Held_Rows::list(std::uint32_t row) {
     for (auto& [column, lookup] : lookups)
         if (const auto number = block->number(row, column)) lookup[*number].push_back(row);
 }
 
-void Session::Held_Rows::remove(std::uint32_t row) {
+void Session::Held_Rows::unlist(std::uint32_t row) {
     for (auto& [column, lookup] : lookups)
         if (const auto number = block->number(row, column)) std::erase(lookup[*number], row);
+}
+
+void Session::Held_Rows::remove(std::uint32_t row) {
+    unlist(row);
+    gone.insert(row);
 }
 
 void Session::let_go(const QString& table) {
     held_.erase(table.toLower());
     asked_.erase(table.toLower());
+}
+
+void Session::forget_held() {
+    held_.clear();
+    asked_.clear();
 }
 
 Session::Held_Rows* Session::held_with(const QString& table, const Row_Block& block) {
@@ -125,7 +119,7 @@ Found_Rows Session::rows_equal(const QString& table, const Row& row) {
         for (auto at = stored.find(wanted.size() == key.size() && !key.empty() ? wanted : cells);
              at.next();) {
             const bool equal = std::all_of(cells.begin(), cells.end(), [&](const jet::Cell& cell) {
-                return at.value(cell.column) == cell.value;
+                return jet::same_value(at.value(cell.column), cell.value);
             });
             if (!equal) continue;
             found.order.push_back(static_cast<std::uint32_t>(found.block->size()));
@@ -140,30 +134,30 @@ Found_Rows Session::nothing_of(const QString& table) {
 }
 
 std::uint32_t Session::insert(const QString& table, Row_Block& block, const Row& cells,
-                              Empty_Text empty) {
+                              Origin origin) {
     return translated([&] {
         const jet::Table stored = stored_table(table);
-        const auto id = stored.insert(cells_of(stored, cells), empty).id;
+        const auto id = stored.insert(cells_of(stored, cells), origin).id;
         const auto after = values_of(stored, id);
         const auto row = static_cast<std::uint32_t>(block.size());
         block.append(id, after);
-        if (Held_Rows* const held = held_with(table, block)) held->add(row);
+        if (Held_Rows* const held = held_with(table, block)) held->list(row);
         tell(stored, {}, after);
         return row;
     });
 }
 
 void Session::update(const QString& table, Row_Block& block, std::uint32_t row, const Row& cells,
-                     Empty_Text empty) {
+                     Origin origin) {
     translated([&] {
         const jet::Table stored = stored_table(table);
         const auto before = values_of(stored, block.id(row));
-        stored.update(block.id(row), cells_of(stored, cells), empty);
+        if (stored.update(block.id(row), cells_of(stored, cells), origin)) forget_held();
         const auto after = values_of(stored, block.id(row));
         Held_Rows* const held = held_with(table, block);
-        if (held != nullptr) held->remove(row);
+        if (held != nullptr) held->unlist(row);
         block.replace(row, after);
-        if (held != nullptr) held->add(row);
+        if (held != nullptr) held->list(row);
         tell(stored, before, after);
     });
 }

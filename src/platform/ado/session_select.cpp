@@ -159,12 +159,12 @@ Session::Held_Rows& Session::hold(const Shape& shape, const Part& part, const Co
     if (same && covers(held.block->columns(), columns)) return held;
     const Columns& kept = same ? shape.columns : columns;
     if (part) {
-        held = {part, select_stored(shape, {*part}, kept).block, {}};
+        held = {part, select_stored(shape, {*part}, kept).block, {}, {}};
         return held;
     }
     const bool for_reading =
         whole_guards_ > 0 && !shape.table->key().empty(); // else their places order rows
-    held = {part, std::make_shared<Row_Block>(kept, for_reading), {}};
+    held = {part, std::make_shared<Row_Block>(kept, for_reading), {}, {}};
     for (jet::Cursor rows = shape.table->rows(jet::Order::file); rows.next();)
         held.block->append(rows);
     return held;
@@ -177,7 +177,7 @@ Session::Lookup& Session::Held_Rows::lookup(std::size_t column) {
     std::optional<std::int32_t> last; // rows of one set mostly stand together
     for (std::uint32_t row = 0; row < block->size(); ++row) {
         const auto number = block->number(row, column);
-        if (!number) continue;
+        if (!number || gone.contains(row)) continue;
         if (number != last) bucket = &found->second[*number];
         last = number;
         bucket->push_back(row);

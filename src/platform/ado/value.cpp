@@ -43,7 +43,7 @@ struct As_Number {
 
 struct As_Text {
     std::optional<QString> operator()(const std::u16string& text) const {
-        return QString::fromStdU16String(text);
+        return QStringView(text).toString(); // fromStdU16String takes U+FEFF for a mark
     }
     std::optional<QString> operator()(std::int32_t number) const { return QString::number(number); }
     std::optional<QString> operator()(double number) const { return QString::number(number); }

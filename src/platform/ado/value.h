@@ -30,4 +30,8 @@ std::optional<QString> text(const Value& value);
 /// One row: the fields in the order of the table's columns, or those that are to be set.
 using Row = std::vector<std::pair<QString, Value>>;
 
+inline bool same_cell(const Row::value_type& one, const Row::value_type& other) {
+    return one.first == other.first && jet::same_value(one.second, other.second);
+}
+
 } // namespace ado

@@ -46,7 +46,7 @@ Value fitted_integer(const Column_Record& column, const Value& value) {
     return value;
 }
 
-Value fitted_floating(const Column_Record& column, const Value& value) {
+Value fitted_floating(const Column_Record& column, const Value& value, Origin origin) {
     double number = 0;
     if (const auto* whole = std::get_if<std::int32_t>(&value))
         number = *whole;
@@ -54,28 +54,33 @@ Value fitted_floating(const Column_Record& column, const Value& value) {
         number = *floating;
     else
         refuse(column, "takes numbers");
-    if (!std::isfinite(number) ||
-        (column.type == Column_Type::single_float &&
-         std::abs(number) > static_cast<double>(std::numeric_limits<float>::max())))
-        refuse(column, "the number is out of range");
+    const bool in_range =
+        std::isfinite(number) &&
+        (column.type != Column_Type::single_float ||
+         std::abs(number) <= static_cast<double>(std::numeric_limits<float>::max()));
+    if (!in_range && origin == Origin::typed) refuse(column, "the number is out of range");
     return column.type == Column_Type::single_float
                ? static_cast<double>(static_cast<float>(number))
                : number;
 }
 
-Value fitted_text(const Column_Record& column, const Value& value) {
+Value fitted_text(const Column_Record& column, const Value& value, Origin origin) {
     const auto* text = std::get_if<std::u16string>(&value);
     if (text == nullptr) refuse(column, "takes text");
+    check_length(column, 2 * text->size());
+    if (origin == Origin::restored) return value;
     if (column.type == Column_Type::text && text->size() > column.length / 2U)
         refuse(column,
                "the text has more than " + std::to_string(column.length / 2U) + " characters");
     return without_lone_surrogates(*text);
 }
 
-Value fitted_bytes(const Column_Record& column, const Value& value) {
+Value fitted_bytes(const Column_Record& column, const Value& value, Origin origin) {
     const auto* bytes = std::get_if<Bytes>(&value);
     if (bytes == nullptr) refuse(column, "takes bytes");
-    if (column.type == Column_Type::binary && bytes->size() > column.length)
+    check_length(column, bytes->size());
+    if (column.type == Column_Type::binary && bytes->size() > column.length &&
+        origin == Origin::typed)
         refuse(column, "more than " + std::to_string(column.length) + " bytes");
     return value;
 }
@@ -95,10 +100,11 @@ Value fitted_decimal(const Column_Record& column, const Value& value) {
     return value;
 }
 
-Value fitted_date(const Column_Record& column, const Value& value) {
+Value fitted_date(const Column_Record& column, const Value& value, Origin origin) {
     const auto* date = std::get_if<Date>(&value);
     if (date == nullptr) refuse(column, "takes dates");
-    if (!std::isfinite(date->days)) refuse(column, "the date is out of range");
+    if (!std::isfinite(date->days) && origin == Origin::typed)
+        refuse(column, "the date is out of range");
     return value;
 }
 
@@ -117,15 +123,20 @@ Bytes encode_decimal(const Decimal& decimal) {
 
 Bytes encode_text_cell(const Column_Record& column, const std::u16string& text) {
     auto bytes = encode_text(text, column.compressed() && !column.fixed());
-    if (column.fixed()) { // always of full length, padded with blanks
-        const auto end = bytes.size() / 2;
-        bytes.resize(column.length);
-        for (auto i = end; i < column.length / 2U; ++i) store_u16(bytes.data() + 2 * i, u' ');
-    }
+    if (!column.fixed()) return bytes;
+    const auto end = bytes.size();
+    if (end > column.length) refuse(column, "the text is longer than its place");
+    bytes.resize(column.length);                // always of full length, padded with blanks
+    if (text.empty() || text.front() != 0xFEFF) // zeros are read over in runs
+        for (auto i = end; i + 1 < bytes.size(); i += 2) store_u16(bytes.data() + i, u' ');
     return bytes;
 }
 
 } // namespace
+
+void check_length(const Column_Record& column, std::size_t bytes) {
+    if (bytes > Long_Header::longest) refuse(column, "the value is too long");
+}
 
 std::int32_t decode_integer(const Column_Record& column, const View& cell) {
     if (column.type == Column_Type::byte) return cell.u8(0);
@@ -181,7 +192,7 @@ Value decode_cell(Pager& pager, const Layout& layout, const Column_Record& colum
     }
 }
 
-Value fitted(const Column_Record& column, const Value& value) {
+Value fitted(const Column_Record& column, const Value& value, Origin origin) {
     if (is_null(value)) return column.boolean() ? Value(false) : value;
     switch (column.type) {
     case Column_Type::boolean:
@@ -192,28 +203,31 @@ Value fitted(const Column_Record& column, const Value& value) {
         return fitted_integer(column, value);
     case Column_Type::single_float:
     case Column_Type::double_float:
-        return fitted_floating(column, value);
+        return fitted_floating(column, value, origin);
     case Column_Type::currency:
         return fitted_as<Currency>(column, value, "takes amounts");
     case Column_Type::date:
-        return fitted_date(column, value);
+        return fitted_date(column, value, origin);
     case Column_Type::decimal:
         return fitted_decimal(column, value);
     case Column_Type::guid:
         return fitted_as<Guid>(column, value, "takes GUIDs");
     case Column_Type::text:
     case Column_Type::memo:
-        return fitted_text(column, value);
+        return fitted_text(column, value, origin);
     case Column_Type::binary:
     case Column_Type::ole:
-        return fitted_bytes(column, value);
-    default:
+        return fitted_bytes(column, value, origin);
+    default: // read as they are, and so put back
+        if (origin == Origin::restored && std::holds_alternative<Bytes>(value)) return value;
         refuse(column, "has a type that is not written");
     }
 }
 
 Bytes encode_cell(const Column_Record& column, const Value& value) {
     switch (column.type) {
+    case Column_Type::boolean:
+        return {};
     case Column_Type::byte:
         return number_bytes(static_cast<std::uint32_t>(std::get<std::int32_t>(value)), 1);
     case Column_Type::integer:
@@ -239,11 +253,8 @@ Bytes encode_cell(const Column_Record& column, const Value& value) {
     case Column_Type::text:
     case Column_Type::memo:
         return encode_text_cell(column, std::get<std::u16string>(value));
-    case Column_Type::binary:
-    case Column_Type::ole:
-        return std::get<Bytes>(value);
     default:
-        return {};
+        return std::get<Bytes>(value);
     }
 }
 

@@ -222,11 +222,14 @@ public:
     }
     void add(std::initializer_list<std::pair<std::u16string_view, Value>> cells) {
         const auto& columns = table_.definition->columns;
-        std::vector<Value> values(columns.size());
+        New_Row row;
+        row.values.resize(columns.size());
+        row.changed.assign(columns.size(), true);
         for (const auto& [name, value] : cells)
             for (std::size_t i = 0; i < columns.size(); ++i)
-                if (columns[i].name == name) values[i] = value;
-        writer_->insert(values);
+                if (columns[i].name == name) row.values[i] = value;
+        lay_out(*table_.definition, row, {}, longest_row, Origin::typed);
+        writer_->insert(row);
     }
 
 private:

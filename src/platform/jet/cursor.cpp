@@ -54,7 +54,7 @@ bool Cursor::State::advance() {
 
 bool Cursor::State::fits() const {
     return std::all_of(filter.begin(), filter.end(), [&](const Cell& cell) {
-        return value_at(source, cell.column) == cell.value;
+        return same_value(value_at(source, cell.column), cell.value);
     });
 }
 

@@ -64,16 +64,22 @@ std::optional<std::vector<Value>> Table::row(Row_Id id) const {
     });
 }
 
-Inserted Table::insert(std::span<const Cell> cells, Empty_Text empty) const {
-    Statement statement(*engine_, empty);
+Inserted Table::insert(std::span<const Cell> cells, Origin origin) const {
+    Statement statement(*engine_, origin);
     Inserted inserted;
     engine_->change([&] { statement.insert(id_, cells); }, [&] { inserted = statement.apply(); });
     return inserted;
 }
 
-void Table::update(Row_Id id, std::span<const Cell> cells, Empty_Text empty) const {
-    Statement statement(*engine_, empty);
+bool Table::update(Row_Id id, std::span<const Cell> cells, Origin origin) const {
+    Statement statement(*engine_, origin);
     engine_->change([&] { statement.update(id_, id, cells); }, [&] { statement.apply(); });
+    return statement.rows() > 1;
+}
+
+void Table::check(std::span<const Cell> cells) const {
+    const Reading reading(*engine_);
+    Statement(*engine_).check(id_, cells);
 }
 
 void Table::erase(Row_Id id) const {

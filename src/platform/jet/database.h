@@ -97,12 +97,6 @@ private:
     std::unique_ptr<State> state_;
 };
 
-/// What becomes of an empty text in a column that does not allow it.
-enum class Empty_Text {
-    null, ///< as the column wants it
-    kept  ///< as it was: other programs have such rows, and one that comes back must not differ
-};
-
 struct Inserted {
     Row_Id id;
     std::int32_t auto_number = 0; ///< 0 where the table has no such column
@@ -141,15 +135,18 @@ public:
     /// plain number or a quoted text, else null. Nothing is changed when the row is refused: a
     /// value out of range or too long, null where it is required, a key that is taken, no partner
     /// in a relation (Failure::refused, subject: the column, index or relation).
-    Inserted insert(std::span<const Cell> cells, Empty_Text empty = Empty_Text::null) const;
+    Inserted insert(std::span<const Cell> cells, Origin origin = Origin::typed) const;
     Inserted insert(std::initializer_list<Cell> cells) const {
         return insert(std::span<const Cell>(cells.begin(), cells.size()));
     }
     /// Changes the given cells; refuses as insert() does. Cascades of relations are followed.
-    void update(Row_Id id, std::span<const Cell> cells, Empty_Text empty = Empty_Text::null) const;
-    void update(Row_Id id, std::initializer_list<Cell> cells) const {
-        update(id, std::span<const Cell>(cells.begin(), cells.size()));
+    /// @return whether they have changed other rows, too.
+    bool update(Row_Id id, std::span<const Cell> cells, Origin origin = Origin::typed) const;
+    bool update(Row_Id id, std::initializer_list<Cell> cells) const {
+        return update(id, std::span<const Cell>(cells.begin(), cells.size()));
     }
+    /// Refuses what insert() would for the values alone, whatever other rows hold.
+    void check(std::span<const Cell> cells) const;
     /// Refused when rows of an enforced relation refer to it, unless the relation cascades.
     void erase(Row_Id id) const;
     /// The rows that would go, or lose their reference, with this one: relations of other programs

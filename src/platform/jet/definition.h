@@ -76,6 +76,8 @@ struct Logical_Index {
     bool cascade_delete = false;
     bool null_on_delete = false;
     Index_Kind kind = Index_Kind::other;
+
+    bool relation(Side wanted) const { return kind == Index_Kind::relation && side == wanted; }
 };
 
 /// Maps of the pages of one Memo or OLE column.

@@ -8,7 +8,6 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -101,10 +100,13 @@ public:
     void forget_table(Page_Number id);
 
     Heap_Hints& hints() { return hints_; }
-    /// Whether the counter of autonumbers is known to lie above every key: a row has got its number
-    /// since something may have been changed elsewhere.
-    bool counter_holds(Page_Number table) const { return numbered_.contains(table); }
-    void note_counter_holds(Page_Number table) { numbered_.insert(table); }
+    /// Up to where the autonumbers behind the counter are known to be free: a row has got its
+    /// number since something may have been changed elsewhere. Nothing: not known.
+    std::optional<std::int32_t> free_numbers(Page_Number table) const {
+        const auto found = numbered_.find(table);
+        return found == numbered_.end() ? std::nullopt : std::optional(found->second);
+    }
+    void note_free_numbers(Page_Number table, std::int32_t last) { numbered_[table] = last; }
 
     std::uint64_t changes() const { return changes_; }
     std::uint64_t change_count();
@@ -144,7 +146,7 @@ private:
     std::vector<Object> objects_;
     std::map<Page_Number, Table_State> tables_;
     Heap_Hints hints_;
-    std::set<Page_Number> numbered_;
+    std::map<Page_Number, std::int32_t> numbered_;
     std::optional<double> date_;
 };
 

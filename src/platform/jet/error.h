@@ -46,6 +46,7 @@ struct Error : std::runtime_error {
     Failure kind;
     std::string subject;
     std::string detail;
+    bool by_others = false; ///< refused because of other rows: a key that is taken, a relation
 };
 
 } // namespace jet

@@ -39,7 +39,7 @@ void walk_pieces(Pager& pager, const Layout& layout, const View& cell, Take take
 Long_Header Long_Header::from(const View& cell) {
     const auto word = cell.u32(0);
     Long_Header header;
-    header.length = word & 0x3FFFFFFFU;
+    header.length = word & longest;
     header.first = Row_Pointer::from(cell.u32(4));
     header.stamp = cell.u32(8);
     if (word >> 30U == 3) cell.fail("a long value of unknown kind");
@@ -47,6 +47,14 @@ Long_Header Long_Header::from(const View& cell) {
     if (header.kind == Kind::in_row && header.length > cell.size() - size)
         cell.fail("a long value that ends outside its row");
     return header;
+}
+
+Bytes Long_Header::bytes() const {
+    Bytes cell(size);
+    store_u32(cell.data(), length | std::uint64_t{static_cast<std::uint8_t>(kind)} << 30U);
+    store_u32(cell.data() + 4, first.number());
+    store_u32(cell.data() + 8, stamp);
+    return cell;
 }
 
 Bytes read_long_value(Pager& pager, const Layout& layout, const View& cell) {

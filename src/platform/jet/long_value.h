@@ -10,6 +10,9 @@ namespace jet {
 struct Long_Header {
     enum class Kind : std::uint8_t { chain = 0, one_row = 1, in_row = 2 };
     static constexpr std::size_t size = 12;
+    static constexpr std::size_t longest = 0x3FFFFFFF; ///< the length has 30 bits
+
+    Bytes bytes() const;
 
     std::size_t length = 0; ///< of the value in bytes
     Kind kind = Kind::in_row;

@@ -54,6 +54,14 @@ std::size_t position_of(const Definition& definition, std::uint16_t column_numbe
     return static_cast<std::size_t>(column - definition.columns.data());
 }
 
+std::vector<Value> values_of(const Definition& definition, const Real_Index& index,
+                             const std::vector<Value>& row) {
+    std::vector<Value> values;
+    for (const auto& part : index.columns)
+        values.push_back(row[position_of(definition, part.column)]);
+    return values;
+}
+
 Value value_at(const Row_Source& source, std::size_t column) {
     const auto& record = source.definition().columns.at(column);
     if (record.boolean()) return source.row().has(record);

@@ -28,6 +28,10 @@ std::vector<Row_Id> rows_with_key(Engine& engine, const Table_State& table, std:
 /// Position of a column in Definition::columns (and Table::columns()).
 std::size_t position_of(const Definition& definition, std::uint16_t column_number);
 
+/// The values of an index out of those of a row, in the order of the index.
+std::vector<Value> values_of(const Definition& definition, const Real_Index& index,
+                             const std::vector<Value>& row);
+
 /// The value of one cell of the row on which the source stands.
 Value value_at(const Row_Source& source, std::size_t column);
 

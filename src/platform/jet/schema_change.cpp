@@ -58,6 +58,10 @@ New_Table::New_Table(Engine& engine, std::u16string_view name, std::span<const C
                         [&](const Column& other) { return same_name(other.name, column->name); }))
             refuse(column->name, "the name is taken");
     }
+    auto definition = new_definition(0, false);
+    for (const auto& column : columns_) append_column(definition, column);
+    if (definition.fixed_end() + 2 * definition.variable_slots > longest_row)
+        refuse(name_, "its rows would be too long");
     std::vector<Index> others;
     for (const auto& index : indexes_) {
         check_new_index(columns_, others, index);
@@ -67,8 +71,6 @@ New_Table::New_Table(Engine& engine, std::u16string_view name, std::span<const C
 
 void New_Table::add_columns(Definition& definition, Page_Space& space) {
     for (const auto& column : columns_) append_column(definition, column);
-    if (definition.fixed_end() + 2 * definition.variable_slots > longest_row)
-        refuse(name_, "its rows would be too long");
     auto& pager = engine_.pager();
     definition.owned = Usage_Map::make(pager, space, 0).place();
     definition.free = Usage_Map::make(pager, space, definition.owned.page).place();

@@ -79,6 +79,7 @@ private:
     Page_Number foreign_table_ = 0;
     std::vector<Index_Part> columns_;
     std::vector<Index_Part> foreign_columns_;
+    std::vector<Index_Tree::Entry> entries_; ///< of the referring side, where it needs a tree
     bool one_to_one_ = false;
 };
 

@@ -113,6 +113,8 @@ void New_Relation::check_rows(const Table_State& table, const Table_State& forei
         if (refers && !tree.contains(key_of(shape.columns, values)))
             refuse(relation_.name, "there are rows that refer to nothing");
     });
+    if (!tree_over(*foreign.definition, foreign_columns_))
+        entries_ = entries_of(engine_, foreign, foreign_columns_, own, relation_.name);
 }
 
 /// Both ends are in one definition when a table refers to itself.
@@ -120,13 +122,9 @@ void New_Relation::add_indexes() {
     auto& pager = engine_.pager();
     Page_Space space(pager);
     const auto flags = std::uint8_t{0x80};
-    const auto& state = engine_.table(foreign_table_);
     auto foreign = read_definition(pager, jet4_layout, foreign_table_);
     auto real = tree_over(foreign, foreign_columns_);
-    if (!real)
-        real = add_tree(pager, space, foreign, foreign_columns_, flags,
-                        entries_of(engine_, state, foreign_columns_,
-                                   shape_of(foreign, foreign_columns_, flags), relation_.name));
+    if (!real) real = add_tree(pager, space, foreign, foreign_columns_, flags, std::move(entries_));
     one_to_one_ = foreign.reals[*real].unique();
     const auto referring = insert_logical(foreign, relation_.name, *real, Index_Kind::relation);
     const bool itself = table_ == foreign_table_;

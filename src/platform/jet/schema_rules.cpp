@@ -29,7 +29,8 @@ void check_length(const Column& column, std::size_t most) {
 void check_name(std::u16string_view name) {
     const bool long_enough = !name.empty() && name.size() <= 64 && name.front() != u' ';
     const bool allowed = std::all_of(name.begin(), name.end(), [](char16_t c) {
-        return c >= 0x20 && std::u16string_view(u".!`[]").find(c) == std::u16string_view::npos;
+        return c >= 0x20 && c != 0xFEFF &&
+               std::u16string_view(u".!`[]").find(c) == std::u16string_view::npos;
     });
     if (!long_enough || !allowed) refuse(name, "is no name that the format allows");
 }

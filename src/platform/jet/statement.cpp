@@ -12,36 +12,14 @@
 namespace jet {
 namespace {
 
+constexpr auto greatest_number = std::numeric_limits<std::int32_t>::max();
+
 [[noreturn]] void refuse(std::u16string_view subject, const std::string& reason) {
     throw Error(Failure::refused, to_utf8(subject), reason);
 }
 
-std::vector<Value> values_of(const Definition& definition, const Real_Index& index,
-                             const std::vector<Value>& row) {
-    std::vector<Value> values;
-    for (const auto& part : index.columns)
-        values.push_back(row[position_of(definition, part.column)]);
-    return values;
-}
-
 bool any_null(const std::vector<Value>& values) {
     return std::any_of(values.begin(), values.end(), is_null);
-}
-
-bool all_null(const std::vector<Value>& values) {
-    return std::all_of(values.begin(), values.end(), is_null);
-}
-
-bool is_relation(const Logical_Index& index, Side side) {
-    return index.kind == Index_Kind::relation && index.side == side;
-}
-
-/// Indexes on one tree have one rule; the first of them gives it a name.
-const std::u16string& name_of(const Definition& definition, std::size_t real) {
-    static const std::u16string nameless;
-    for (const auto& logical : definition.logicals)
-        if (logical.real == real) return logical.name;
-    return nameless;
 }
 
 /// An empty text becomes null in a column that does not allow it.
@@ -55,15 +33,6 @@ Guid random_guid() {
     Guid guid;
     for (auto& byte : guid.bytes) byte = static_cast<std::byte>(source());
     return guid;
-}
-
-/// The bytes of a value in a row, at most: compressed text takes fewer.
-std::size_t most_bytes(const Column_Record& column, const Value& value) {
-    if (is_null(value) || column.fixed() || column.boolean()) return 0;
-    if (column.long_value()) return 76;
-    if (const auto* text = std::get_if<std::u16string>(&value)) return 2 * text->size();
-    if (const auto* bytes = std::get_if<Bytes>(&value)) return bytes->size();
-    return 17;
 }
 
 } // namespace
@@ -106,9 +75,12 @@ Statement::Planned& Statement::plan(const Table_State& table, Row_Id row, Kind k
     if (known == nullptr) {
         auto before = read_indexed(table, row);
         places_[{id, row}] = plan_.size();
-        const auto columns = before.size();
-        plan_.push_back({kind, id, row, before, before, std::vector<bool>(columns), {}});
-        known = &plan_.back();
+        known = &plan_.emplace_back();
+        known->table = id;
+        known->row = row;
+        known->values = before;
+        known->changed.resize(before.size());
+        known->before = std::move(before);
     } else if (known->kind == Kind::erase || kind == Kind::update) {
         kind = known->kind;
     }
@@ -120,19 +92,19 @@ Statement::Planned& Statement::plan(const Table_State& table, Row_Id row, Kind k
 void Statement::set_cell(const Table_State& table, Planned& row, std::size_t column,
                          const Value& value) {
     const auto& record = table.definition->columns.at(column);
-    auto fitting = fitted(record, value);
-    if (empty_ == Empty_Text::null) null_if_forbidden(table.columns[column], fitting);
+    auto fitting = fitted(record, value, origin_);
+    if (origin_ == Origin::typed) null_if_forbidden(table.columns[column], fitting);
     if (const auto* number = std::get_if<std::int32_t>(&fitting); number && record.auto_number())
         row.auto_number = *number;
     row.values[column] = std::move(fitting);
     row.changed[column] = true;
 }
 
-void Statement::insert(Page_Number id, std::span<const Cell> cells) {
-    const auto& table = writable_table(id);
+Statement::Planned& Statement::plan_insert(const Table_State& table, std::span<const Cell> cells) {
     const auto columns = table.columns.size();
     auto& row = plan_.emplace_back();
-    row.table = id;
+    row.table = table.object.page();
+    row.before.resize(columns);
     row.values.resize(columns);
     row.changed.resize(columns);
     for (const auto& cell : cells) set_cell(table, row, cell.column, cell.value);
@@ -144,30 +116,70 @@ void Statement::insert(Page_Number id, std::span<const Cell> cells) {
         }
         if (record.auto_guid() && is_null(row.values[i])) row.values[i] = random_guid();
     }
-    row.before.resize(columns);
-    number_row(table, row);
+    row.changed.assign(columns, true);
+    return row;
+}
+
+void Statement::insert(Page_Number id, std::span<const Cell> cells) {
+    const auto& table = writable_table(id);
+    number_row(table, plan_insert(table, cells));
     finish_plan();
+}
+
+void Statement::check(Page_Number id, std::span<const Cell> cells) {
+    const auto& table = writable_table(id);
+    auto& row = plan_insert(table, cells);
+    for (std::size_t i = 0; i < row.values.size(); ++i)
+        if (table.definition->columns[i].auto_number() && is_null(row.values[i]))
+            row.values[i] = 0; // any number has as many bytes
+    check_values(table, row);
 }
 
 void Statement::number_row(const Table_State& table, Planned& row) {
     for (std::size_t i = 0; i < table.columns.size(); ++i) {
         if (!table.definition->columns[i].auto_number()) continue;
         if (is_null(row.values[i])) {
-            const auto last = std::max(writer(table).last_auto_number(), highest_number(table, i));
-            if (last == std::numeric_limits<std::int32_t>::max())
-                refuse(table.columns[i].name, "all numbers are used up");
-            row.values[i] = last + 1;
-            row.counted = true;
+            const auto numbers = free_numbers(table, i);
+            row.values[i] = numbers.last + 1;
+            row.free_numbers = numbers.end;
         }
         row.auto_number = std::get<std::int32_t>(row.values[i]);
     }
+}
+
+Statement::Numbers Statement::free_numbers(const Table_State& table, std::size_t column) {
+    const auto last = writer(table).last_auto_number();
+    const auto end = engine_.free_numbers(table.object.page());
+    if (end && last < *end) return {last, *end};
+    const auto highest = std::max(last, highest_number(table, column));
+    if (highest < greatest_number - 1) return {highest, greatest_number - 1};
+    return gap_in_numbers(table, column, last);
+}
+
+/// Where a row has the greatest number the next one goes behind the highest that has none behind it:
+/// a single row must not close its table for good.
+Statement::Numbers Statement::gap_in_numbers(const Table_State& table, std::size_t column,
+                                             std::int32_t last) {
+    std::vector<std::int32_t> numbers{0};
+    for_each_row(engine_.pager(), *table.definition, [&](Row_Source& source) {
+        const auto value = value_at(source, column);
+        if (const auto* number = std::get_if<std::int32_t>(&value)) numbers.push_back(*number);
+    });
+    std::sort(numbers.begin(), numbers.end());
+    auto end = greatest_number;
+    while (numbers.back() > 0 && numbers.back() >= end) {
+        if (numbers.back() == end) --end;
+        numbers.pop_back();
+    }
+    const auto highest = std::max(numbers.back(), 0);
+    if (highest >= end) refuse(table.columns[column].name, "all numbers are used up");
+    return {last > highest && last < end ? last : highest, end};
 }
 
 /// The counter of a file that others have changed may lag behind its keys.
 std::int32_t Statement::highest_number(const Table_State& table, std::size_t column) {
     const auto& definition = *table.definition;
     std::int32_t highest = 0;
-    if (engine_.counter_holds(table.object.page())) return highest;
     const auto note = [&](Row_Source& source) {
         const auto value = value_at(source, column);
         if (const auto* number = std::get_if<std::int32_t>(&value))
@@ -204,7 +216,7 @@ void Statement::erase(Page_Number id, Row_Id row) {
 std::vector<std::pair<Page_Number, Row_Id>> Statement::followers(Page_Number id, Row_Id row) {
     const auto& logicals = writable_table(id).definition->logicals;
     const bool referenced = std::any_of(logicals.begin(), logicals.end(), [](const auto& index) {
-        return is_relation(index, Side::referenced);
+        return index.relation(Side::referenced);
     });
     std::vector<std::pair<Page_Number, Row_Id>> found;
     if (!referenced) return found;
@@ -220,18 +232,18 @@ void Statement::finish_plan() {
         follow_relations(plan_[place]);
     }
     for (const auto& forbidding : forbidding_) {
-        const auto* row = planned(forbidding.table, forbidding.row);
-        if (row == nullptr || row->kind != Kind::erase)
-            refuse(forbidding.relation, "rows of another table refer to this one");
+        if (keeps_key(engine_.table(forbidding.table), forbidding.row, forbidding.real,
+                      forbidding.reference))
+            refuse_for_others(forbidding.relation, "rows of another table refer to this one");
     }
-    for (const auto& row : plan_)
+    for (auto& row : plan_)
         if (row.kind != Kind::erase) check_row(row);
 }
 
 void Statement::follow_relations(Planned& row) {
     const auto& table = writable_table(row.table);
     for (const auto& index : table.definition->logicals)
-        if (is_relation(index, Side::referenced)) follow(table, row, index);
+        if (index.relation(Side::referenced)) follow(table, row, index);
 }
 
 const Logical_Index& Statement::partner(const Logical_Index& index,
@@ -259,120 +271,24 @@ void Statement::follow(const Table_State& table, Planned& row, const Logical_Ind
             {position_of(*child.definition, child_real.columns[i].column), after[i]});
     const auto wanted = key_of(child.shapes[other.real].columns, before);
     for (const auto& at : writer(child).tree(other.real).rows(wanted))
-        follow_to(child, {at.page, at.row}, row, other, new_reference);
+        if (keeps_key(child, {at.page, at.row}, other.real, wanted)) // not followed before
+            follow_to(child, {at.page, at.row}, row, other, new_reference, wanted);
 }
 
 void Statement::follow_to(const Table_State& child, Row_Id child_row, const Planned& row,
-                          const Logical_Index& index, const std::vector<Cell>& new_reference) {
-    if (row.kind == Kind::update) {
-        if (index.cascade_update)
-            plan_update(child, child_row, new_reference);
-        else
-            forbidding_.push_back({child.object.page(), child_row, index.name});
-        return;
-    }
-    const auto* known = planned(child.object.page(), child_row);
-    if (known != nullptr && known->kind == Kind::erase) return;
-    if (index.cascade_delete) {
+                          const Logical_Index& index, const std::vector<Cell>& new_reference,
+                          const Bytes& reference) {
+    if (row.kind == Kind::update && index.cascade_update) {
+        plan_update(child, child_row, new_reference);
+    } else if (row.kind == Kind::erase && index.cascade_delete) {
         plan(child, child_row, Kind::erase);
-    } else if (index.null_on_delete) {
+    } else if (row.kind == Kind::erase && index.null_on_delete) {
         auto nulls = new_reference;
         for (auto& cell : nulls) cell.value = Null{};
         plan_update(child, child_row, nulls);
     } else {
-        forbidding_.push_back({child.object.page(), child_row, index.name});
+        forbidding_.push_back({child.object.page(), child_row, index.real, reference, index.name});
     }
-}
-
-void Statement::check_row(const Planned& row) {
-    const auto& table = writable_table(row.table);
-    check_required(table, row);
-    check_length(table, row);
-    for (std::size_t real = 0; real < table.definition->reals.size(); ++real)
-        check_index(table, row, real);
-    for (const auto& index : table.definition->logicals)
-        if (is_relation(index, Side::referring)) check_reference(table, row, index);
-}
-
-void Statement::check_required(const Table_State& table, const Planned& row) const {
-    for (std::size_t i = 0; i < table.columns.size(); ++i) {
-        const bool set = row.kind == Kind::insert || row.changed[i];
-        if (set && table.columns[i].required && is_null(row.values[i]))
-            refuse(table.columns[i].name, "must not be null");
-    }
-}
-
-void Statement::check_length(const Table_State& table, const Planned& row) const {
-    const auto& definition = *table.definition;
-    std::size_t length =
-        definition.fixed_end() + 2 * definition.variable_slots + definition.max_columns / 8U + 8;
-    Raw_Cells kept(definition.columns.size());
-    if (row.kind == Kind::update) {
-        Row_Source source(engine_.pager(), definition);
-        if (source.find(row.row)) kept = raw_cells(definition, source.row());
-    }
-    for (std::size_t i = 0; i < definition.columns.size(); ++i) {
-        const auto& column = definition.columns[i];
-        if (row.kind == Kind::insert || row.changed[i])
-            length += most_bytes(column, row.values[i]);
-        else if (kept[i] && !column.fixed())
-            length += kept[i]->size();
-    }
-    if (length > longest_row) refuse(table.object.name, "the row is too long");
-}
-
-void Statement::check_index(const Table_State& table, const Planned& row, std::size_t real) {
-    const auto& index = table.definition->reals[real];
-    const auto& shape = table.shapes[real];
-    const auto values = values_of(*table.definition, index, row.values);
-    const auto key = key_of(shape.columns, values);
-    if (row.kind == Kind::update &&
-        key == key_of(shape.columns, values_of(*table.definition, index, row.before)))
-        return;
-    const auto& name = name_of(*table.definition, real);
-    const auto rule = null_rule(shape, values);
-    if (rule == Null_Rule::refused) refuse(name, "the index allows no null");
-    if (key.size() > Index_Tree::longest_key) refuse(name, "the key is too long");
-    if (!shape.unique || rule != Null_Rule::entry) return;
-    if (!new_keys_[{row.table, real}].insert(key).second) refuse(name, "the key is there already");
-    for (const auto& at : writer(table).tree(real).rows(key)) {
-        const auto* other = planned(row.table, {at.page, at.row});
-        const bool goes =
-            other != nullptr &&
-            (other->kind == Kind::erase ||
-             key_of(shape.columns, values_of(*table.definition, index, other->values)) != key);
-        if (!goes) refuse(name, "the key is there already");
-    }
-}
-
-/// Whether a row that this statement stores will have the key.
-bool Statement::planned_key(const Table_State& table, std::size_t real, const Bytes& key) {
-    const auto& index = table.definition->reals[real];
-    return std::any_of(plan_.begin(), plan_.end(), [&](const Planned& row) {
-        return row.table == table.object.page() && row.kind != Kind::erase &&
-               key_of(table.shapes[real].columns,
-                      values_of(*table.definition, index, row.values)) == key;
-    });
-}
-
-void Statement::check_reference(const Table_State& table, const Planned& row,
-                                const Logical_Index& index) {
-    const auto& real = table.definition->reals[index.real];
-    const auto& columns = table.shapes[index.real].columns;
-    const auto values = values_of(*table.definition, real, row.values);
-    if (all_null(values)) return;
-    if (row.kind == Kind::update &&
-        key_of(columns, values) == key_of(columns, values_of(*table.definition, real, row.before)))
-        return;
-    const auto& parent = engine_.table(index.partner_table);
-    const auto& other = partner(index, parent);
-    if (!can_compute(parent.shapes[other.real]))
-        throw Error(Failure::read_only, to_utf8(parent.object.name),
-                    "has an index whose keys cannot be computed");
-    const auto wanted = key_of(parent.shapes[other.real].columns, values);
-    if (!writer(parent).tree(other.real).contains(wanted) &&
-        !planned_key(parent, other.real, wanted))
-        refuse(index.name, "there is no row to which this one refers");
 }
 
 Inserted Statement::apply() {
@@ -382,13 +298,17 @@ Inserted Statement::apply() {
         if (row.kind == Kind::erase) {
             table_writer.erase(row.row);
         } else if (row.kind == Kind::update) {
-            table_writer.update(row.row, row.values, row.changed);
+            table_writer.update(row.row, row);
         } else {
-            inserted.id = table_writer.insert(row.values);
+            inserted.id = table_writer.insert(row);
             inserted.auto_number = row.auto_number.value_or(0);
         }
-        if (row.auto_number) table_writer.note_auto_number(*row.auto_number);
-        if (row.counted) engine_.note_counter_holds(row.table);
+        if (!row.auto_number) continue;
+        const auto number = *row.auto_number; // the greatest says nothing about the next one
+        if (row.free_numbers ||
+            (number > table_writer.last_auto_number() && number < greatest_number))
+            table_writer.set_auto_number(number);
+        if (row.free_numbers) engine_.note_free_numbers(row.table, *row.free_numbers);
     }
     return inserted;
 }

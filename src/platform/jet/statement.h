@@ -16,36 +16,47 @@ namespace jet {
 /// file or the medium does.
 class Statement {
 public:
-    explicit Statement(Engine& engine, Empty_Text empty = Empty_Text::null)
-        : engine_(engine), empty_(empty) {}
+    explicit Statement(Engine& engine, Origin origin = Origin::typed)
+        : engine_(engine), origin_(origin) {}
 
     void insert(Page_Number table, std::span<const Cell> cells);
     void update(Page_Number table, Row_Id row, std::span<const Cell> cells);
     void erase(Page_Number table, Row_Id row);
+    /// Refuses what insert() would for the values alone, whatever the other rows hold.
+    void check(Page_Number table, std::span<const Cell> cells);
     /// What erasing a row would delete or change besides.
     std::vector<std::pair<Page_Number, Row_Id>> followers(Page_Number table, Row_Id row);
     /// @return the row that was inserted, if any.
     Inserted apply();
+    /// So many rows are changed.
+    std::size_t rows() const { return plan_.size(); }
 
 private:
     enum class Kind { insert, update, erase };
-    struct Planned {
+    struct Planned : New_Row {
         Kind kind = Kind::insert;
         Page_Number table = 0;
         Row_Id row;
-        std::vector<Value> before; ///< the columns of indexes; others are null
-        std::vector<Value> values; ///< the same, and all that is set
-        std::vector<bool> changed;
+        std::vector<Value> before;               ///< the columns of indexes; others are null
         std::optional<std::int32_t> auto_number; ///< set by this statement
-        bool counted = false;                    ///< the number is the next one
+        /// The number is the next one, and those behind it are free up to this.
+        std::optional<std::int32_t> free_numbers;
+    };
+    /// Autonumbers that no row has, those behind `last` up to `end`.
+    struct Numbers {
+        std::int32_t last, end;
     };
     /// A row that refers to one that goes or gets another key, in a relation without cascades.
     struct Forbidding {
         Page_Number table;
         Row_Id row;
+        std::size_t real;
+        Bytes reference;
         std::u16string relation;
     };
 
+    [[noreturn]] static void refuse_for_others(std::u16string_view subject,
+                                               const std::string& reason);
     const Table_State& writable_table(Page_Number id);
     Table_Writer writer(const Table_State& table);
     std::vector<Value> read_indexed(const Table_State& table, Row_Id row);
@@ -54,25 +65,29 @@ private:
     void plan_update(const Table_State& table, Row_Id row, std::span<const Cell> cells);
 
     void set_cell(const Table_State& table, Planned& row, std::size_t column, const Value& value);
+    Planned& plan_insert(const Table_State& table, std::span<const Cell> cells);
     void number_row(const Table_State& table, Planned& row);
+    Numbers free_numbers(const Table_State& table, std::size_t column);
     std::int32_t highest_number(const Table_State& table, std::size_t column);
+    Numbers gap_in_numbers(const Table_State& table, std::size_t column, std::int32_t last);
 
     void finish_plan();
     void follow_relations(Planned& row);
     void follow(const Table_State& table, Planned& row, const Logical_Index& index);
     void follow_to(const Table_State& child, Row_Id child_row, const Planned& row,
-                   const Logical_Index& index, const std::vector<Cell>& new_reference);
+                   const Logical_Index& index, const std::vector<Cell>& new_reference,
+                   const Bytes& reference);
     const Logical_Index& partner(const Logical_Index& index, const Table_State& other) const;
 
-    void check_row(const Planned& row);
-    void check_required(const Table_State& table, const Planned& row) const;
-    void check_length(const Table_State& table, const Planned& row) const;
+    void check_row(Planned& row);
+    void check_values(const Table_State& table, Planned& row);
     void check_index(const Table_State& table, const Planned& row, std::size_t real);
     void check_reference(const Table_State& table, const Planned& row, const Logical_Index& index);
-    bool planned_key(const Table_State& table, std::size_t real, const Bytes& key);
+    bool keeps_key(const Table_State& table, Row_Id row, std::size_t real, const Bytes& key);
+    bool will_have_key(const Table_State& table, std::size_t real, const Bytes& key);
 
     Engine& engine_;
-    Empty_Text empty_;
+    Origin origin_;
     std::deque<Planned> plan_; ///< references stay valid while it grows
     std::map<std::pair<Page_Number, Row_Id>, std::size_t> places_;
     std::deque<std::size_t> to_follow_;

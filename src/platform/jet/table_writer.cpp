@@ -8,21 +8,12 @@
 namespace jet {
 namespace {
 
-constexpr std::size_t longest_in_row = 64; ///< a long value beside its header
-constexpr std::size_t all_in_row = 1024;   ///< the same for all columns of a row together
 constexpr std::size_t longest_one_row = 4076;
 constexpr std::size_t longest_piece = 4072; ///< a pointer to the next one goes before it
 constexpr std::size_t unique_count_in_block = 4;
 
 Row_Pointer pointer(Row_Id id) { return {id.page, id.slot}; }
 Row_Id row_id(Row_Pointer at) { return {at.page, at.row}; }
-
-Bytes long_cell(std::size_t length, Long_Header::Kind kind, Row_Pointer first) {
-    Bytes cell(Long_Header::size);
-    store_u32(cell.data(), length | std::uint64_t{static_cast<std::uint8_t>(kind)} << 30U);
-    store_u32(cell.data() + 4, first.number());
-    return cell;
-}
 
 } // namespace
 
@@ -43,9 +34,7 @@ Index_Tree Table_Writer::tree(std::size_t real) const {
 }
 
 std::optional<Bytes> Table_Writer::key(std::size_t real, const std::vector<Value>& values) const {
-    std::vector<Value> of_index;
-    for (const auto& part : definition_->reals[real].columns)
-        of_index.push_back(values[position_of(*definition_, part.column)]);
+    const auto of_index = jet::values_of(*definition_, definition_->reals[real], values);
     const auto& shape = table_->shapes[real];
     if (null_rule(shape, of_index) == Null_Rule::left_out) return std::nullopt;
     return key_of(shape.columns, of_index);
@@ -54,13 +43,8 @@ std::optional<Bytes> Table_Writer::key(std::size_t real, const std::vector<Value
 Bytes Table_Writer::store_long(const Column_Record& column, const Bytes& data) const {
     using Kind = Long_Header::Kind;
     auto rows = long_heap(column);
-    if (data.size() <= std::min(longest_in_row, all_in_row / definition_->long_maps.size())) {
-        auto cell = long_cell(data.size(), Kind::in_row, {});
-        cell.insert(cell.end(), data.begin(), data.end());
-        return cell;
-    }
     if (data.size() <= longest_one_row)
-        return long_cell(data.size(), Kind::one_row, rows.add(data, Slot_Kind::live));
+        return Long_Header{data.size(), Kind::one_row, rows.add(data, Slot_Kind::live), 0}.bytes();
     // The last piece goes first, since each one names the next. The first one takes a page of its
     // own: the stamp of the page and that in the header are both 0 then.
     Row_Pointer next;
@@ -71,7 +55,7 @@ Bytes Table_Writer::store_long(const Column_Record& column, const Bytes& data) c
         const auto begin = data.begin() + static_cast<std::ptrdiff_t>(at);
         piece.insert(piece.end(), begin, begin + static_cast<std::ptrdiff_t>(size));
         next = rows.add(piece, Slot_Kind::live, at == 0);
-        if (at == 0) return long_cell(data.size(), Kind::chain, next);
+        if (at == 0) return Long_Header{data.size(), Kind::chain, next, 0}.bytes();
     }
 }
 
@@ -89,9 +73,10 @@ void Table_Writer::free_long_values(const Raw_Cells& cells) const {
             free_long(definition_->columns[i], *cells[i]);
 }
 
-Bytes Table_Writer::stored_cell(const Column_Record& column, const Value& value) const {
-    auto bytes = encode_cell(column, value);
-    return column.long_value() ? store_long(column, bytes) : bytes;
+std::optional<Bytes> Table_Writer::stored_cell(const New_Row& row, std::size_t column) const {
+    const bool beside = !row.beside.empty() && row.beside[column];
+    return beside ? store_long(definition_->columns[column], *row.cells[column])
+                  : row.cells[column];
 }
 
 std::vector<Value> Table_Writer::values_of(const Row_Source& source) const {
@@ -116,16 +101,12 @@ void Table_Writer::add_entry(std::size_t real, const Bytes& key, Row_Id id) {
             jet4_layout.blocks + jet4_layout.entry_count_size * real + unique_count_in_block, 1);
 }
 
-Row_Id Table_Writer::insert(const std::vector<Value>& values) {
-    Raw_Cells cells(values.size());
-    for (std::size_t i = 0; i < values.size(); ++i) {
-        const auto& column = definition_->columns[i];
-        const bool there = column.boolean() ? std::get<bool>(values[i]) : !is_null(values[i]);
-        if (there) cells[i] = stored_cell(column, values[i]);
-    }
+Row_Id Table_Writer::insert(const New_Row& row) {
+    Raw_Cells cells(row.cells.size());
+    for (std::size_t i = 0; i < cells.size(); ++i) cells[i] = stored_cell(row, i);
     const auto id = row_id(heap().add(encode_row(*definition_, cells), Slot_Kind::live));
     for (std::size_t real = 0; real < definition_->reals.size(); ++real)
-        if (const auto entry = key(real, values)) add_entry(real, *entry, id);
+        if (const auto entry = key(real, row.values)) add_entry(real, *entry, id);
     add_to_count(jet4_layout.row_count, 1);
     return id;
 }
@@ -145,25 +126,19 @@ void Table_Writer::replace_row(Row_Id id, Row_Id place, const Bytes& row) {
     rows.replace(pointer(id), to_it, Slot_Kind::pointer);
 }
 
-void Table_Writer::update(Row_Id id, const std::vector<Value>& values,
-                          const std::vector<bool>& changed) {
+void Table_Writer::update(Row_Id id, const New_Row& row) {
     Row_Source source(*pager_, *definition_);
     if (!source.find(id)) throw damaged(id.page, "a row that is no longer there");
     const auto before = values_of(source);
     auto cells = raw_cells(*definition_, source.row());
     Raw_Cells replaced(cells.size());
-    for (std::size_t i = 0; i < cells.size(); ++i) {
-        if (!changed[i]) continue;
-        const auto& column = definition_->columns[i];
-        const bool there = column.boolean() ? std::get<bool>(values[i]) : !is_null(values[i]);
-        replaced[i] = std::exchange(cells[i], std::nullopt);
-        if (there) cells[i] = stored_cell(column, values[i]);
-    }
+    for (std::size_t i = 0; i < cells.size(); ++i)
+        if (row.changed[i]) replaced[i] = std::exchange(cells[i], stored_cell(row, i));
     replace_row(id, source.place(), encode_row(*definition_, cells));
     free_long_values(replaced);
     for (std::size_t real = 0; real < definition_->reals.size(); ++real) {
         const auto old_key = key(real, before);
-        const auto new_key = key(real, values);
+        const auto new_key = key(real, row.values);
         if (old_key == new_key) continue;
         if (old_key) tree(real).erase(space_, *old_key, pointer(id));
         if (new_key) add_entry(real, *new_key, id);
@@ -196,10 +171,9 @@ std::int32_t Table_Writer::last_auto_number() const {
     return View(*page, definition_->page()).i32(jet4_layout.auto_number);
 }
 
-void Table_Writer::note_auto_number(std::int32_t number) {
-    if (number <= last_auto_number()) return;
+void Table_Writer::set_auto_number(std::int32_t last) {
     store_u32(pager_->change(definition_->page()).data() + jet4_layout.auto_number,
-              static_cast<std::uint32_t>(number));
+              static_cast<std::uint32_t>(last));
 }
 
 } // namespace jet

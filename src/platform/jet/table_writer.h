@@ -2,8 +2,8 @@
 
 #include "platform/jet/engine.h"
 #include "platform/jet/index_tree.h"
-#include "platform/jet/row_encoder.h"
 #include "platform/jet/row_heap.h"
+#include "platform/jet/row_layout.h"
 
 #include <vector>
 
@@ -17,17 +17,15 @@ public:
         : pager_(&pager), space_(pager), hints_(&hints), table_(&table),
           definition_(table.definition.get()) {}
 
-    /// @param values fitted, one for each column of the definition.
-    Row_Id insert(const std::vector<Value>& values);
-    /// @param changed which of the values are new; the cells of the others keep their bytes.
-    void update(Row_Id id, const std::vector<Value>& values, const std::vector<bool>& changed);
+    Row_Id insert(const New_Row& row);
+    /// The cells that are not set keep their bytes.
+    void update(Row_Id id, const New_Row& row);
     void erase(Row_Id id);
 
     /// Writes the row anew with all columns of the table, for a table that has got its first
     /// variable column. @param before the definition by which the rows were written.
     void rewrite(Row_Id id, const Definition& before);
-    /// Raises the counter of autonumbers to a number that was stored.
-    void note_auto_number(std::int32_t number);
+    void set_auto_number(std::int32_t last);
     std::int32_t last_auto_number() const;
 
     /// The tree of a real index.
@@ -38,7 +36,7 @@ public:
 private:
     Row_Heap heap() const;
     Row_Heap long_heap(const Column_Record& column) const;
-    Bytes stored_cell(const Column_Record& column, const Value& value) const;
+    std::optional<Bytes> stored_cell(const New_Row& row, std::size_t column) const;
     Bytes store_long(const Column_Record& column, const Bytes& data) const;
     void free_long(const Column_Record& column, const Bytes& cell) const;
     void free_long_values(const Raw_Cells& cells) const;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 namespace jet {
 namespace {
@@ -39,6 +40,24 @@ void decode_compressed(std::span<const std::byte> stored, std::u16string& into) 
         else if (++i < stored.size())
             into.push_back(static_cast<char16_t>(low | load_u8(stored.data() + i) << 8U));
     }
+}
+
+/// The form that decode_compressed() reads, with its mark; nothing where a character has none.
+std::optional<std::vector<std::byte>> encode_runs(std::u16string_view text) {
+    std::vector<std::byte> stored{std::byte{0xFF}, std::byte{0xFE}};
+    bool narrow = true;
+    for (const char16_t c : text) {
+        const auto low = static_cast<std::byte>(c);
+        const auto high = static_cast<std::byte>(c >> 8U);
+        if (low == std::byte{0}) return std::nullopt;
+        if (narrow != (high == std::byte{0})) {
+            stored.push_back(std::byte{0});
+            narrow = !narrow;
+        }
+        stored.push_back(low);
+        if (!narrow) stored.push_back(high);
+    }
+    return stored;
 }
 
 bool compressible(std::u16string_view text) {
@@ -98,12 +117,17 @@ std::vector<std::byte> encode_plain(std::u16string_view text) {
 }
 
 std::vector<std::byte> encode_text(std::u16string_view text, bool compressed) {
-    if (!text.empty() && text.front() == 0xFEFF)
-        throw Error(Failure::refused, to_utf8(text), "begins with the mark of compressed text");
-    if (!compressed || !compressible(text)) return encode_plain(text);
-    std::vector<std::byte> stored{std::byte{0xFF}, std::byte{0xFE}};
-    for (const char16_t c : text) stored.push_back(static_cast<std::byte>(c));
-    return stored;
+    const bool seems_compressed = !text.empty() && text.front() == 0xFEFF;
+    if (!seems_compressed && !(compressed && compressible(text))) return encode_plain(text);
+    if (auto stored = encode_runs(text)) return *std::move(stored);
+    throw Error(Failure::refused, to_utf8(text), "begins with the mark of compressed text");
+}
+
+std::vector<std::byte> encode_shortest(std::u16string_view text) {
+    auto runs = encode_runs(text);
+    const bool only = !text.empty() && text.front() == 0xFEFF;
+    return runs && (only || runs->size() < 2 * text.size()) ? *std::move(runs)
+                                                            : encode_text(text, false);
 }
 
 std::u16string without_lone_surrogates(std::u16string_view text) {

@@ -17,13 +17,18 @@ void decode_ansi(std::span<const std::byte> stored, std::u16string& into);
 
 /// Jet 4 form of a text. Compressed only if allowed, from 3 to 1024 characters, all U+0001..U+00FF:
 /// that is what other programs write, and all of them read it. A text that begins with U+FEFF would
-/// read as compressed and is refused.
+/// read as compressed and takes runs of one and of two bytes a character; those cannot hold a
+/// character with a zero byte that has two, so such a text is refused.
 std::vector<std::byte> encode_text(std::u16string_view text, bool compressed);
+
+/// The same in as few bytes as all programs read: some write runs wherever they save room.
+std::vector<std::byte> encode_shortest(std::u16string_view text);
 
 /// UTF-16LE as it is: names, and texts in properties.
 std::vector<std::byte> encode_plain(std::u16string_view text);
 
-/// Surrogates without a partner are never stored: they become U+FFFD, in the row and in its keys.
+/// Surrogates without a partner are not stored as they are typed: they become U+FFFD, in the row
+/// and in its keys.
 std::u16string without_lone_surrogates(std::u16string_view text);
 
 /// Names of objects, columns and indexes are one and the same in upper and lower case.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -68,5 +69,22 @@ using Value = std::variant<Null, bool, std::int32_t, double, Currency, Date, Dec
                            std::u16string, Bytes>;
 
 inline bool is_null(const Value& value) { return std::holds_alternative<Null>(value); }
+
+/// Equal, or both no number: NaN differs from itself, but the row that holds it does not.
+inline bool same_value(const Value& one, const Value& other) {
+    const auto no_number = [](const Value& value) {
+        const auto* const number = std::get_if<double>(&value);
+        const auto* const date = std::get_if<Date>(&value);
+        return number != nullptr ? std::isnan(*number) : date != nullptr && std::isnan(date->days);
+    };
+    return one == other || (one.index() == other.index() && no_number(one) && no_number(other));
+}
+
+/// Where the values of a row come from.
+enum class Origin {
+    typed,   ///< somebody wants them stored: they are made to fit, or refused
+    restored ///< they were in the file: other programs store what we refuse, and what comes back
+             ///< must not differ
+};
 
 } // namespace jet

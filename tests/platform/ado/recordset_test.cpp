@@ -177,6 +177,39 @@ TEST_F(Records, lookups_follow_own_changes) {
     }
 }
 
+TEST_F(Records, what_is_held_forgets_rows_that_go_and_changes_that_are_rolled_back) {
+    for (const bool with_index : {false, true}) {
+        SCOPED_TRACE(with_index);
+        make(with_index);
+        open();
+        for (const int b : {1, 2, 3}) insert(5, b);
+        const QString by_both = u"SELECT * FROM T WHERE A = 5 AND B = 2"_s;
+        const QString by_one = u"SELECT * FROM T WHERE B = 2"_s;
+        std::optional<ado::Reading> reading(std::in_place, connection);
+        for (const bool kept : {false, true}) {
+            for (int i = 0; i < 2; ++i) ASSERT_EQ(found(by_both), Strings{"2:5/2"});
+            ado::Transaction transaction(connection);
+            for (int i = 0; i < 2; ++i) ASSERT_EQ(found(by_both), Strings{"2:5/2"});
+            query(by_both).erase();
+            for (int i = 0; i < 2; ++i) EXPECT_EQ(found(by_one), Strings{});
+            EXPECT_EQ(found(u"SELECT * FROM T WHERE K = 2 AND B = 2"_s), Strings{});
+            query(by_both);
+            for (const int b : {2, 9}) {
+                rows.add_new();
+                rows.set(u"A"_s, ado::value(5));
+                rows.set(u"B"_s, ado::value(b));
+                rows.update();
+            }
+            for (int i = 0; i < 2; ++i) EXPECT_EQ(found(by_both).size(), 1U);
+            if (kept) transaction.commit();
+        }
+        EXPECT_EQ(found(by_both), Strings{"4:5/2"});
+        EXPECT_EQ(found(u"SELECT * FROM T WHERE B = 9"_s), Strings{"5:5/9"});
+        reading.reset();
+        connection.close();
+    }
+}
+
 TEST_F(Records, a_join_shows_each_pair_once_and_null_where_there_is_no_partner) {
     {
         auto made = jet::Database::create(disk, "a.mdb", 40000.0);

@@ -169,20 +169,6 @@ TEST_F(Editing, two_copies_see_what_the_other_has_changed) {
     EXPECT_EQ(faults(one), "");
 }
 
-/// Tables of our own on an empty file.
-class Own_Table : public testing::Test {
-protected:
-    jet::Table make(std::vector<jet::Column> columns, std::vector<jet::Index> indexes = {}) {
-        auto id = column(u"id");
-        id.auto_number = true;
-        columns.insert(columns.begin(), id);
-        indexes.insert(indexes.begin(), primary_key(u"id"));
-        return database.create_table(u"T", columns, indexes);
-    }
-    files::Memory_Disk disk;
-    jet::Database database = jet::Database::create(disk, path);
-};
-
 TEST_F(Own_Table, space_of_deleted_rows_is_used_again) {
     const auto table =
         make({column(u"Text", Column_Type::text, 200), column(u"Memo", Column_Type::memo)});
@@ -290,16 +276,6 @@ TEST_F(Own_Table, a_definition_grows_over_several_pages) {
     EXPECT_EQ(open(disk).table(u"T")->columns().size(), 152U);
 }
 
-TEST_F(Own_Table, empty_text_is_null_where_it_is_not_allowed) {
-    auto strict = column(u"Strict", Column_Type::text, 10);
-    strict.allow_zero_length = false;
-    const auto table = make({column(u"Free", Column_Type::text, 10), strict});
-    const auto row = table.insert({{1, u""}, {2, u""}}).id;
-    EXPECT_EQ(*table.row(row), (std::vector<Value>{1, u"", Null{}}));
-    table.update(row, std::vector<Cell>{{2, u""}}, jet::Empty_Text::kept);
-    EXPECT_EQ(*table.row(row), (std::vector<Value>{1, u"", u""}));
-}
-
 TEST_F(Own_Table, rows_are_found_by_any_of_their_cells) {
     jet::Index index;
     index.name = u"Pair";
@@ -325,96 +301,6 @@ TEST_F(Own_Table, rows_are_found_by_any_of_their_cells) {
     EXPECT_EQ(count({{1, 77}}), 0);
     EXPECT_TRUE(table.quick(std::vector<std::size_t>{3, 2, 1}));
     EXPECT_FALSE(table.quick(std::vector<std::size_t>{2, 3}));
-}
-
-TEST_F(Own_Table, defaults_fill_what_is_not_given) {
-    const struct {
-        Column_Type type;
-        const char16_t* expression;
-        Value value;
-    } cases[] = {{Column_Type::long_integer, u"42", 42},
-                 {Column_Type::long_integer, u"=-3", -3},
-                 {Column_Type::byte, u"300", Null{}},
-                 {Column_Type::double_float, u"2.5", 2.5},
-                 {Column_Type::text, u"\"say \"\"no\"\"\"", u"say \"no\""},
-                 {Column_Type::text, u"'x'", u"x"},
-                 {Column_Type::text, u"\"ab\"c\"", Null{}},
-                 {Column_Type::text, u"Now()", Null{}},
-                 {Column_Type::date, u"Date()", Null{}},
-                 {Column_Type::boolean, u"-1", true},
-                 {Column_Type::boolean, u"0", false},
-                 {Column_Type::currency, u"1.5", jet::Currency{15000}},
-                 {Column_Type::long_integer, u"\"7\"", Null{}}};
-    std::vector<jet::Column> columns;
-    for (const auto& one : cases) {
-        auto& made = columns.emplace_back(
-            column(u"c" + std::u16string(1, static_cast<char16_t>(u'a' + columns.size())), one.type,
-                   one.type == Column_Type::text ? 20 : 0));
-        made.default_value = one.expression;
-    }
-    auto strict = column(u"Strict", Column_Type::text, 20);
-    strict.default_value = u"\"\"";
-    strict.allow_zero_length = false;
-    columns.push_back(strict);
-    const auto table = make(columns);
-    const auto row = *table.row(table.insert({}).id);
-    for (std::size_t i = 0; i < std::size(cases); ++i) EXPECT_EQ(row[i + 1], cases[i].value) << i;
-    EXPECT_EQ(row.back(), Value(Null{})) << "an empty default, too, is null where that is needed";
-    EXPECT_EQ(faults(database, true), "");
-}
-
-TEST_F(Own_Table, an_autonumber_lies_above_every_key) {
-    const auto table = make({});
-    EXPECT_EQ(table.insert({}).auto_number, 1);
-    EXPECT_EQ(table.insert({{0, 100}}).auto_number, 100);
-    EXPECT_EQ(table.insert({{0, 50}}).auto_number, 50);
-    EXPECT_EQ(table.insert({}).auto_number, 101);
-    auto last = table.find({{0, 101}});
-    ASSERT_TRUE(last.next());
-    const auto row = last.id();
-    table.erase(row);
-    EXPECT_EQ(table.insert({}).auto_number, 102) << "numbers of deleted rows are not given again";
-    auto top = table.find({{0, 102}});
-    ASSERT_TRUE(top.next());
-    const auto highest = top.id();
-    table.update(highest, {{0, 2147483647}});
-    EXPECT_EQ(failure([&] { table.insert({}); }), Failure::refused);
-    EXPECT_EQ(faults(database, true), "");
-}
-
-TEST_F(Own_Table, relations_follow_their_rules) {
-    const auto table = make({column(u"Parent")});
-    jet::Relation itself{u"Tree", u"T", {u"id"}, u"T", {u"Parent"}};
-    itself.cascade_delete = true;
-    database.add_relation(itself);
-    EXPECT_EQ(faults(database, true), "");
-    for (int i = 1; i <= 2000; ++i) // a long chain
-        table.insert({{1, i == 1 ? Value(Null{}) : Value(i - 1)}});
-    EXPECT_EQ(failure([&] { table.insert({{1, 5000}}); }), Failure::refused);
-    table.insert({{0, 5000}, {1, 5000}}); // refers to itself
-    auto found = table.find({{0, 2}});
-    ASSERT_TRUE(found.next());
-    const auto second = found.id();
-    const auto followers = table.followers(second);
-    ASSERT_EQ(followers.size(), 1998U);
-    EXPECT_EQ((*table.row(followers.front().row))[0], Value(3));
-    table.erase(second);
-    EXPECT_EQ(table.row_count(), 2U);
-    EXPECT_EQ(faults(database, true), "");
-
-    auto child = column(u"T id");
-    const auto other = database.create_table(u"Other", std::vector{child}, {});
-    jet::Relation forgetting{u"Forgetting", u"T", {u"id"}, u"Other", {u"T id"}};
-    forgetting.null_on_delete = true;
-    database.add_relation(forgetting);
-    const auto row = other.insert({{0, 5000}}).id;
-    auto last = table.find({{0, 5000}});
-    ASSERT_TRUE(last.next());
-    const auto parent = last.id();
-    EXPECT_EQ(failure([&] { table.update(parent, {{0, 5001}}); }), Failure::refused);
-    table.erase(parent);
-    EXPECT_EQ(*other.row(row), std::vector<Value>{Null{}});
-    EXPECT_EQ(faults(database, true), "");
 }
 
 } // namespace

@@ -46,4 +46,18 @@ jet::Column column(std::u16string name, jet::Column_Type type = jet::Column_Type
                    std::size_t length = 0);
 jet::Index primary_key(std::u16string column_name);
 
+/// Tables of our own on an empty file.
+class Own_Table : public testing::Test {
+protected:
+    jet::Table make(std::vector<jet::Column> columns, std::vector<jet::Index> indexes = {}) {
+        auto id = column(u"id");
+        id.auto_number = true;
+        columns.insert(columns.begin(), id);
+        indexes.insert(indexes.begin(), primary_key(u"id"));
+        return database.create_table(u"T", columns, indexes);
+    }
+    files::Memory_Disk disk;
+    jet::Database database = jet::Database::create(disk, path);
+};
+
 } // namespace fixture

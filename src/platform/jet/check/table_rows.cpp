@@ -194,6 +194,7 @@ void Table_Check::count_autonumber(const Column& column, const Value& value) {
     if (column.type != column_type::long_integer || (column.flags & column_flag::autonumber) == 0)
         return;
     const auto number = static_cast<std::int32_t>(value.bytes.u32(0));
+    if (number == std::numeric_limits<std::int32_t>::max()) return; // none could be given after it
     highest_autonumber_ = std::max(highest_autonumber_, number);
 }
 
