@@ -76,7 +76,12 @@ function(house_tests folder)
     endif()
     add_executable(test_${name} ${sources})
     target_include_directories(test_${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
-    target_link_libraries(test_${name} PRIVATE ${arg_LINKS} ${arg_EXTERNAL} GTest::gmock house_options)
+    target_link_libraries(test_${name} PRIVATE ${arg_LINKS} ${arg_EXTERNAL} GTest::gmock house_test_options)
+    list(LENGTH sources number)
+    if(number GREATER 3) # fewer gain less than the header costs
+        target_precompile_headers(test_${name} PRIVATE <gmock/gmock.h> <map> <optional> <string> <vector>
+            $<$<BOOL:${arg_WINDOWS}>:<QApplication$<ANGLE-R>> $<$<BOOL:${arg_WINDOWS}>:<QtTest$<ANGLE-R>>)
+    endif()
     if(arg_WINDOWS)
         set_target_properties(test_${name} PROPERTIES AUTOMOC ON)
         target_sources(test_${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support/window_main.cpp)
