@@ -155,7 +155,7 @@ void Frm_Main::export_user() { export_project(true); }
 void Frm_Main::export_project(bool user) {
     if (!expect_library()) return;
     if (const store::Blocked why = database_.opening().blocked; is_incomplete(why)) {
-        say(text(Text::project_refused) + u' ' + reason(why));
+        say(text(Text::project_refused) + u' ' + reason(why, {}));
         return;
     }
     const QString proposed = app::globals.Database_File.chopped(3) + u"vqx"_qs;
