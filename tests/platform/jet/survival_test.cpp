@@ -119,7 +119,9 @@ TEST_F(Survival, a_journal_spoiled_after_a_crash_is_kept_and_the_file_looked_thr
             ASSERT_TRUE(database.status().journal_spoiled);
             ASSERT_EQ(database.status().set_aside, journal_name + "-aside-1");
             const bool sound = faults(database).empty();
-            ASSERT_EQ(database.status().blocked == jet::Blocked::no, sound);
+            const jet::Blocked blocked = database.status().blocked;
+            // what names the appended pages has arrived, they have not: sound as far as it goes
+            ASSERT_TRUE(blocked == jet::Blocked::cut_off || (blocked == jet::Blocked::no) == sound);
             damaged += !sound;
         }
         found.set_bytes(journal_name, whole);
