@@ -77,6 +77,8 @@ function(house_tests folder)
     add_executable(test_${name} ${sources})
     target_include_directories(test_${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
     target_link_libraries(test_${name} PRIVATE ${arg_LINKS} ${arg_EXTERNAL} GTest::gmock house_test_options)
+    # Each test file has its own helpers, often under the same names.
+    set_target_properties(test_${name} PROPERTIES UNITY_BUILD OFF)
     list(LENGTH sources number)
     if(number GREATER 3) # fewer gain less than the header costs
         target_precompile_headers(test_${name} PRIVATE <gmock/gmock.h> <map> <optional> <string> <vector>

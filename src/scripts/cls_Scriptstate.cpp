@@ -7,7 +7,7 @@
 namespace scripts {
 namespace {
 
-std::size_t checked(int index) {
+std::size_t checked_parameter(int index) {
     if (index < 0 || index >= cls_Scriptstate::par_count)
         throw Error(Failure::missing, "parameter " + std::to_string(index), "outside 0..6");
     return static_cast<std::size_t>(index);
@@ -15,9 +15,11 @@ std::size_t checked(int index) {
 
 } // namespace
 
-std::int32_t cls_Scriptstate::GetPar(int index) const { return Par_[checked(index)]; }
+std::int32_t cls_Scriptstate::GetPar(int index) const { return Par_[checked_parameter(index)]; }
 
-void cls_Scriptstate::SetPar(int index, std::int32_t value) { Par_[checked(index)] = value; }
+void cls_Scriptstate::SetPar(int index, std::int32_t value) {
+    Par_[checked_parameter(index)] = value;
+}
 
 void cls_Scriptstate::CopyFrom(const cls_Scriptstate& other) {
     constexpr auto copied = 5;

@@ -8,7 +8,7 @@
 namespace scripts {
 namespace {
 
-std::size_t checked(int index) {
+std::size_t checked_state(int index) {
     if (index < 0 || index >= cls_script::max_states)
         throw Error(Failure::missing, "line " + std::to_string(index), "outside 0..255");
     return static_cast<std::size_t>(index);
@@ -27,14 +27,14 @@ void retarget(cls_script& script, int count, Change change) {
 } // namespace
 
 cls_Scriptstate& cls_script::GetState(int index) {
-    const auto place = checked(index);
+    const auto place = checked_state(index);
     if (place >= states_.size()) states_.resize(place + 1); // growing at the end keeps references
     return states_[place];
 }
 
 const cls_Scriptstate& cls_script::GetState(int index) const {
     static const cls_Scriptstate empty;
-    const auto place = checked(index);
+    const auto place = checked_state(index);
     return place < states_.size() ? states_[place] : empty;
 }
 
@@ -46,7 +46,7 @@ void cls_script::CopyHeader(const cls_script& other) {
 }
 
 void cls_script::Insert_ScriptState(int index) {
-    checked(index);
+    checked_state(index);
     if (StateCount >= max_states) throw Error(Failure::full, "script", "has 256 lines");
     for (int i = StateCount; i > index; --i) GetState(i) = std::move(GetState(i - 1));
     GetState(index) = {};
@@ -57,7 +57,7 @@ void cls_script::Insert_ScriptState(int index) {
 }
 
 void cls_script::Delete_ScriptState(int index) {
-    checked(index);
+    checked_state(index);
     if (index >= StateCount)
         throw Error(Failure::missing, "line " + std::to_string(index), "is not in the script");
     for (int i = index; i + 1 < StateCount; ++i) GetState(i) = std::move(GetState(i + 1));
@@ -68,7 +68,7 @@ void cls_script::Delete_ScriptState(int index) {
 }
 
 void cls_script::Copy_ScriptState(int source, int target) {
-    checked(source);
+    checked_state(source);
     auto& copy = GetState(target);
     copy.CopyFrom(std::as_const(*this).GetState(source));
     if (const auto par = JumpParameter(copy.GetCommand())) {

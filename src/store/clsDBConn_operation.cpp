@@ -24,12 +24,6 @@ constexpr std::array table_names{
     Table_Name{Table::Scriptstates, "Scriptstates"_L1, "SSID"_L1},
 };
 
-std::int32_t key_in(const ado::Row& row, QLatin1StringView key) {
-    for (const auto& [name, value] : row)
-        if (name.compare(key, Qt::CaseInsensitive) == 0) return ado::number(value).value_or(0);
-    return 0;
-}
-
 } // namespace
 
 QString clsDBConn::Inside::table_name(const Row_Change& change) {
@@ -106,7 +100,7 @@ void clsDBConn::Inside::row_changed(const QString& table, const ado::Row& before
                                     const ado::Row& after) {
     for (const Table_Name& known : table_names) {
         if (table.compare(known.name, Qt::CaseInsensitive) != 0) continue;
-        const std::int32_t key = key_in(after.empty() ? before : after, known.key);
+        const std::int32_t key = ado::number_in(after.empty() ? before : after, known.key);
         if (known.table == Table::Sets && after.empty()) set_there = 0;
         record.rows.push_back({known.table, key, before, after});
         return;

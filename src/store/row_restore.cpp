@@ -23,12 +23,6 @@ ado::Error differs(const QString& table, std::int32_t key) {
     return error;
 }
 
-std::int32_t number_in(const ado::Row& row, const QString& column) {
-    for (const auto& [name, value] : row)
-        if (name.compare(column, Qt::CaseInsensitive) == 0) return ado::number(value).value_or(0);
-    return 0;
-}
-
 ado::Row differing_cells(const Row_Change& change) {
     ado::Row cells;
     for (std::size_t i = 0; i < change.after.size() && i < change.before.size(); ++i)
@@ -66,7 +60,7 @@ Key_Set coming_back(const std::vector<Row_Change>& changes, Table table, const Q
     Key_Set found;
     for (const Row_Change& change : changes)
         if (change.table == table && change.before.empty())
-            found.insert(number_in(change.after, column));
+            found.insert(ado::number_in(change.after, column));
     return found;
 }
 
@@ -90,7 +84,9 @@ public:
         std::map<std::int32_t, std::set<Place>> sets;
         for (const Row_Change& change : changes) {
             if (change.table != Table::CVs || !change.before.empty()) continue;
-            const auto at = [&](const QString& column) { return number_in(change.after, column); };
+            const auto at = [&](const QString& column) {
+                return ado::number_in(change.after, column);
+            };
             sets[at(u"SetID"_s)].insert({at(u"CVPageHi"_s), at(u"CVPageLo"_s), at(u"CVNr"_s)});
         }
         Key_Set found;
@@ -196,7 +192,7 @@ void clsDBConn::Inside::note_doubles() {
     std::vector<Row_Change> deleted;               // turned round: as they would come back
     const Key_Set sets = going(rows, Table::Sets); // which take all of their CVs along
     for (const Row_Change& change : rows)
-        if (is_deleted(change) && !sets.contains(number_in(change.before, u"SetID"_s)))
+        if (is_deleted(change) && !sets.contains(ado::number_in(change.before, u"SetID"_s)))
             deleted.push_back({change.table, change.key, {}, change.before});
     if (deleted.empty()) return;
     try {

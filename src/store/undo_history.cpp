@@ -11,12 +11,6 @@ namespace {
 
 using Outcome = Undo_Result::Outcome;
 
-std::int32_t number_in(const ado::Row& row, const QString& column) {
-    for (const auto& [name, value] : row)
-        if (name.compare(column, Qt::CaseInsensitive) == 0) return ado::number(value).value_or(0);
-    return 0;
-}
-
 /// Gives a row that is remembered the values that upkeep gave the row in the library.
 void complete(ado::Row& row, const Row_Change& upkeep) {
     if (row.size() != upkeep.before.size()) return;
@@ -115,8 +109,8 @@ std::int32_t Undo_History::set_of(const std::vector<Row_Change>& changes) {
         if (set != 0) break;
         const ado::Row& row = change.after.empty() ? change.before : change.after;
         set = change.table == Table::Scriptstates
-                  ? connection_.set_of_script(number_in(row, u"ScriptID"_s))
-                  : number_in(row, u"SetID"_s);
+                  ? connection_.set_of_script(ado::number_in(row, u"ScriptID"_s))
+                  : ado::number_in(row, u"SetID"_s);
     }
     return connection_.reset_cv(set) != 0 ? set : 0;
 }

@@ -59,4 +59,11 @@ std::optional<std::int32_t> number(const Value& value) { return std::visit(As_Nu
 
 std::optional<QString> text(const Value& value) { return std::visit(As_Text{}, value); }
 
+std::int32_t number_in(const Row& row, QAnyStringView column) {
+    for (const auto& [name, value] : row)
+        if (QAnyStringView::compare(name, column, Qt::CaseInsensitive) == 0)
+            return number(value).value_or(0);
+    return 0;
+}
+
 } // namespace ado

@@ -2,6 +2,7 @@
 
 #include "platform/jet/value.h"
 
+#include <QAnyStringView>
 #include <QString>
 
 #include <cstdint>
@@ -29,6 +30,9 @@ std::optional<QString> text(const Value& value);
 
 /// One row: the fields in the order of the table's columns, or those that are to be set.
 using Row = std::vector<std::pair<QString, Value>>;
+
+/// The number in a field of a row, whatever the case of its name; 0 for null or no such field.
+std::int32_t number_in(const Row& row, QAnyStringView column);
 
 inline bool same_cell(const Row::value_type& one, const Row::value_type& other) {
     return one.first == other.first && jet::same_value(one.second, other.second);

@@ -9,7 +9,6 @@ namespace jet {
 namespace {
 
 constexpr std::size_t longest_definition = std::size_t{1} << 20U;
-constexpr std::size_t page_head = 8;
 
 /// Walks over the blocks, one record after the other.
 class Walker {
@@ -233,7 +232,7 @@ Record joined_chain(Pager& pager, const Layout& layout, Page_Number first,
                 view.fail("a definition of impossible length");
             append(joined, *page);
         } else {
-            joined.insert(joined.end(), page->begin() + page_head, page->end());
+            joined.insert(joined.end(), page->begin() + definition_page_head, page->end());
         }
         if (chain != nullptr) chain->push_back(number);
         number = joined.size() < length ? view.u32(4) : 0;

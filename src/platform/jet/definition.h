@@ -17,6 +17,9 @@ namespace jet {
 /// untouched when the definition is written anew. The other fields are decoded from them.
 using Record = std::vector<std::byte>;
 
+/// Bytes of each page of a definition before what belongs to it: kind, length, next page.
+inline constexpr std::size_t definition_page_head = 8;
+
 struct Column_Record {
     Record record;
     std::u16string name;

@@ -12,7 +12,6 @@ constexpr std::uint16_t record_mark = 0x659;
 constexpr std::uint16_t real_mark = 0x783;
 constexpr std::uint8_t user_table = 0x4E;
 constexpr std::uint8_t system_table = 0x53;
-constexpr std::size_t page_head = 8;
 constexpr std::uint8_t no_cascades = 4; // what stands there where there is no relation
 
 /// Whether the value has a fixed place in the row.
@@ -184,14 +183,14 @@ std::uint8_t index_flags(const Index& index) {
 void write_definition(Pager& pager, Page_Space& space, const Definition& definition) {
     auto joined = join_definition(definition);
     const auto page_size = jet4_layout.page_size;
-    const auto later = page_size - page_head;
+    const auto later = page_size - definition_page_head;
     auto chain = definition.chain;
     const auto needed =
         joined.size() <= page_size ? 1 : 1 + (joined.size() - page_size + later - 1) / later;
     while (chain.size() < needed) chain.push_back(space.allocate());
     std::size_t at = 0;
     for (std::size_t i = 0; i < chain.size(); ++i) {
-        const auto head = i == 0 ? 0 : page_head;
+        const auto head = i == 0 ? 0 : definition_page_head;
         const auto size = std::min(joined.size() - at, page_size - head);
         auto page = pager.change(chain[i]);
         std::fill(page.begin(), page.end(), std::byte{0});
@@ -200,7 +199,9 @@ void write_definition(Pager& pager, Page_Space& space, const Definition& definit
         at += size;
         const auto used = head + size;
         store_u16(page.data(), 0x0102);
-        store_u16(page.data() + 2, used + page_head < page_size ? page_size - used - page_head : 0);
+        store_u16(page.data() + 2, used + definition_page_head < page_size
+                                       ? page_size - used - definition_page_head
+                                       : 0);
         store_u32(page.data() + 4, i + 1 < chain.size() ? chain[i + 1] : 0);
     }
 }

@@ -10,10 +10,6 @@
 namespace jet {
 namespace {
 
-[[noreturn]] void refuse(std::u16string_view subject, const std::string& reason) {
-    throw Error(Failure::refused, to_utf8(subject), reason);
-}
-
 /// Maps for a Memo or OLE column, on a page of map rows if there is room.
 Long_Maps new_long_maps(Pager& pager, Page_Space& space, std::uint16_t column, Page_Number near) {
     const auto owned = Usage_Map::make(pager, space, near).place();

@@ -9,10 +9,6 @@
 namespace jet {
 namespace {
 
-[[noreturn]] void refuse(std::u16string_view subject, const std::string& reason) {
-    throw Error(Failure::refused, to_utf8(subject), reason);
-}
-
 const Table_State& table_named(Engine& engine, std::u16string_view name) {
     const auto* object = engine.object(name, object_ids::tables);
     if (object == nullptr || !object->table())

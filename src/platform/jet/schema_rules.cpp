@@ -9,10 +9,6 @@
 namespace jet {
 namespace {
 
-[[noreturn]] void refuse(std::u16string_view subject, const std::string& reason) {
-    throw Error(Failure::refused, to_utf8(subject), reason);
-}
-
 const Column* find_column(const std::vector<Column>& columns, std::u16string_view name) {
     for (const auto& column : columns)
         if (same_name(column.name, name)) return &column;

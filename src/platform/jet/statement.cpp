@@ -14,10 +14,6 @@ namespace {
 
 constexpr auto greatest_number = std::numeric_limits<std::int32_t>::max();
 
-[[noreturn]] void refuse(std::u16string_view subject, const std::string& reason) {
-    throw Error(Failure::refused, to_utf8(subject), reason);
-}
-
 bool any_null(const std::vector<Value>& values) {
     return std::any_of(values.begin(), values.end(), is_null);
 }

@@ -9,10 +9,6 @@
 namespace jet {
 namespace {
 
-[[noreturn]] void refuse(std::u16string_view subject, const std::string& reason) {
-    throw Error(Failure::refused, to_utf8(subject), reason);
-}
-
 bool all_null(const std::vector<Value>& values) {
     return std::all_of(values.begin(), values.end(), is_null);
 }

@@ -157,4 +157,8 @@ std::string to_utf8(std::u16string_view text) {
     return utf8;
 }
 
+void refuse(std::u16string_view subject, const std::string& reason) {
+    throw Error(Failure::refused, to_utf8(subject), reason);
+}
+
 } // namespace jet

@@ -37,4 +37,7 @@ bool same_name(std::u16string_view one, std::u16string_view other);
 /// For messages and logs; broken text becomes U+FFFD.
 std::string to_utf8(std::u16string_view text);
 
+/// Throws the refusal of what was asked for. @param subject name of the column, index, relation ...
+[[noreturn]] void refuse(std::u16string_view subject, const std::string& reason);
+
 } // namespace jet

@@ -17,7 +17,7 @@ using app::from_pixels;
 using app::Twips;
 
 // The columns of the window, whose width is fixed, in pixels.
-constexpr int margin = 8;
+constexpr int gap = 8;
 constexpr int sets_width = 318;
 constexpr int cvs_width = 266;
 constexpr int inset = 9; ///< of a list in its frame
@@ -213,11 +213,11 @@ void Main_Form::arrange() {
     const Twips inner = from_pixels(height());
     const Twips frame_height = inner - Twips{100};
     const int frame_pixels = to_pixels(frame_height);
-    const int cvs_left = margin + sets_width + margin;
-    const int scripts_left = cvs_left + cvs_width + margin;
-    Frame_Sets->setGeometry(margin, 0, sets_width, frame_pixels);
+    const int cvs_left = gap + sets_width + gap;
+    const int scripts_left = cvs_left + cvs_width + gap;
+    Frame_Sets->setGeometry(gap, 0, sets_width, frame_pixels);
     Frame_CVs->setGeometry(cvs_left, 0, cvs_width, frame_pixels);
-    Frame4->setGeometry(scripts_left, 0, width() - margin - scripts_left, frame_pixels);
+    Frame4->setGeometry(scripts_left, 0, width() - gap - scripts_left, frame_pixels);
 
     const int top = inside_top(Frame_Sets) + inset / 2;
     const int list_width = sets_width - 2 * inset;

@@ -11,12 +11,12 @@ namespace {
 using vqx_export::Reason;
 using vqx_export::Refusal;
 
-struct Entry {
+struct Reason_Text {
     Reason reason;
     const char16_t* german; ///< %1 value, %2 parameter
 };
 
-constexpr Entry table[] = {
+constexpr Reason_Text reason_texts[] = {
     {Reason::set_number_negative, u"die Set-Nummer ist %1, erlaubt ist 0 oder mehr"},
     {Reason::reset_cv_negative, u"die Reset-CV ist %1, erlaubt ist 0 oder mehr"},
     {Reason::set_number_above_255, u"die Set-Nummer ist %1, mit Scripten erlaubt ist bis 255"},
@@ -30,7 +30,7 @@ constexpr Entry table[] = {
 constexpr std::size_t most_lines = 12;
 
 QString words(const Refusal& refusal) {
-    for (const Entry& entry : table) {
+    for (const Reason_Text& entry : reason_texts) {
         if (entry.reason != refusal.reason) continue;
         return QString::fromUtf16(entry.german)
             .replace(u"%1"_qs, QString::number(refusal.value))

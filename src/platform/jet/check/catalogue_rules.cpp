@@ -4,9 +4,9 @@ namespace jet::check {
 
 namespace {
 
-class Rules {
+class Catalogue_Rules {
 public:
-    Rules(Inspection& inspection, const Catalogue& catalogue)
+    Catalogue_Rules(Inspection& inspection, const Catalogue& catalogue)
         : inspection_(inspection), catalogue_(catalogue) {
         for (const Object& object : catalogue.objects) ids_.insert(object.id);
     }
@@ -91,7 +91,7 @@ private:
 } // namespace
 
 void check_catalogue(Inspection& inspection, const Catalogue& catalogue) {
-    Rules(inspection, catalogue).check();
+    Catalogue_Rules(inspection, catalogue).check();
 }
 
 } // namespace jet::check

@@ -7,7 +7,7 @@ namespace {
 // 255 columns and 32 indexes with the longest names need fewer.
 constexpr std::size_t most_pages = 64, chain_head = 8;
 // Jet allows 32 indexes; the double leaves room for those that it may make for itself.
-constexpr std::uint32_t most_columns = 255, most_indexes = 64;
+constexpr std::uint32_t most_indexes = 64;
 constexpr std::uint32_t constant_at = 0x0C, type_at = 0x28, system_type = 0x53;
 constexpr std::uint32_t definition_constant = 0x659, index_constant = 0x783;
 

@@ -6,6 +6,9 @@
 
 namespace jet::check {
 
+/// Of a table, those of deleted ones counted as well.
+constexpr std::uint32_t most_columns = 255;
+
 struct Column {
     std::u16string name;
     std::uint32_t type = 0;

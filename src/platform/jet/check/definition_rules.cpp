@@ -26,12 +26,12 @@ constexpr Type_Rule type_rules[] = {
     {column_type::complex, 4},
 };
 
-constexpr std::uint32_t most_text_bytes = 510, most_name_units = 64, most_columns = 255;
+constexpr std::uint32_t most_text_bytes = 510, most_name_units = 64;
 
 /// The rules of one definition. A rule that readers of rows and trees rely on clears usable_.
-class Rules {
+class Definition_Rules {
 public:
-    Rules(Inspection& inspection, const Definition& definition)
+    Definition_Rules(Inspection& inspection, const Definition& definition)
         : inspection_(inspection), table_(definition) {}
 
     bool check() {
@@ -180,7 +180,7 @@ char16_t lower(char16_t unit) {
     return unit;
 }
 
-std::u16string Rules::folded(std::u16string_view name) {
+std::u16string Definition_Rules::folded(std::u16string_view name) {
     std::u16string out;
     for (const char16_t unit : name) out += lower(unit);
     return out;
@@ -193,7 +193,7 @@ bool same_name(std::u16string_view a, std::u16string_view b) {
 }
 
 bool check_definition(Inspection& inspection, const Definition& definition) {
-    return Rules(inspection, definition).check();
+    return Definition_Rules(inspection, definition).check();
 }
 
 } // namespace jet::check
