@@ -8,7 +8,8 @@
 
 set(house_floors
     platform_files platform_timing
-    platform_jet_collation platform_jet_check platform_jet
+    platform_jet_collation platform_jet_check
+    platform_jet_format platform_jet_pages platform_jet_index platform_jet_rows platform_jet_catalogue platform_jet
     platform_ado platform_serial platform_desktop
     app export_msgpack scripts store sim
     link_types link_serial link_transport link_jobs
@@ -19,7 +20,9 @@ set(house_floors
 set(house_rooms app_ui link_ui sim_ui scripts_ui)
 
 # Only the standard library and what lies below; no Qt.
-set(house_without_qt platform_files platform_jet_collation platform_jet_check platform_jet export_msgpack)
+set(house_without_qt platform_files
+    platform_jet_collation platform_jet_check platform_jet_format platform_jet_pages platform_jet_index platform_jet_rows
+    platform_jet_catalogue platform_jet export_msgpack)
 
 function(house_library folder)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LINKS;EXTERNAL")

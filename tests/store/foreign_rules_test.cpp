@@ -31,12 +31,12 @@ jet::Column named(const char16_t* name, jet::Column_Type type = jet::Column_Type
 void require_remark(jet::Database& file) {
     const auto states = file.table(u"Scriptstates").value();
     std::vector<std::vector<jet::Value>> rows;
-    std::vector<jet::Row_Id> ids;
+    std::vector<jet::Row_Place> ids;
     for (auto row = states.rows(); row.next();) {
         ids.push_back(row.id());
         rows.push_back(row.values());
     }
-    for (const jet::Row_Id id : ids) states.erase(id);
+    for (const jet::Row_Place id : ids) states.erase(id);
     jet::Column remark = named(u"Bemerkung", jet::Column_Type::text);
     remark.required = true;
     file.add_column(u"Scriptstates", remark);
@@ -108,7 +108,7 @@ TEST_F(Foreign_Rules, a_script_is_saved_whole_or_stays) {
              index.columns = {{u"ScriptID", true}, {u"Info", true}};
              index.unique = true;
              const auto states = file.table(u"Scriptstates").value();
-             std::vector<jet::Row_Id> rows;
+             std::vector<jet::Row_Place> rows;
              for (auto row = states.rows(); row.next();) rows.push_back(row.id());
              for (std::size_t i = 0; i < rows.size(); ++i)
                  states.update(rows[i], {{*states.column(u"Info"),

@@ -110,8 +110,8 @@ inline std::vector<Cell> random_cells(const jet::Table& table, Edit_Script& scri
     return cells;
 }
 
-inline std::optional<jet::Row_Id> random_row(const jet::Table& table, Edit_Script& script) {
-    std::vector<jet::Row_Id> ids;
+inline std::optional<jet::Row_Place> random_row(const jet::Table& table, Edit_Script& script) {
+    std::vector<jet::Row_Place> ids;
     auto rows = table.rows(jet::Order::file);
     const std::size_t skip = script.below(std::max<std::size_t>(table.row_count(), 1));
     for (std::size_t i = 0; rows.next() && ids.size() < most_rows; ++i)
@@ -129,7 +129,8 @@ inline bool reads_as(const jet::Column& column, const Value& written, const Valu
     return text != nullptr && text->empty() && !column.allow_zero_length && jet::is_null(read);
 }
 
-inline void expect_cells(const jet::Table& table, jet::Row_Id id, const std::vector<Cell>& cells) {
+inline void expect_cells(const jet::Table& table, jet::Row_Place id,
+                         const std::vector<Cell>& cells) {
     const auto row = table.row(id);
     if (!row) throw std::logic_error("a row is gone right after it was written");
     for (const Cell& cell : cells)

@@ -1,6 +1,6 @@
 #include "platform/ado/error.h"
 
-#include "platform/jet/error.h"
+#include "platform/jet/format/error.h"
 
 namespace ado {
 

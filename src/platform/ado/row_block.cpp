@@ -19,7 +19,7 @@ bool fits(std::int32_t number, jet::Column_Type type) {
 Row_Block::Row_Block(std::vector<Column> columns, bool for_reading)
     : columns_(std::move(columns)), cells_(columns_.size()), for_reading_(for_reading) {}
 
-void Row_Block::append_id(jet::Row_Id id) {
+void Row_Block::append_id(jet::Row_Place id) {
     ++size_;
     if (for_reading_) return;
     pages_.push_back(id.page);
@@ -53,7 +53,7 @@ void Row_Block::append(const jet::Cursor& row) {
     append_id(row.id());
 }
 
-void Row_Block::append(jet::Row_Id id, std::span<const Value> values) {
+void Row_Block::append(jet::Row_Place id, std::span<const Value> values) {
     for (std::size_t i = 0; i < columns_.size(); ++i) {
         if (!columns_[i].source) continue;
         if (columns_[i].whole)

@@ -34,10 +34,10 @@ public:
     std::size_t size() const { return size_; }
     void append(const jet::Cursor& row);
     /// @param values all of the table
-    void append(jet::Row_Id id, std::span<const Value> values);
+    void append(jet::Row_Place id, std::span<const Value> values);
     void replace(std::size_t row, std::span<const Value> values);
 
-    jet::Row_Id id(std::size_t row) const { return {pages_.at(row), slots_.at(row)}; }
+    jet::Row_Place id(std::size_t row) const { return {pages_.at(row), slots_.at(row)}; }
     bool null(std::size_t row, std::size_t column) const;
     /// Value of a whole column, null as 0.
     std::int32_t whole(std::size_t row, std::size_t column) const {
@@ -67,13 +67,13 @@ private:
         void mark(std::size_t row, bool null);
     };
     std::optional<std::int32_t> number_of_any(std::size_t row, std::size_t column) const;
-    void append_id(jet::Row_Id id);
+    void append_id(jet::Row_Place id);
 
     std::vector<Column> columns_;
     std::vector<Cells> cells_;
     bool for_reading_;
     std::size_t size_ = 0;
-    std::vector<std::uint32_t> pages_; // Row_Id in five bytes
+    std::vector<std::uint32_t> pages_; // Row_Place in five bytes
     std::vector<std::uint8_t> slots_;
 };
 

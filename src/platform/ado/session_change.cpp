@@ -46,7 +46,7 @@ std::vector<jet::Cell> cells_of(const jet::Table& table, const Row& row) {
     return cells;
 }
 
-std::vector<Value> values_of(const jet::Table& table, jet::Row_Id id) {
+std::vector<Value> values_of(const jet::Table& table, jet::Row_Place id) {
     if (auto values = table.row(id)) return *std::move(values);
     throw Error(Failure::not_found, QString::fromStdU16String(table.name()), u"the row is gone"_s);
 }

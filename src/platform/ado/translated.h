@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/ado/error.h"
-#include "platform/jet/error.h"
+#include "platform/jet/format/error.h"
 
 namespace ado {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/jet/value.h"
+#include "platform/jet/format/value.h"
 
 #include <QAnyStringView>
 #include <QString>

@@ -1,7 +1,7 @@
 #include "platform/jet/catalogue_writer.h"
 
 #include "platform/jet/lookup.h"
-#include "platform/jet/scan.h"
+#include "platform/jet/rows/scan.h"
 
 #include <algorithm>
 #include <limits>

@@ -1,8 +1,9 @@
 #include "platform/jet/creation.h"
 
 #include "platform/files/memory_disk.h"
-#include "platform/jet/catalogue.h"
-#include "platform/jet/definition_builder.h"
+#include "platform/jet/catalogue/catalogue.h"
+#include "platform/jet/catalogue/definition_builder.h"
+#include "platform/jet/catalogue/definition_chain.h"
 #include "platform/jet/table_writer.h"
 
 #include <algorithm>
@@ -105,7 +106,7 @@ constexpr std::array system_tables{
     System_Table{4, 0x15, queries_columns, queries_indexes, queries_maps},
     System_Table{5, 0x1A, relations_columns, relations_indexes}};
 
-Row_Pointer map_at(std::uint8_t row) { return {maps_page, row}; }
+Row_Place map_at(std::uint8_t row) { return {maps_page, row}; }
 
 void add_columns(Definition& definition, const System_Table& table) {
     for (const auto& entry : table.columns) {

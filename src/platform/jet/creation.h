@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/jet/pager.h"
+#include "platform/jet/pages/pager.h"
 
 #include <vector>
 

@@ -1,8 +1,8 @@
-#include "platform/jet/cell.h"
 #include "platform/jet/database.h"
 #include "platform/jet/engine.h"
 #include "platform/jet/lookup.h"
-#include "platform/jet/scan.h"
+#include "platform/jet/rows/cell.h"
+#include "platform/jet/rows/scan.h"
 
 #include <algorithm>
 #include <stdexcept>
@@ -28,7 +28,7 @@ struct Cursor::State {
     Row_Source source;
     std::uint64_t stamp;
     bool listed = false; ///< `rows` says what comes, not `pages`
-    std::vector<Row_Id> rows;
+    std::vector<Row_Place> rows;
     std::vector<Page_Number> pages;
     std::size_t place = 0; ///< in `rows` or `pages`
     std::size_t slot = 0;
@@ -73,7 +73,7 @@ bool Cursor::next() {
     });
 }
 
-Row_Id Cursor::id() const { return state_->source.id(); }
+Row_Place Cursor::id() const { return state_->source.id(); }
 
 bool Cursor::is_null(std::size_t column) const {
     const auto& record = state_->column(column);
@@ -140,8 +140,8 @@ Cursor Table::rows(Order order) const {
 }
 
 /// Rows through an index; nothing where there is none, or where its tree is broken.
-std::optional<std::vector<Row_Id>> Table::candidates(const Table_State& table,
-                                                     std::span<const Cell> equal) const {
+std::optional<std::vector<Row_Place>> Table::candidates(const Table_State& table,
+                                                        std::span<const Cell> equal) const {
     std::vector<std::size_t> columns;
     for (const auto& cell : equal) columns.push_back(cell.column);
     const auto path = access_path(table, columns);

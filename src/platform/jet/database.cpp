@@ -3,10 +3,10 @@
 #include "platform/jet/check/check.h"
 #include "platform/jet/creation.h"
 #include "platform/jet/engine.h"
+#include "platform/jet/format/text.h"
 #include "platform/jet/lookup.h"
 #include "platform/jet/schema_change.h"
 #include "platform/jet/statement.h"
-#include "platform/jet/text.h"
 
 #include <algorithm>
 
@@ -51,7 +51,7 @@ bool Table::quick(std::span<const std::size_t> columns) const {
     return access_path(engine_->table(id_), columns).has_value();
 }
 
-std::optional<std::vector<Value>> Table::row(Row_Id id) const {
+std::optional<std::vector<Value>> Table::row(Row_Place id) const {
     return engine_->watch([&]() -> std::optional<std::vector<Value>> {
         const Reading reading(*engine_);
         const auto& table = engine_->table(id_);
@@ -71,7 +71,7 @@ Inserted Table::insert(std::span<const Cell> cells, Origin origin) const {
     return inserted;
 }
 
-bool Table::update(Row_Id id, std::span<const Cell> cells, Origin origin) const {
+bool Table::update(Row_Place id, std::span<const Cell> cells, Origin origin) const {
     Statement statement(*engine_, origin);
     engine_->change([&] { statement.update(id_, id, cells); }, [&] { statement.apply(); });
     return statement.rows() > 1;
@@ -82,12 +82,12 @@ void Table::check(std::span<const Cell> cells) const {
     Statement(*engine_).check(id_, cells);
 }
 
-void Table::erase(Row_Id id) const {
+void Table::erase(Row_Place id) const {
     Statement statement(*engine_);
     engine_->change([&] { statement.erase(id_, id); }, [&] { statement.apply(); });
 }
 
-std::vector<Follower> Table::followers(Row_Id id) const {
+std::vector<Follower> Table::followers(Row_Place id) const {
     return engine_->watch([&] {
         const Reading reading(*engine_);
         std::vector<Follower> found;

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "platform/files/disk.h"
-#include "platform/jet/error.h"
-#include "platform/jet/pager.h"
-#include "platform/jet/schema.h"
-#include "platform/jet/value.h"
+#include "platform/jet/format/error.h"
+#include "platform/jet/format/schema.h"
+#include "platform/jet/format/value.h"
+#include "platform/jet/pages/pager.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -27,14 +27,6 @@ class Engine; // what stands behind this face
 struct Table_State;
 
 using Mode = Open_Mode;
-
-/// The place of a row in the file. Holds as long as the row exists and no other copy of the program
-/// changes the file; keys hold longer.
-struct Row_Id {
-    std::uint32_t page = 0;
-    std::uint8_t slot = 0;
-    auto operator<=>(const Row_Id&) const = default;
-};
 
 /// A column (position in Table::columns()) and its value: what to store, or what to look for.
 struct Cell {
@@ -79,7 +71,7 @@ public:
     /// Goes to the first row, then to the next one. @return false at the end.
     bool next();
 
-    Row_Id id() const;
+    Row_Place id() const;
     bool is_null(std::size_t column) const;
     /// Byte, Integer, Long, Boolean (0 or 1); null reads as 0. Other types: std::logic_error.
     std::int32_t integer(std::size_t column) const;
@@ -98,7 +90,7 @@ private:
 };
 
 struct Inserted {
-    Row_Id id;
+    Row_Place id;
     std::int32_t auto_number = 0; ///< 0 where the table has no such column
 };
 
@@ -129,7 +121,7 @@ public:
     /// Whether find() over these columns goes through an index.
     bool quick(std::span<const std::size_t> columns) const;
     /// @return nothing when there is no such row (any more).
-    std::optional<std::vector<Value>> row(Row_Id id) const;
+    std::optional<std::vector<Value>> row(Row_Place id) const;
 
     /// Adds a row. A column that is not given gets its autonumber, its default value if that is a
     /// plain number or a quoted text, else null. Nothing is changed when the row is refused: a
@@ -141,22 +133,22 @@ public:
     }
     /// Changes the given cells; refuses as insert() does. Cascades of relations are followed.
     /// @return whether they have changed other rows, too.
-    bool update(Row_Id id, std::span<const Cell> cells, Origin origin = Origin::typed) const;
-    bool update(Row_Id id, std::initializer_list<Cell> cells) const {
+    bool update(Row_Place id, std::span<const Cell> cells, Origin origin = Origin::typed) const;
+    bool update(Row_Place id, std::initializer_list<Cell> cells) const {
         return update(id, std::span<const Cell>(cells.begin(), cells.size()));
     }
     /// Refuses what insert() would for the values alone, whatever other rows hold.
     void check(std::span<const Cell> cells) const;
     /// Refused when rows of an enforced relation refer to it, unless the relation cascades.
-    void erase(Row_Id id) const;
+    void erase(Row_Place id) const;
     /// The rows that would go, or lose their reference, with this one: relations of other programs
     /// may say so. Nearer ones come first. Refuses as erase() does.
-    std::vector<Follower> followers(Row_Id id) const;
+    std::vector<Follower> followers(Row_Place id) const;
 
 private:
     friend class Database;
-    std::optional<std::vector<Row_Id>> candidates(const Table_State& table,
-                                                  std::span<const Cell> equal) const;
+    std::optional<std::vector<Row_Place>> candidates(const Table_State& table,
+                                                     std::span<const Cell> equal) const;
     Table(Engine& engine, std::uint32_t id) : engine_(&engine), id_(id) {}
     Engine* engine_;
     std::uint32_t id_;
@@ -165,7 +157,7 @@ private:
 /// A row that a relation takes along.
 struct Follower {
     Table table;
-    Row_Id row;
+    Row_Place row;
 };
 
 class Database {

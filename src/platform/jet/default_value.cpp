@@ -1,8 +1,8 @@
 #include "platform/jet/default_value.h"
 
-#include "platform/jet/cell.h"
-#include "platform/jet/error.h"
-#include "platform/jet/text.h"
+#include "platform/jet/format/error.h"
+#include "platform/jet/format/text.h"
+#include "platform/jet/rows/cell.h"
 
 #include <charconv>
 #include <cmath>

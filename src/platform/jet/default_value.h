@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/jet/definition.h"
-#include "platform/jet/value.h"
+#include "platform/jet/format/definition.h"
+#include "platform/jet/format/value.h"
 
 #include <string_view>
 

@@ -1,8 +1,9 @@
 #include "platform/jet/engine.h"
 
+#include "platform/jet/catalogue/definition_chain.h"
+#include "platform/jet/catalogue/file_end.h"
 #include "platform/jet/check/check.h"
-#include "platform/jet/file_end.h"
-#include "platform/jet/text.h"
+#include "platform/jet/format/text.h"
 
 #include <algorithm>
 #include <ctime>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "platform/jet/catalogue.h"
+#include "platform/jet/catalogue/catalogue.h"
 #include "platform/jet/database.h"
-#include "platform/jet/header.h"
-#include "platform/jet/row_heap.h"
+#include "platform/jet/pages/header.h"
+#include "platform/jet/rows/row_heap.h"
 
 #include <map>
 #include <memory>

@@ -1,8 +1,8 @@
 #include "platform/jet/lookup.h"
 
-#include "platform/jet/cell.h"
-#include "platform/jet/index_tree.h"
-#include "platform/jet/scan.h"
+#include "platform/jet/index/index_tree.h"
+#include "platform/jet/rows/cell.h"
+#include "platform/jet/rows/scan.h"
 
 #include <algorithm>
 #include <numeric>
@@ -26,9 +26,9 @@ bool before(const std::vector<Value>& one, const std::vector<Value>& other) {
 }
 
 /// For trees that cannot be walked: reads all keys and sorts them.
-std::vector<Row_Id> rows_sorted(Engine& engine, const Definition& definition,
-                                const Real_Index& index) {
-    std::vector<std::pair<std::vector<Value>, Row_Id>> keyed;
+std::vector<Row_Place> rows_sorted(Engine& engine, const Definition& definition,
+                                   const Real_Index& index) {
+    std::vector<std::pair<std::vector<Value>, Row_Place>> keyed;
     for_each_row(engine.pager(), definition, [&](Row_Source& source) {
         std::vector<Value> values;
         for (const auto& part : index.columns)
@@ -37,7 +37,7 @@ std::vector<Row_Id> rows_sorted(Engine& engine, const Definition& definition,
     });
     std::stable_sort(keyed.begin(), keyed.end(),
                      [](const auto& a, const auto& b) { return before(a.first, b.first); });
-    std::vector<Row_Id> rows;
+    std::vector<Row_Place> rows;
     for (const auto& entry : keyed) rows.push_back(entry.second);
     return rows;
 }
@@ -70,12 +70,12 @@ Value value_at(const Row_Source& source, std::size_t column) {
                        source.row().cell(record));
 }
 
-std::optional<std::vector<Row_Id>> rows_in_key_order(Engine& engine, const Table_State& table) {
+std::optional<std::vector<Row_Place>> rows_in_key_order(Engine& engine, const Table_State& table) {
     const auto& definition = *table.definition;
     const auto* primary = definition.primary_key();
     if (primary == nullptr) return std::nullopt;
     try {
-        std::vector<Row_Id> rows;
+        std::vector<Row_Place> rows;
         for (auto at = tree_of(engine, table, primary->real).first(); !at.at_end(); at.next())
             rows.push_back({at.row().page, at.row().row});
         return rows;
@@ -104,10 +104,10 @@ std::optional<Access_Path> access_path(const Table_State& table,
     return best;
 }
 
-std::vector<Row_Id> rows_with_key(Engine& engine, const Table_State& table, std::size_t real,
-                                  std::span<const Value> values) {
+std::vector<Row_Place> rows_with_key(Engine& engine, const Table_State& table, std::size_t real,
+                                     std::span<const Value> values) {
     const auto wanted = key_of(table.shapes[real].columns, values);
-    std::vector<Row_Id> rows;
+    std::vector<Row_Place> rows;
     for (auto at = tree_of(engine, table, real).lower_bound(wanted); !at.at_end(); at.next()) {
         const auto key = at.key();
         if (key.size() < wanted.size() || !std::equal(wanted.begin(), wanted.end(), key.begin()))

@@ -9,7 +9,7 @@
 namespace jet {
 
 /// The rows of a table by ascending primary key; nothing when it has none.
-std::optional<std::vector<Row_Id>> rows_in_key_order(Engine& engine, const Table_State& table);
+std::optional<std::vector<Row_Place>> rows_in_key_order(Engine& engine, const Table_State& table);
 
 /// The real index that finds rows by these columns (positions in Table::columns()): one whose first
 /// columns are among them, as many as possible.
@@ -22,8 +22,8 @@ std::optional<Access_Path> access_path(const Table_State& table,
 
 /// Rows whose key begins with these values, in the order of the index. Texts that differ only in
 /// case have one key, so the rows are still to be compared.
-std::vector<Row_Id> rows_with_key(Engine& engine, const Table_State& table, std::size_t real,
-                                  std::span<const Value> values);
+std::vector<Row_Place> rows_with_key(Engine& engine, const Table_State& table, std::size_t real,
+                                     std::span<const Value> values);
 
 /// Position of a column in Definition::columns (and Table::columns()).
 std::size_t position_of(const Definition& definition, std::uint16_t column_number);

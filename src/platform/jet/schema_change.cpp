@@ -1,9 +1,10 @@
 #include "platform/jet/schema_change.h"
 
+#include "platform/jet/catalogue/definition_chain.h"
+#include "platform/jet/format/text.h"
 #include "platform/jet/lookup.h"
-#include "platform/jet/scan.h"
+#include "platform/jet/rows/scan.h"
 #include "platform/jet/schema_rules.h"
-#include "platform/jet/text.h"
 
 #include <algorithm>
 
@@ -142,7 +143,7 @@ void New_Column::apply() {
 /// Rows that were written without offsets would be taken for damaged by other programs.
 void New_Column::rewrite_rows(const Definition& before) {
     auto& pager = engine_.pager();
-    std::vector<Row_Id> rows;
+    std::vector<Row_Place> rows;
     for_each_row(pager, before, [&](Row_Source& source) { rows.push_back(source.id()); });
     Table_Writer writer(pager, engine_.hints(), engine_.table(table_));
     for (const auto row : rows) writer.rewrite(row, before);

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/jet/catalogue/definition_builder.h"
 #include "platform/jet/catalogue_writer.h"
-#include "platform/jet/definition_builder.h"
 #include "platform/jet/engine.h"
 
 #include <span>

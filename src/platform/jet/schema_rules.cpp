@@ -1,8 +1,8 @@
 #include "platform/jet/schema_rules.h"
 
+#include "platform/jet/format/text.h"
 #include "platform/jet/lookup.h"
-#include "platform/jet/scan.h"
-#include "platform/jet/text.h"
+#include "platform/jet/rows/scan.h"
 
 #include <algorithm>
 

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "platform/jet/catalogue/properties.h"
 #include "platform/jet/engine.h"
-#include "platform/jet/index_tree.h"
-#include "platform/jet/properties.h"
+#include "platform/jet/index/index_tree.h"
 
 #include <optional>
 #include <string_view>

@@ -1,9 +1,9 @@
 #include "platform/jet/statement.h"
 
 #include "platform/jet/default_value.h"
+#include "platform/jet/format/text.h"
 #include "platform/jet/lookup.h"
-#include "platform/jet/scan.h"
-#include "platform/jet/text.h"
+#include "platform/jet/rows/scan.h"
 
 #include <algorithm>
 #include <limits>
@@ -45,12 +45,12 @@ Table_Writer Statement::writer(const Table_State& table) {
     return {engine_.pager(), engine_.hints(), table};
 }
 
-Statement::Planned* Statement::planned(Page_Number table, Row_Id row) {
+Statement::Planned* Statement::planned(Page_Number table, Row_Place row) {
     const auto found = places_.find({table, row});
     return found == places_.end() ? nullptr : &plan_[found->second];
 }
 
-std::vector<Value> Statement::read_indexed(const Table_State& table, Row_Id row) {
+std::vector<Value> Statement::read_indexed(const Table_State& table, Row_Place row) {
     const auto& definition = *table.definition;
     Row_Source source(engine_.pager(), definition);
     if (!source.find(row))
@@ -65,7 +65,7 @@ std::vector<Value> Statement::read_indexed(const Table_State& table, Row_Id row)
 }
 
 /// The plan for a row that exists; the one that is there already or a new one.
-Statement::Planned& Statement::plan(const Table_State& table, Row_Id row, Kind kind) {
+Statement::Planned& Statement::plan(const Table_State& table, Row_Place row, Kind kind) {
     const auto id = table.object.page();
     auto* known = planned(id, row);
     if (known == nullptr) {
@@ -187,34 +187,34 @@ std::int32_t Statement::highest_number(const Table_State& table, std::size_t col
         const auto last = writer(table).tree(real).last();
         if (last.at_end()) return 0;
         Row_Source source(engine_.pager(), definition);
-        if (source.find({last.row().page, last.row().row})) note(source);
+        if (source.find(last.row())) note(source);
         return highest;
     }
     for_each_row(engine_.pager(), definition, note);
     return highest;
 }
 
-void Statement::plan_update(const Table_State& table, Row_Id row, std::span<const Cell> cells) {
+void Statement::plan_update(const Table_State& table, Row_Place row, std::span<const Cell> cells) {
     auto& known = plan(table, row, Kind::update);
     for (const auto& cell : cells) set_cell(table, known, cell.column, cell.value);
 }
 
-void Statement::update(Page_Number id, Row_Id row, std::span<const Cell> cells) {
+void Statement::update(Page_Number id, Row_Place row, std::span<const Cell> cells) {
     plan_update(writable_table(id), row, cells);
     finish_plan();
 }
 
-void Statement::erase(Page_Number id, Row_Id row) {
+void Statement::erase(Page_Number id, Row_Place row) {
     plan(writable_table(id), row, Kind::erase);
     finish_plan();
 }
 
-std::vector<std::pair<Page_Number, Row_Id>> Statement::followers(Page_Number id, Row_Id row) {
+std::vector<std::pair<Page_Number, Row_Place>> Statement::followers(Page_Number id, Row_Place row) {
     const auto& logicals = writable_table(id).definition->logicals;
     const bool referenced = std::any_of(logicals.begin(), logicals.end(), [](const auto& index) {
         return index.relation(Side::referenced);
     });
-    std::vector<std::pair<Page_Number, Row_Id>> found;
+    std::vector<std::pair<Page_Number, Row_Place>> found;
     if (!referenced) return found;
     erase(id, row);
     for (std::size_t i = 1; i < plan_.size(); ++i) found.emplace_back(plan_[i].table, plan_[i].row);
@@ -267,11 +267,11 @@ void Statement::follow(const Table_State& table, Planned& row, const Logical_Ind
             {position_of(*child.definition, child_real.columns[i].column), after[i]});
     const auto wanted = key_of(child.shapes[other.real].columns, before);
     for (const auto& at : writer(child).tree(other.real).rows(wanted))
-        if (keeps_key(child, {at.page, at.row}, other.real, wanted)) // not followed before
-            follow_to(child, {at.page, at.row}, row, other, new_reference, wanted);
+        if (keeps_key(child, at, other.real, wanted)) // not followed before
+            follow_to(child, at, row, other, new_reference, wanted);
 }
 
-void Statement::follow_to(const Table_State& child, Row_Id child_row, const Planned& row,
+void Statement::follow_to(const Table_State& child, Row_Place child_row, const Planned& row,
                           const Logical_Index& index, const std::vector<Cell>& new_reference,
                           const Bytes& reference) {
     if (row.kind == Kind::update && index.cascade_update) {

@@ -20,12 +20,12 @@ public:
         : engine_(engine), origin_(origin) {}
 
     void insert(Page_Number table, std::span<const Cell> cells);
-    void update(Page_Number table, Row_Id row, std::span<const Cell> cells);
-    void erase(Page_Number table, Row_Id row);
+    void update(Page_Number table, Row_Place row, std::span<const Cell> cells);
+    void erase(Page_Number table, Row_Place row);
     /// Refuses what insert() would for the values alone, whatever the other rows hold.
     void check(Page_Number table, std::span<const Cell> cells);
     /// What erasing a row would delete or change besides.
-    std::vector<std::pair<Page_Number, Row_Id>> followers(Page_Number table, Row_Id row);
+    std::vector<std::pair<Page_Number, Row_Place>> followers(Page_Number table, Row_Place row);
     /// @return the row that was inserted, if any.
     Inserted apply();
     /// So many rows are changed.
@@ -36,7 +36,7 @@ private:
     struct Planned : New_Row {
         Kind kind = Kind::insert;
         Page_Number table = 0;
-        Row_Id row;
+        Row_Place row;
         std::vector<Value> before;               ///< the columns of indexes; others are null
         std::optional<std::int32_t> auto_number; ///< set by this statement
         /// The number is the next one, and those behind it are free up to this.
@@ -49,7 +49,7 @@ private:
     /// A row that refers to one that goes or gets another key, in a relation without cascades.
     struct Forbidding {
         Page_Number table;
-        Row_Id row;
+        Row_Place row;
         std::size_t real;
         Bytes reference;
         std::u16string relation;
@@ -59,10 +59,10 @@ private:
                                                const std::string& reason);
     const Table_State& writable_table(Page_Number id);
     Table_Writer writer(const Table_State& table);
-    std::vector<Value> read_indexed(const Table_State& table, Row_Id row);
-    Planned* planned(Page_Number table, Row_Id row);
-    Planned& plan(const Table_State& table, Row_Id row, Kind kind);
-    void plan_update(const Table_State& table, Row_Id row, std::span<const Cell> cells);
+    std::vector<Value> read_indexed(const Table_State& table, Row_Place row);
+    Planned* planned(Page_Number table, Row_Place row);
+    Planned& plan(const Table_State& table, Row_Place row, Kind kind);
+    void plan_update(const Table_State& table, Row_Place row, std::span<const Cell> cells);
 
     void set_cell(const Table_State& table, Planned& row, std::size_t column, const Value& value);
     Planned& plan_insert(const Table_State& table, std::span<const Cell> cells);
@@ -74,7 +74,7 @@ private:
     void finish_plan();
     void follow_relations(Planned& row);
     void follow(const Table_State& table, Planned& row, const Logical_Index& index);
-    void follow_to(const Table_State& child, Row_Id child_row, const Planned& row,
+    void follow_to(const Table_State& child, Row_Place child_row, const Planned& row,
                    const Logical_Index& index, const std::vector<Cell>& new_reference,
                    const Bytes& reference);
     const Logical_Index& partner(const Logical_Index& index, const Table_State& other) const;
@@ -83,13 +83,13 @@ private:
     void check_values(const Table_State& table, Planned& row);
     void check_index(const Table_State& table, const Planned& row, std::size_t real);
     void check_reference(const Table_State& table, const Planned& row, const Logical_Index& index);
-    bool keeps_key(const Table_State& table, Row_Id row, std::size_t real, const Bytes& key);
+    bool keeps_key(const Table_State& table, Row_Place row, std::size_t real, const Bytes& key);
     bool will_have_key(const Table_State& table, std::size_t real, const Bytes& key);
 
     Engine& engine_;
     Origin origin_;
     std::deque<Planned> plan_; ///< references stay valid while it grows
-    std::map<std::pair<Page_Number, Row_Id>, std::size_t> places_;
+    std::map<std::pair<Page_Number, Row_Place>, std::size_t> places_;
     std::deque<std::size_t> to_follow_;
     std::vector<Forbidding> forbidding_;
     std::map<std::pair<Page_Number, std::size_t>, std::set<Bytes>> new_keys_; ///< of unique indexes

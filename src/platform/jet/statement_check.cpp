@@ -1,8 +1,8 @@
 // What a planned row must hold to be stored.
 
+#include "platform/jet/format/text.h"
 #include "platform/jet/lookup.h"
 #include "platform/jet/statement.h"
-#include "platform/jet/text.h"
 
 #include <algorithm>
 
@@ -72,12 +72,12 @@ void Statement::check_index(const Table_State& table, const Planned& row, std::s
     if (!shape.unique || rule != Null_Rule::entry) return;
     bool taken = !new_keys_[{row.table, real}].insert(key).second;
     for (const auto& at : writer(table).tree(real).rows(key))
-        taken = taken || keeps_key(table, {at.page, at.row}, real, key);
+        taken = taken || keeps_key(table, at, real, key);
     if (taken) refuse_for_others(name, "the key is there already");
 }
 
 /// Whether a row that is in the tree with this key will still be, as far as is planned by now.
-bool Statement::keeps_key(const Table_State& table, Row_Id row, std::size_t real,
+bool Statement::keeps_key(const Table_State& table, Row_Place row, std::size_t real,
                           const Bytes& key) {
     const auto* known = planned(table.object.page(), row);
     if (known == nullptr) return true;
@@ -92,9 +92,7 @@ bool Statement::will_have_key(const Table_State& table, std::size_t real, const 
     const auto& index = table.definition->reals[real];
     const auto in_tree = writer(table).tree(real).rows(key);
     return std::any_of(in_tree.begin(), in_tree.end(),
-                       [&](const Row_Pointer& at) {
-                           return keeps_key(table, {at.page, at.row}, real, key);
-                       }) ||
+                       [&](const Row_Place& at) { return keeps_key(table, at, real, key); }) ||
            std::any_of(plan_.begin(), plan_.end(), [&](const Planned& row) {
                return row.table == table.object.page() && row.kind != Kind::erase &&
                       key_of(table.shapes[real].columns,

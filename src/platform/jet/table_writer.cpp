@@ -1,7 +1,7 @@
 #include "platform/jet/table_writer.h"
 
-#include "platform/jet/long_value.h"
 #include "platform/jet/lookup.h"
+#include "platform/jet/rows/long_value.h"
 
 #include <algorithm>
 
@@ -12,9 +12,7 @@ constexpr std::size_t longest_one_row = 4076;
 constexpr std::size_t longest_piece = 4072; ///< a pointer to the next one goes before it
 constexpr std::size_t unique_count_in_block = 4;
 
-Row_Pointer pointer(Row_Id id) { return {id.page, id.slot}; }
-Row_Id row_id(Row_Pointer at) { return {at.page, at.row}; }
-
+Row_Place pointer(Row_Place id) { return {id.page, id.slot}; }
 } // namespace
 
 Row_Heap Table_Writer::heap() const {
@@ -47,7 +45,7 @@ Bytes Table_Writer::store_long(const Column_Record& column, const Bytes& data) c
         return Long_Header{data.size(), Kind::one_row, rows.add(data, Slot_Kind::live), 0}.bytes();
     // The last piece goes first, since each one names the next. The first one takes a page of its
     // own: the stamp of the page and that in the header are both 0 then.
-    Row_Pointer next;
+    Row_Place next;
     for (auto at = (data.size() - 1) / longest_piece * longest_piece;; at -= longest_piece) {
         const auto size = std::min(longest_piece, data.size() - at);
         Bytes piece(4);
@@ -95,23 +93,23 @@ void Table_Writer::add_to_count(std::size_t at, std::int32_t by) {
     if (by >= 0 || count > 0) store_u32(field, count + static_cast<std::uint32_t>(by));
 }
 
-void Table_Writer::add_entry(std::size_t real, const Bytes& key, Row_Id id) {
+void Table_Writer::add_entry(std::size_t real, const Bytes& key, Row_Place id) {
     if (tree(real).insert(space_, key, pointer(id)))
         add_to_count(
             jet4_layout.blocks + jet4_layout.entry_count_size * real + unique_count_in_block, 1);
 }
 
-Row_Id Table_Writer::insert(const New_Row& row) {
+Row_Place Table_Writer::insert(const New_Row& row) {
     Raw_Cells cells(row.cells.size());
     for (std::size_t i = 0; i < cells.size(); ++i) cells[i] = stored_cell(row, i);
-    const auto id = row_id(heap().add(encode_row(*definition_, cells), Slot_Kind::live));
+    const auto id = heap().add(encode_row(*definition_, cells), Slot_Kind::live);
     for (std::size_t real = 0; real < definition_->reals.size(); ++real)
         if (const auto entry = key(real, row.values)) add_entry(real, *entry, id);
     add_to_count(jet4_layout.row_count, 1);
     return id;
 }
 
-void Table_Writer::replace_row(Row_Id id, Row_Id place, const Bytes& row) {
+void Table_Writer::replace_row(Row_Place id, Row_Place place, const Bytes& row) {
     auto rows = heap();
     const bool moved = place != id;
     if (rows.replace(pointer(id), row, Slot_Kind::live)) { // a moved row may find room at home
@@ -126,7 +124,7 @@ void Table_Writer::replace_row(Row_Id id, Row_Id place, const Bytes& row) {
     rows.replace(pointer(id), to_it, Slot_Kind::pointer);
 }
 
-void Table_Writer::update(Row_Id id, const New_Row& row) {
+void Table_Writer::update(Row_Place id, const New_Row& row) {
     Row_Source source(*pager_, *definition_);
     if (!source.find(id)) throw damaged(id.page, "a row that is no longer there");
     const auto before = values_of(source);
@@ -145,7 +143,7 @@ void Table_Writer::update(Row_Id id, const New_Row& row) {
     }
 }
 
-void Table_Writer::erase(Row_Id id) {
+void Table_Writer::erase(Row_Place id) {
     Row_Source source(*pager_, *definition_);
     if (!source.find(id)) throw damaged(id.page, "a row that is no longer there");
     const auto before = values_of(source);
@@ -158,7 +156,7 @@ void Table_Writer::erase(Row_Id id) {
     add_to_count(jet4_layout.row_count, -1);
 }
 
-void Table_Writer::rewrite(Row_Id id, const Definition& before) {
+void Table_Writer::rewrite(Row_Place id, const Definition& before) {
     Row_Source source(*pager_, before);
     if (!source.find(id)) throw damaged(id.page, "a row that is no longer there");
     auto cells = raw_cells(before, source.row());

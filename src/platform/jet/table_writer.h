@@ -1,9 +1,9 @@
 #pragma once
 
 #include "platform/jet/engine.h"
-#include "platform/jet/index_tree.h"
-#include "platform/jet/row_heap.h"
-#include "platform/jet/row_layout.h"
+#include "platform/jet/index/index_tree.h"
+#include "platform/jet/rows/row_heap.h"
+#include "platform/jet/rows/row_layout.h"
 
 #include <vector>
 
@@ -17,14 +17,14 @@ public:
         : pager_(&pager), space_(pager), hints_(&hints), table_(&table),
           definition_(table.definition.get()) {}
 
-    Row_Id insert(const New_Row& row);
+    Row_Place insert(const New_Row& row);
     /// The cells that are not set keep their bytes.
-    void update(Row_Id id, const New_Row& row);
-    void erase(Row_Id id);
+    void update(Row_Place id, const New_Row& row);
+    void erase(Row_Place id);
 
     /// Writes the row anew with all columns of the table, for a table that has got its first
     /// variable column. @param before the definition by which the rows were written.
-    void rewrite(Row_Id id, const Definition& before);
+    void rewrite(Row_Place id, const Definition& before);
     void set_auto_number(std::int32_t last);
     std::int32_t last_auto_number() const;
 
@@ -40,8 +40,8 @@ private:
     Bytes store_long(const Column_Record& column, const Bytes& data) const;
     void free_long(const Column_Record& column, const Bytes& cell) const;
     void free_long_values(const Raw_Cells& cells) const;
-    void replace_row(Row_Id id, Row_Id place, const Bytes& row);
-    void add_entry(std::size_t real, const Bytes& key, Row_Id id);
+    void replace_row(Row_Place id, Row_Place place, const Bytes& row);
+    void add_entry(std::size_t real, const Bytes& key, Row_Place id);
     void add_to_count(std::size_t at, std::int32_t by);
     std::vector<Value> values_of(const Row_Source& source) const;
 

@@ -1,5 +1,5 @@
 #include "platform/jet/fixture.h"
-#include "platform/jet/usage_map.h"
+#include "platform/jet/pages/usage_map.h"
 
 #include <gmock/gmock.h>
 
@@ -178,7 +178,7 @@ TEST_F(Own_Table, space_of_deleted_rows_is_used_again) {
         for (int i = 0; i < 300; ++i)
             table.insert({{1, std::u16string(static_cast<std::size_t>(i % 100), u'x')},
                           {2, std::u16string(static_cast<std::size_t>(i * 13 % 3000 + 1), u'm')}});
-        std::vector<jet::Row_Id> rows;
+        std::vector<jet::Row_Place> rows;
         for (auto cursor = table.rows(); cursor.next();)
             if (cursor.integer(0) % 10 != round % 10) rows.push_back(cursor.id());
         for (const auto row : rows) table.erase(row);
@@ -191,7 +191,7 @@ TEST_F(Own_Table, space_of_deleted_rows_is_used_again) {
 
 TEST_F(Own_Table, a_row_that_outgrows_its_page_moves_and_comes_home) {
     const auto table = make({column(u"Text", Column_Type::text, 255)});
-    std::vector<jet::Row_Id> rows;
+    std::vector<jet::Row_Place> rows;
     for (int i = 0; i < 100; ++i) rows.push_back(table.insert({{1, u"short"}}).id);
     for (const std::size_t length : {255U, 10U, 200U, 0U, 255U}) {
         for (const auto row : rows) table.update(row, {{1, std::u16string(length, u'y')}});
@@ -212,7 +212,7 @@ TEST_F(Own_Table, long_values_of_every_length_are_kept_replaced_and_freed) {
         return made;
     };
     const std::size_t lengths[] = {0, 1, 63, 64, 65, 4075, 4076, 4077, 8144, 8145, 30000};
-    std::vector<jet::Row_Id> rows;
+    std::vector<jet::Row_Place> rows;
     for (const auto length : lengths) rows.push_back(table.insert({{1, bytes(length)}}).id);
     EXPECT_EQ(faults(database, true), "");
     for (std::size_t i = 0; i < rows.size(); ++i)

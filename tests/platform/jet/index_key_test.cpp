@@ -1,6 +1,6 @@
-#include "platform/jet/index_key.h"
+#include "platform/jet/index/index_key.h"
 
-#include "platform/jet/error.h"
+#include "platform/jet/format/error.h"
 
 #include <gmock/gmock.h>
 

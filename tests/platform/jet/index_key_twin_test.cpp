@@ -1,7 +1,7 @@
 // The checker makes text keys with code of its own: both must agree on every text.
 
 #include "platform/jet/check/key.h"
-#include "platform/jet/index_key.h"
+#include "platform/jet/index/index_key.h"
 
 #include <gmock/gmock.h>
 

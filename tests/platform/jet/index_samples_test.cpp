@@ -1,12 +1,13 @@
 // The trees of files that other programs wrote: every entry must be exactly the key that we would
 // make of its row, and every page as our own rules want it.
 
-#include "platform/jet/cell.h"
-#include "platform/jet/definition.h"
-#include "platform/jet/index_key.h"
-#include "platform/jet/index_tree.h"
+#include "platform/jet/catalogue/definition_chain.h"
+#include "platform/jet/format/definition.h"
+#include "platform/jet/index/index_key.h"
+#include "platform/jet/index/index_tree.h"
 #include "platform/jet/index_tree_look.h"
-#include "platform/jet/row.h"
+#include "platform/jet/rows/cell.h"
+#include "platform/jet/rows/row.h"
 #include "platform/jet/tiny_pager.h"
 
 #include <gmock/gmock.h>
@@ -42,7 +43,7 @@ public:
     }
 
 private:
-    using Row_Visitor = std::function<void(Row_Id, const Row_View&)>;
+    using Row_Visitor = std::function<void(Row_Place, const Row_View&)>;
 
     void visit_rows(const Definition& definition, const Row_Visitor& visit) {
         Row_Source source(pager_, definition);
@@ -63,7 +64,7 @@ private:
     std::vector<Page_Number> tables() {
         std::vector<Page_Number> found;
         const Definition catalogue = read_definition(pager_, layout_, 2);
-        visit_rows(catalogue, [&](Row_Id, const Row_View& row) {
+        visit_rows(catalogue, [&](Row_Place, const Row_View& row) {
             const auto number = [&](const char16_t* name) {
                 const auto column =
                     std::ranges::find(catalogue.columns, name, &Column_Record::name);
@@ -109,7 +110,7 @@ private:
         }
         if (layout_.jet3 || !can_compute(shape)) return {};
         std::vector<Bytes> entries;
-        visit_rows(definition, [&](Row_Id id, const Row_View& row) {
+        visit_rows(definition, [&](Row_Place id, const Row_View& row) {
             std::vector<Value> values;
             for (const Index_Part& part : index.columns)
                 values.push_back(value(row, *definition.by_number(part.column)));

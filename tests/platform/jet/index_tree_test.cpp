@@ -1,7 +1,7 @@
-#include "platform/jet/index_tree.h"
+#include "platform/jet/index/index_tree.h"
 
-#include "platform/jet/error.h"
-#include "platform/jet/index_key.h"
+#include "platform/jet/format/error.h"
+#include "platform/jet/index/index_key.h"
 #include "platform/jet/index_tree_look.h"
 #include "platform/jet/tiny_pager.h"
 
@@ -36,7 +36,7 @@ Bytes text_of(std::size_t length, std::mt19937& random, unsigned letters) {
     return key;
 }
 
-Row_Pointer row_of(std::uint32_t number) {
+Row_Place row_of(std::uint32_t number) {
     return {1000 + number / 200, static_cast<std::uint8_t>(number % 200)};
 }
 
@@ -48,11 +48,11 @@ struct Twin {
     std::set<Bytes> expected;
     std::size_t different = 0; ///< keys reported as new
 
-    void insert(const Bytes& key, Row_Pointer row) {
+    void insert(const Bytes& key, Row_Place row) {
         different += tree.insert(space, key, row) ? 1U : 0U;
         expected.insert(entry_bytes(key, row));
     }
-    void erase(const Bytes& key, Row_Pointer row) {
+    void erase(const Bytes& key, Row_Place row) {
         tree.erase(space, key, row);
         expected.erase(entry_bytes(key, row));
     }
@@ -117,7 +117,7 @@ TEST(Index_Tree, equal_keys_are_found_in_the_order_of_their_rows) {
     }
     twin.check();
     EXPECT_EQ(twin.different, 7u);
-    const std::vector<Row_Pointer> rows = twin.tree.rows(long_key(3));
+    const std::vector<Row_Place> rows = twin.tree.rows(long_key(3));
     ASSERT_EQ(rows.size(), 714u);
     EXPECT_TRUE(std::ranges::is_sorted(rows));
     EXPECT_EQ(rows.front(), row_of(3));
@@ -139,8 +139,8 @@ TEST(Index_Tree, a_key_that_begins_like_another_is_another) {
     twin.insert(key({}), {0, 9});
     twin.insert(key(zeros), {1, 1});
     twin.insert(key({}), {0x7F0000, 3});
-    EXPECT_THAT(twin.tree.rows(key({})), ElementsAre(Row_Pointer{0, 9}, Row_Pointer{0x7F0000, 3}));
-    EXPECT_THAT(twin.tree.rows(key(zeros)), ElementsAre(Row_Pointer{1, 1}));
+    EXPECT_THAT(twin.tree.rows(key({})), ElementsAre(Row_Place{0, 9}, Row_Place{0x7F0000, 3}));
+    EXPECT_THAT(twin.tree.rows(key(zeros)), ElementsAre(Row_Place{1, 1}));
     EXPECT_TRUE(twin.tree.contains(key({})));
 }
 
@@ -216,7 +216,7 @@ TEST(Index_Tree, random_changes_keep_every_rule) {
         SCOPED_TRACE(kind);
         std::mt19937 random(static_cast<unsigned>(kind) + 1);
         Twin twin;
-        std::vector<std::pair<Bytes, Row_Pointer>> held;
+        std::vector<std::pair<Bytes, Row_Place>> held;
         const auto erase_one = [&] {
             const std::size_t which = random() % held.size();
             twin.erase(held[which].first, held[which].second);
@@ -258,7 +258,7 @@ TEST(Index_Tree, everything_erased_from_either_end) {
         if (!from_front) std::ranges::reverse(entries);
         for (std::size_t i = 0; i < entries.size(); ++i) {
             const auto cursor = from_front ? twin.tree.first() : twin.tree.last();
-            const Row_Pointer row = cursor.row();
+            const Row_Place row = cursor.row();
             twin.erase(Bytes(entries[i].begin(), entries[i].end() - 4), row);
             if (i % 20 == 0) twin.check();
         }

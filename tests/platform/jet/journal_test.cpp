@@ -1,7 +1,7 @@
 #include "pager_support.h"
 
 #include "platform/files/crash_disk.h"
-#include "platform/jet/journal_format.h"
+#include "platform/jet/pages/journal_format.h"
 
 #include <algorithm>
 #include <gmock/gmock.h>

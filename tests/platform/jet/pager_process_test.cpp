@@ -5,7 +5,7 @@
 #include "support/temporary_folder.h"
 
 #include "platform/files/replace.h"
-#include "platform/jet/journal_format.h"
+#include "platform/jet/pages/journal_format.h"
 
 #include <csignal>
 #include <functional>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/files/memory_disk.h"
-#include "platform/jet/pager.h"
+#include "platform/jet/pages/pager.h"
 
 #include <cstring>
 

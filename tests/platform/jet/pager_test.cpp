@@ -1,7 +1,7 @@
 #include "pager_support.h"
 
 #include "platform/files/faulty_disk.h"
-#include "platform/jet/pager_cache.h"
+#include "platform/jet/pages/pager_cache.h"
 
 #include <gmock/gmock.h>
 

@@ -1,5 +1,5 @@
 #include "platform/jet/fixture.h"
-#include "platform/jet/index_key.h"
+#include "platform/jet/index/index_key.h"
 #include "platform/jet/mdbtools.h"
 #include "support/crash_sweep.h"
 #include "support/temporary_folder.h"
@@ -151,7 +151,7 @@ private:
         return found->first;
     }
     jet::Table table(std::u16string_view name) { return *database_.table(name); }
-    std::optional<jet::Row_Id> place(std::u16string_view name, std::int32_t id) {
+    std::optional<jet::Row_Place> place(std::u16string_view name, std::int32_t id) {
         auto cursor = table(name).find({{0, id}});
         return cursor.next() ? std::optional(cursor.id()) : std::nullopt;
     }

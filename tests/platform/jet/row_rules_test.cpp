@@ -1,8 +1,8 @@
 // What a row may hold, and what becomes of the others when it changes.
 
-#include "platform/jet/cell.h"
 #include "platform/jet/fixture.h"
-#include "platform/jet/long_value.h"
+#include "platform/jet/rows/cell.h"
+#include "platform/jet/rows/long_value.h"
 
 #include <cmath>
 #include <limits>

@@ -39,7 +39,7 @@ void edit(jet::Database& database, std::mt19937& random) {
             for (auto skip = random() % sets.row_count() + 1; skip > 0; --skip) cursor.next();
             return std::pair(cursor.id(), cursor.integer(0));
         }();
-        std::vector<jet::Row_Id> rows;
+        std::vector<jet::Row_Place> rows;
         for (auto cursor = values.find({{1, victim.second}}); cursor.next();)
             rows.push_back(cursor.id());
         for (const auto row : rows) values.erase(row);

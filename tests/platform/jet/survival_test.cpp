@@ -44,7 +44,7 @@ private:
     static void remove_set(jet::Database& database) {
         jet::Transaction transaction(database);
         const auto cvs = *database.table(u"CVs");
-        std::vector<jet::Row_Id> rows;
+        std::vector<jet::Row_Place> rows;
         for (auto cursor = cvs.find({{1, 2}}); cursor.next();) rows.push_back(cursor.id());
         for (const auto row : rows) cvs.erase(row);
         transaction.commit();
@@ -183,7 +183,7 @@ void edit_damaged(const std::vector<std::byte>& bytes) {
         for (const auto& table : database.tables()) {
             try {
                 for (auto cursor = table.rows(); cursor.next();) (void)cursor.values();
-                std::optional<jet::Row_Id> row;
+                std::optional<jet::Row_Place> row;
                 if (auto cursor = table.rows(jet::Order::file); cursor.next()) row = cursor.id();
                 if (!row) continue;
                 table.erase(*row);
@@ -249,7 +249,7 @@ TEST(Damage, a_missing_end_is_told_at_opening) {
 
 TEST(Damage, a_missing_end_of_a_file_made_here_is_told_at_opening) {
     files::Memory_Disk disk;
-    std::vector<jet::Row_Id> rows;
+    std::vector<jet::Row_Place> rows;
     const auto with_table = [&](auto act) {
         auto database = open(disk);
         act(*database.table(u"Notes"));

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/jet/bytes.h"
-#include "platform/jet/pager.h"
+#include "platform/jet/format/bytes.h"
+#include "platform/jet/pages/pager.h"
 
 #include <fstream>
 #include <iterator>

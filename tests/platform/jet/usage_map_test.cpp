@@ -1,7 +1,7 @@
-#include "platform/jet/usage_map.h"
+#include "platform/jet/pages/usage_map.h"
 
-#include "platform/jet/error.h"
-#include "platform/jet/page_space.h"
+#include "platform/jet/format/error.h"
+#include "platform/jet/pages/page_space.h"
 #include "platform/jet/tiny_pager.h"
 
 #include <gmock/gmock.h>
@@ -43,7 +43,7 @@ TEST(Usage_Map, inline_map_moves_its_start_then_grows_then_refers) {
     Page_Space space(pager);
     Usage_Map map = Usage_Map::make(pager, space, 0);
     const Usage_Map neighbour = Usage_Map::make(pager, space, map.place().page);
-    EXPECT_EQ(neighbour.place(), (Row_Pointer{map.place().page, 1}));
+    EXPECT_EQ(neighbour.place(), (Row_Place{map.place().page, 1}));
     EXPECT_THAT(map.pages(), IsEmpty());
 
     const auto kind = [&] { return load_u8(&(*pager.read(map.place().page))[4096 - 69]); };
@@ -73,7 +73,7 @@ TEST(Usage_Map, a_new_map_goes_where_there_is_room) {
     const Page_Number first = Usage_Map::make(pager, space, 0).place().page;
     for (int row = 1; row < 57; ++row)
         EXPECT_EQ(Usage_Map::make(pager, space, first).place(),
-                  (Row_Pointer{first, static_cast<std::uint8_t>(row)}));
+                  (Row_Place{first, static_cast<std::uint8_t>(row)}));
     EXPECT_NE(Usage_Map::make(pager, space, first).place().page, first); // 57 rows are all
     EXPECT_NE(Usage_Map::make(pager, space, 1).place().page, 1u); // the global map's own page
 }
@@ -115,9 +115,9 @@ TEST(Usage_Map, junk_is_passed_over_or_refused) {
     store_u32(&row(3)[1], 5);
     EXPECT_THAT(Usage_Map(pager, {5, 0}).pages(), IsEmpty());
     EXPECT_THAT(Usage_Map(pager, {5, 1}).pages(), IsEmpty());
-    for (const Row_Pointer place : {Row_Pointer{5, 2}, Row_Pointer{5, 3}, Row_Pointer{5, 9},
-                                    Row_Pointer{3, 0}, Row_Pointer{99, 0}})
-        EXPECT_THROW(Usage_Map(pager, place).pages(), Error) << place.page << ' ' << +place.row;
+    for (const Row_Place place :
+         {Row_Place{5, 2}, Row_Place{5, 3}, Row_Place{5, 9}, Row_Place{3, 0}, Row_Place{99, 0}})
+        EXPECT_THROW(Usage_Map(pager, place).pages(), Error) << place.page << ' ' << +place.slot;
     store_u16(&page[14 + 2], 0xC000 | 0xF76); // a deleted row
     EXPECT_THROW(Usage_Map(pager, {5, 1}).contains(1), Error);
     store_u16(&page[14 + 2], 0x10); // a row within the slot table
@@ -241,7 +241,7 @@ TEST(Usage_Map, maps_of_all_samples_hold_their_pages) {
         for (Page_Number number = 2; number < pager.page_count(); ++number) {
             const Page page = pager.read(number);
             if (page->front() != std::byte{2} || free.contains(number)) continue;
-            const Row_Pointer owned = Row_Pointer::from(load_u32(&(*page)[jet3 ? 0x23 : 0x37]));
+            const Row_Place owned = Row_Place::from(load_u32(&(*page)[jet3 ? 0x23 : 0x37]));
             const std::size_t columns = load_u16(&(*page)[jet3 ? 0x19 : 0x2D]);
             if (owned.page >= pager.page_count() || columns == 0) continue; // a further page
             ++maps;
