@@ -77,7 +77,7 @@ std::optional<std::vector<Row_Place>> rows_in_key_order(Engine& engine, const Ta
     try {
         std::vector<Row_Place> rows;
         for (auto at = tree_of(engine, table, primary->real).first(); !at.at_end(); at.next())
-            rows.push_back({at.row().page, at.row().row});
+            rows.push_back(at.row());
         return rows;
     } catch (const Error& error) {
         if (error.kind != Failure::damaged) throw;
@@ -112,7 +112,7 @@ std::vector<Row_Place> rows_with_key(Engine& engine, const Table_State& table, s
         const auto key = at.key();
         if (key.size() < wanted.size() || !std::equal(wanted.begin(), wanted.end(), key.begin()))
             break;
-        rows.push_back({at.row().page, at.row().row});
+        rows.push_back(at.row());
     }
     return rows;
 }

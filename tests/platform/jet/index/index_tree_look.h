@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/jet/tiny_pager.h"
+#include "platform/jet/pages/tiny_pager.h"
 
 #include <string>
 #include <vector>

@@ -2,8 +2,8 @@
 
 #include "platform/jet/format/error.h"
 #include "platform/jet/index/index_key.h"
-#include "platform/jet/index_tree_look.h"
-#include "platform/jet/tiny_pager.h"
+#include "platform/jet/index/index_tree_look.h"
+#include "platform/jet/pages/tiny_pager.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "platform/jet/index_tree_look.h"
+#include "platform/jet/index/index_tree_look.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "pager_support.h"
+#include "platform/jet/pages/pager_support.h"
 #include "support/crash_sweep.h"
 
 using namespace pager_tests;

@@ -2,7 +2,7 @@
 
 #include "platform/jet/format/error.h"
 #include "platform/jet/pages/page_space.h"
-#include "platform/jet/tiny_pager.h"
+#include "platform/jet/pages/tiny_pager.h"
 
 #include <gmock/gmock.h>
 

@@ -5,10 +5,10 @@
 #include "platform/jet/format/definition.h"
 #include "platform/jet/index/index_key.h"
 #include "platform/jet/index/index_tree.h"
-#include "platform/jet/index_tree_look.h"
+#include "platform/jet/index/index_tree_look.h"
+#include "platform/jet/pages/tiny_pager.h"
 #include "platform/jet/rows/cell.h"
 #include "platform/jet/rows/row.h"
-#include "platform/jet/tiny_pager.h"
 
 #include <gmock/gmock.h>
 

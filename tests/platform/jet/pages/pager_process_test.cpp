@@ -1,6 +1,6 @@
 // Copies of the program as real processes on a real disk.
 
-#include "pager_support.h"
+#include "platform/jet/pages/pager_support.h"
 #include "support/crash_sweep.h"
 #include "support/temporary_folder.h"
 

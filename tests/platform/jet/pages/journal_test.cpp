@@ -1,4 +1,4 @@
-#include "pager_support.h"
+#include "platform/jet/pages/pager_support.h"
 
 #include "platform/files/crash_disk.h"
 #include "platform/jet/pages/journal_format.h"
