@@ -1,6 +1,7 @@
 #include "store/backups.h"
 
 #include "platform/files/replace.h"
+#include "platform/jet/check/check.h"
 #include "platform/jet/database.h"
 
 #include <QCryptographicHash>
@@ -16,6 +17,7 @@ namespace store {
 namespace {
 
 constexpr std::size_t copies_kept = 10;
+constexpr std::uint64_t bytes_checked = 16'000'000; ///< of all copies, in a fraction of a second
 const std::string folder_name = "Sicherungen";
 const QString time_form = u"yyyy-MM-dd HH-mm-ss"_s;
 const QString extension = u".mdb"_s;
@@ -185,11 +187,29 @@ void Backups::made_now(const QString& file) {
 std::optional<int> Backups::sets_in(const std::string& path) {
     try {
         auto library = jet::Database::open(disk_, path, jet::Mode::read_only);
-        if (const auto sets = library.table(u"Sets")) return static_cast<int>(sets->row_count());
+        const auto sets = library.table(u"Sets");
+        if (!sets || !sets->column(u"SetID") || !sets->column(u"Name")) return std::nullopt;
+        int count = 0; // of the rows themselves: their number alone outlives them
+        for (jet::Cursor rows = sets->rows(jet::Order::file); rows.next(); ++count) rows.values();
+        return count;
     } catch (const jet::Error&) {
         // Whatever is wrong with it, it cannot be brought back.
     }
     return std::nullopt;
+}
+
+/// @param bytes_left that may still be looked through
+Soundness Backups::soundness_of(const std::string& path, std::uint64_t& bytes_left) {
+    try {
+        auto library = jet::Database::open(disk_, path, jet::Mode::read_only);
+        if (library.status().lost_end || !library.table(u"CVs")) return Soundness::cut_off;
+        const auto look = disk_.look(path);
+        if (!look || look->size > bytes_left) return Soundness::whole;
+        bytes_left -= look->size;
+        return library.check().sound() ? Soundness::whole : Soundness::damaged;
+    } catch (const jet::Error&) {
+        return Soundness::damaged;
+    }
 }
 
 std::vector<Backup> Backups::copies_of(const QString& file) {
@@ -207,6 +227,9 @@ std::vector<Backup> Backups::copies_of(const QString& file) {
     });
     std::stable_sort(found.begin(), found.end(),
                      [](const Backup& one, const Backup& other) { return one.made > other.made; });
+    std::uint64_t bytes_left = bytes_checked;
+    for (Backup& copy : found)
+        if (copy.sets) copy.soundness = soundness_of(copy.path.toStdString(), bytes_left);
     return found;
 }
 

@@ -7,6 +7,7 @@
 #include <QDateTime>
 #include <QString>
 
+#include <cstdint>
 #include <functional>
 #include <map>
 #include <optional>
@@ -15,11 +16,19 @@
 
 namespace store {
 
+/// Whether a copy holds all that the library held.
+enum class Soundness {
+    whole,
+    cut_off, ///< its end, or the table of the CVs, is missing
+    damaged
+};
+
 /// A copy of a library.
 struct Backup {
     QString path;
     QDateTime made;          ///< local time, as its name tells
-    std::optional<int> sets; ///< how many it holds; nothing: it cannot be read as a library
+    std::optional<int> sets; ///< how many can be read; nothing: it cannot be read as a library
+    Soundness soundness = Soundness::whole;
 };
 
 /// Copies of libraries, each as it was before its first change in a run of the program: the newest
@@ -41,7 +50,8 @@ public:
     /// A file made in this run needs no copy before its first change.
     void made_now(const QString& file);
 
-    /// Newest first.
+    /// Newest first. Where all of them together are very large, damage is looked for in the newest
+    /// only, as far as it does not show in the rows of Sets.
     std::vector<Backup> copies_of(const QString& file);
     /// Puts a copy in the place of the library, which becomes a copy first; other running copies of
     /// the program notice that it was replaced. To be closed before, opened after. A copy that
@@ -68,6 +78,7 @@ private:
     void put(const std::string& source, const std::string& path, files::Rights rights);
     void put_journal_away(const std::string& path);
     std::optional<int> sets_in(const std::string& path);
+    Soundness soundness_of(const std::string& path, std::uint64_t& bytes_left);
     template <class Work>
     bool noting(Work work);
 

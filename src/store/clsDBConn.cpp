@@ -98,13 +98,17 @@ void clsDBConn::Inside::note(const ado::Error& error) {
     if (error.kind == ado::Failure::damaged)
         note(Failure::damaged, file, place);
     else if (error.kind == ado::Failure::not_found && active)
-        note(!is_library ? Failure::no_library
+        note(!is_library ? without_sets()
              : lacks_cvs ? Failure::no_cvs
                          : Failure::gone,
              file, place);
     else
         note(translated(error.kind), error.subject, error.detail);
     lost = lost || error.kind == ado::Failure::replaced;
+}
+
+Failure clsDBConn::Inside::without_sets() const {
+    return connection.status().lost_end ? Failure::cut_off : Failure::no_library;
 }
 
 ado::Error clsDBConn::Inside::gone(const QString& table, std::int32_t key) {

@@ -122,7 +122,10 @@ public:
     std::int16_t DB_Get_Free_SetNr(std::int16_t ResCV);
     /// Names the current set anew. @param Nummer 0 keeps the number
     bool DB_Rename_CVSet(const QString& Name, std::int16_t Nummer);
+    /// Whether somebody else has deleted a set; false also where that cannot be read.
+    bool set_gone(std::int32_t SetID);
     /// Deletes a set with its CVs, its scripts and their states. No set is current then.
+    /// @return false also when there was nothing to delete, and that is noted
     bool DB_Del_CVSet(std::int32_t SetID);
 
     // CVs
@@ -130,6 +133,7 @@ public:
     /// Entries of the CVs of a set by page and number, with the CVID. @return how many (at most
     /// 32767)
     std::int16_t Fill_CVs_in_Listbox(List_Filler& list, std::int32_t SetID);
+    /// @return false also when there is no such row, and that is noted
     bool DB_Del_CVWert(std::int32_t CVID);
     /// Adds or overwrites a CV of the current set, and fills its CVID. A CV that is not paged goes
     /// to page 0:1, which the caller sees.

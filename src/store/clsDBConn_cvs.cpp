@@ -118,7 +118,12 @@ std::int16_t clsDBConn::Fill_CVs_in_Listbox(List_Filler& list, std::int32_t SetI
 }
 
 bool clsDBConn::DB_Del_CVWert(std::int32_t CVID) {
-    return inside_->changing([&] { inside_->delete_rows(one_cv(CVID)); });
+    Inside& inside = *inside_;
+    return inside.changing([&] {
+        ado::Recordset& row = inside.query(one_cv(CVID));
+        if (row.at_end()) throw inside.gone(u"CVs"_s, CVID);
+        row.erase();
+    });
 }
 
 bool clsDBConn::DB_Write_CV(CVRec& rec) {

@@ -60,7 +60,8 @@ struct clsDBConn::Inside : ado::Row_Watcher {
 
     void note(Failure kind, const QString& subject, const QString& detail);
     void note(const ado::Error& error);
-    bool expect_library(); ///< @return false: there is none, and why is noted
+    bool expect_library();        ///< @return false: there is none, and why is noted
+    Failure without_sets() const; ///< why there are none
     Lost_End lost_end() const;
     Blocked blocked() const;
 

@@ -113,9 +113,11 @@ void clsDBConn::Inside::look_for_library() {
         is_library = TableExists(catalog, sets_table) &&
                      ColumnExists(catalog, sets_table, u"SetID"_s) &&
                      ColumnExists(catalog, sets_table, u"Name"_s);
-        if (!is_library) note(Failure::no_library, file, u"no table Sets with SetID and Name"_s);
+        if (!is_library) note(without_sets(), file, u"no table Sets with SetID and Name"_s);
     });
     if (!is_library) {
+        if (connection.status().lost_end) // else it looks like damage, or like another kind
+            note(Failure::cut_off, file, trouble ? trouble->detail : QString());
         no_library = trouble.value_or(Trouble{Failure::no_library, file, {}});
         return;
     }

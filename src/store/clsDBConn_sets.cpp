@@ -238,6 +238,13 @@ bool clsDBConn::DB_Rename_CVSet(const QString& Name, std::int16_t Nummer) {
     });
 }
 
+bool clsDBConn::set_gone(std::int32_t SetID) {
+    bool gone = false;
+    inside_->reading(ado::Extent::some,
+                     [&] { gone = inside_->query(one_set(SetID), {u"SetID"_s}).at_end(); });
+    return gone;
+}
+
 void clsDBConn::Inside::refuse_if_referred(std::int32_t set_id) {
     catalog.refuse_if_referred(u"Sets"_s, u"SetID"_s, set_id, {u"CVs"_s, u"Scripte"_s});
 }
@@ -245,12 +252,14 @@ void clsDBConn::Inside::refuse_if_referred(std::int32_t set_id) {
 bool clsDBConn::DB_Del_CVSet(std::int32_t SetID) {
     Inside& inside = *inside_;
     const bool done = inside.changing([&] {
+        const std::size_t before = inside.record.rows.size();
         inside.refuse_if_referred(SetID);
         inside.whole([&] {
             inside.delete_scripts_of(SetID);
             inside.delete_rows(u"SELECT * FROM CVs WHERE SetID = "_s + QString::number(SetID));
             inside.delete_rows(one_set(SetID));
         });
+        if (inside.record.rows.size() == before) throw inside.gone(u"Sets"_s, SetID);
     });
     if (done) inside.akt_set = 0;
     return done;

@@ -14,6 +14,7 @@ enum class Failure {
     denied,           ///< the rights are missing to look at the file
     not_a_database,   ///< another kind of file
     no_library,       ///< a database of another kind: it has no CV sets
+    cut_off,          ///< the end of the file is missing, and the CV sets with it
     no_cvs,           ///< a library without the table of its CVs
     unsupported,      ///< another generation of the format, a password, enciphered pages
     damaged,          ///< the file; it is read-only from then on
@@ -56,6 +57,9 @@ enum class Blocked {
 constexpr bool is_incomplete(Blocked why) {
     return why == Blocked::cut_off || why == Blocked::no_cvs;
 }
+
+/// Whether nothing that was read may only mean that nothing could be read.
+constexpr bool is_doubtful(Blocked why) { return why == Blocked::damaged || is_incomplete(why); }
 
 /// What a library has lost that was not copied to its end.
 struct Lost_End {

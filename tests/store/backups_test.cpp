@@ -284,6 +284,33 @@ TEST_F(Copies, a_damaged_or_missing_library_is_replaced_and_its_journal_is_not_a
     EXPECT_TRUE(disk.file_exists("a.mdb-journal-aside-2"));
 }
 
+/// What the list tells of a copy.
+using Told = std::pair<std::optional<int>, Soundness>;
+
+TEST_F(Copies, a_spoiled_one_is_known_by_its_rows_and_its_end) {
+    put("a.mdb", "library_2003");
+    if (IsSkipped()) return;
+    change_at(0, 1);
+    const std::string copy = "Sicherungen/a 2026-03-01 12-00-00.mdb";
+    const std::vector<std::byte> whole = disk.bytes(copy);
+    const auto told = [&](std::size_t page, std::size_t pages) {
+        auto bytes = whole;
+        if (page != 0) std::fill_n(&bytes[page * 4096], 4096, std::byte{0xFF});
+        bytes.resize(pages * 4096);
+        disk.set_bytes(copy, bytes);
+        Program run(disk, now);
+        const Backup found = run.backups.copies_of(u"a.mdb"_s).front();
+        EXPECT_EQ(run.backups.restore(found.path, u"b.mdb"_s), found.sets.has_value());
+        return Told(found.sets, found.soundness);
+    };
+    const std::size_t pages = whole.size() / 4096;
+    EXPECT_EQ(told(0, pages), Told(45, Soundness::whole));
+    EXPECT_EQ(told(0, 80), Told(45, Soundness::cut_off));
+    EXPECT_EQ(told(0, 20).first, std::nullopt) << "Sets is gone";
+    EXPECT_EQ(told(68, pages).first, std::nullopt) << "the rows of Sets";
+    EXPECT_EQ(told(pages - 1, pages), Told(45, Soundness::damaged)) << "those of CVs";
+}
+
 TEST_F(Copies, what_cannot_be_read_or_kept_is_not_brought_back) {
     put();
     if (IsSkipped()) return;

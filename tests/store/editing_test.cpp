@@ -215,8 +215,14 @@ TEST_P(Editing_Samples, a_new_set_is_the_last_even_where_space_is_used_again) {
     EXPECT_EQ(library::sets(db, 8).back(), (std::pair<std::string, int>("500 - neu", id)));
     EXPECT_EQ(library::cvs(db, id), (Shown{{"CV#    29 = 6", rec.CVID}}));
     EXPECT_TRUE(db.DB_Del_CVWert(rec.CVID));
-    EXPECT_TRUE(db.DB_Del_CVWert(rec.CVID)) << "gone already: nothing to do";
     EXPECT_TRUE(library::cvs(db, id).empty());
+    EXPECT_FALSE(db.set_gone(id));
+    EXPECT_TRUE(db.DB_Del_CVSet(id));
+    EXPECT_TRUE(db.set_gone(id));
+    EXPECT_FALSE(db.DB_Del_CVWert(rec.CVID)) << "gone already";
+    EXPECT_EQ(library::trouble(db), "gone");
+    EXPECT_FALSE(db.DB_Del_CVSet(id));
+    EXPECT_EQ(library::trouble(db), "gone");
     EXPECT_EQ(library::trouble(db), "");
 }
 

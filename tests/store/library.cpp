@@ -73,9 +73,9 @@ Shown cvs(store::clsDBConn& connection, std::int32_t set_id) {
 
 std::string trouble(store::clsDBConn& connection) {
     static const char* const kinds[] = {
-        "not_open",  "no_set",      "not_found", "denied",    "not_a_database",   "no_library",
-        "no_cvs",    "unsupported", "damaged",   "read_only", "locked_elsewhere", "replaced",
-        "disk_full", "device",      "gone",      "refused"};
+        "not_open", "no_set",    "not_found",   "denied",  "not_a_database", "no_library",
+        "cut_off",  "no_cvs",    "unsupported", "damaged", "read_only",      "locked_elsewhere",
+        "replaced", "disk_full", "device",      "gone",    "refused"};
     const auto taken = connection.take_trouble();
     return taken ? kinds[static_cast<int>(taken->kind)] : "";
 }

@@ -16,6 +16,7 @@
 #include <QScreen>
 #include <QSignalBlocker>
 #include <QStatusBar>
+#include <QTimer>
 #include <algorithm>
 
 namespace ui_main {
@@ -156,6 +157,10 @@ void Frm_Main::set_selected() {
 void Frm_Main::set_chosen() {
     set_selected();
     say_outcome({});
+    // the list is still working on the key or click, and must not be filled anew under it
+    const std::int32_t SetID = form_->lst_sets->selected_key();
+    if (SetID != 0 && database_.set_gone(SetID))
+        QTimer::singleShot(0, this, [this] { leave_gone_set(); });
 }
 
 void Frm_Main::Show_CVs(std::int32_t SetID) {

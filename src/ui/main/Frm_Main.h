@@ -68,6 +68,7 @@ public:
 
     void say(const QString& sentence) override;
     bool say_trouble() override;
+    bool leave_gone_set() override;
     Status_Line& status_line() override { return *status_; }
 
 protected:
@@ -114,9 +115,14 @@ private:
     void rename_set();
     void delete_set();
     void delete_set_at_once();
+    void delete_shown_set(std::int32_t SetID, const QString& shown);
     QString with_cut(const QString& sentence, const frm_get_2_string& dialog) const;
     QString shown_set() const;             ///< the selected entry of the set list
     void say_set_gone(const QString& set); ///< @param set as it was shown
+    /// Takes a set out of view that another copy of the program has deleted, and says so.
+    /// @param shown as it was shown
+    /// @return false: it is there
+    bool leave_gone_set(std::int32_t SetID, const QString& shown);
 
     // clipboard_commands.cpp
     void copy_cvs();
@@ -125,6 +131,7 @@ private:
     void paste_cvs();
     void paste_set();
     void put_on_clipboard(const desktop::Clipboard& content, const QString& sentence);
+    bool refuse_incomplete_copy();
     /// Loads the whole library into SetsObj. @return the selected set in it; nullptr: why is said
     const store::cls_CV_Set* load_selected_set();
     void paste(const store::Pasted& pasted);
@@ -143,6 +150,7 @@ private:
     // hints.cpp
     void show_hints(); ///< to be called when a list was filled or its set has changed
     Text hint_for_sets();
+    bool sets_unreadable();
 
     // window_events.cpp
     void refill_if_changed();

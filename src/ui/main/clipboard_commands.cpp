@@ -22,17 +22,32 @@ void Frm_Main::put_on_clipboard(const desktop::Clipboard& content, const QString
 
 void Frm_Main::copy_cvs() {
     std::vector<store::CVRec> cvs;
+    int gone = 0;
     for (const int row : form_->lst_CVs->selected_rows()) {
         const store::CVRec cv = database_.DB_Get_CV(form_->lst_CVs->key(row));
-        if (cv.CVID != 0) cvs.push_back(cv); // else another copy has deleted it
+        if (cv.CVID != 0)
+            cvs.push_back(cv);
+        else
+            ++gone;
     }
     if (say_trouble()) return;
-    if (cvs.empty()) {
+    if (cvs.empty() && gone == 0) {
         say(text(Text::nothing_selected_to_copy));
         return;
     }
-    put_on_clipboard({store::cvs_text(cvs), {}},
-                     text(Text::cvs_copied).arg(static_cast<int>(cvs.size())));
+    if (gone > 0) cv_panel_->leave_gone_cvs(gone);
+    if (cvs.empty()) return;
+    QString copied = text(Text::cvs_copied).arg(static_cast<int>(cvs.size()));
+    if (const store::Blocked why = database_.opening().blocked; is_incomplete(why))
+        copied += u' ' + text(Text::maybe_more).arg(reason(why, {}));
+    put_on_clipboard({store::cvs_text(cvs), {}}, copied);
+}
+
+// A set without some of its CVs would look like a whole one wherever it is pasted.
+bool Frm_Main::refuse_incomplete_copy() {
+    const store::Blocked why = database_.opening().blocked;
+    if (is_incomplete(why)) say(text(Text::nothing_copied) + u' ' + reason(why, {}));
+    return is_incomplete(why);
 }
 
 const store::cls_CV_Set* Frm_Main::load_selected_set() {
@@ -41,11 +56,12 @@ const store::cls_CV_Set* Frm_Main::load_selected_set() {
         say_no_set();
         return nullptr;
     }
+    if (refuse_incomplete_copy()) return nullptr;
     database_.Fill_Sets_in_SetObj(store::SetsObj());
     const QString key = QString::number(SetID);
     if (say_trouble()) return nullptr;
     if (store::SetsObj().contains(key)) return store::SetsObj().Item(key).get();
-    say(text(Text::set_gone).arg(shown_set()));
+    leave_gone_set();
     return nullptr;
 }
 
@@ -89,6 +105,7 @@ void Frm_Main::paste(const store::Pasted& pasted) {
         return;
     }
     const store::Paste_Report report = store::paste(database_, pasted, app::globals.AktResCV);
+    if (report.sets == 0 && leave_gone_set()) return;
     if (report.sets > 0) {
         refill_sets(report.last_set);
     } else {

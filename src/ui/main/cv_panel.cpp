@@ -39,10 +39,31 @@ void Cv_Panel::load_selected() {
     const std::int32_t key = form_.lst_CVs->selected_key();
     if (key == 0) return;
     const store::CVRec cv = database_.DB_Get_CV(key);
+    if (cv.CVID == 0) { // the fields stay: no CV has the zeros of a row that is not there
+        if (!owner_.say_trouble()) leave_gone_cvs(1);
+        return;
+    }
     form_.txt_cv_nummer->set_number(cv.CVNr);
     form_.txt_cv_wert->set_number(cv.CVWert);
     form_.txt_cv_page[0]->set_number(cv.CVPageHi);
     form_.txt_cv_page[1]->set_number(cv.CVPageLo);
+}
+
+// The neighbour of the one that the keyboard was at gets its place, and nothing is selected: what
+// the fields show is none of those in the list.
+void Cv_Panel::leave_gone_cvs(int count) {
+    const Status_Line::One_Command one(owner_.status_line());
+    if (owner_.leave_gone_set()) return;
+    Entry_List& list = *form_.lst_CVs;
+    const std::vector<std::int32_t> around = list.keys_around(list.current_row());
+    owner_.Show_CVs(0);
+    for (const std::int32_t key : around) {
+        const auto row = list.row_of(key);
+        if (row) list.go_to_row(*row);
+        if (row) break;
+    }
+    owner_.say(text(Text::cvs_gone).arg(count));
+    owner_.say_trouble();
 }
 
 void Cv_Panel::chosen() {
@@ -93,15 +114,27 @@ void Cv_Panel::delete_selected() {
     const Status_Line::One_Command one(owner_.status_line());
     store::Operation operation(database_);
     int deleted = 0;
-    for (const int row : rows) deleted += database_.DB_Del_CVWert(list.key(row)) ? 1 : 0;
+    int gone = 0;
+    for (const int row : rows) {
+        if (database_.DB_Del_CVWert(list.key(row))) {
+            ++deleted;
+        } else if (const auto& why = database_.last_trouble();
+                   why && why->kind == store::Failure::gone) {
+            ++gone;
+            database_.take_trouble(); // it is told below, by number
+        }
+    }
     const bool kept = operation.keep();
+    if (gone > 0 && owner_.leave_gone_set()) return;
     owner_.Show_CVs(0);
     if (list.count() > 0) {
         list.select_row(std::min(rows.front(), list.count() - 1));
         load_selected();
     }
     form_.txt_cv_wert->selectAll();
-    if (!owner_.say_trouble() && kept) owner_.say(text(Text::cvs_deleted).arg(deleted));
+    if (owner_.say_trouble() || !kept) return;
+    if (deleted > 0) owner_.say(text(Text::cvs_deleted).arg(deleted));
+    if (gone > 0) owner_.say(text(Text::cvs_gone).arg(gone));
 }
 
 bool Cv_Panel::fields_in_range() {
@@ -153,6 +186,7 @@ void Cv_Panel::Save_CV() {
 
 void Cv_Panel::store_record(store::CVRec cv) {
     const bool stored = database_.DB_Write_CV(cv);
+    if (!stored && owner_.leave_gone_set()) return;
     owner_.Show_CVs(0);
     if (const auto row = Find_CV_Index(cv.CVID)) form_.lst_CVs->go_to_row(*row);
     if (!owner_.say_trouble() && stored) {

@@ -20,6 +20,9 @@ public:
     virtual void say(const QString& sentence) = 0;
     /// Says what kept the database from the last operation, if anything did. @return whether so
     virtual bool say_trouble() = 0;
+    /// Takes the selected set out of view if it has been deleted elsewhere, and says so. @return
+    /// whether so
+    virtual bool leave_gone_set() = 0;
     virtual Status_Line& status_line() = 0;
 };
 
@@ -36,6 +39,8 @@ public:
     /// Loads the current row of the list into the fields, if it is selected.
     void load_selected();
     void delete_selected();
+    /// Takes CVs out of view that have been deleted elsewhere, or their whole set, and says so.
+    void leave_gone_cvs(int count);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -85,9 +85,13 @@ void Frm_Main::restore_backup() {
     const bool restored = backups().restore(chosen->path, file);
     const std::optional<store::Trouble> trouble = backups().take_trouble();
     Open_Database();
+    QString done = text(Text::backup_restored).arg(shown_date(chosen->made));
+    if (chosen->soundness == store::Soundness::cut_off)
+        done += u' ' + text(Text::backup_was_cut_off);
+    if (chosen->soundness == store::Soundness::damaged)
+        done += u' ' + text(Text::backup_was_damaged);
     if (restored)
-        say_and_log(with_left_out(text(Text::backup_restored).arg(shown_date(chosen->made))),
-                    chosen->path);
+        say_and_log(with_left_out(done), chosen->path);
     else if (trouble)
         say_and_log(text(Text::backup_not_restored).arg(sentence(*trouble)), *trouble);
 }

@@ -62,7 +62,9 @@ void Frm_Main::say_opening() {
     QStringList parts;
     if (database_.is_library()) {
         const int sets = database_.Get_Anz_CVSets();
-        parts.append(text(Text::opened).arg(app::globals.Database_File).arg(sets));
+        parts.append(sets_unreadable()
+                         ? text(Text::opened_unreadable).arg(app::globals.Database_File)
+                         : text(Text::opened).arg(app::globals.Database_File).arg(sets));
     } else {
         const Text form = cut_off ? Text::opened_sets_lost : Text::opened_without_sets;
         parts.append(text(form).arg(app::globals.Database_File));

@@ -6,6 +6,7 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QVBoxLayout>
+#include <algorithm>
 
 namespace ui_main {
 
@@ -44,18 +45,46 @@ frm_Backups::frm_Backups(QWidget* parent, const QString& file, std::vector<store
     connect(lst_sicherungen, &QTreeWidget::itemDoubleClicked, cmd_restore, &QPushButton::click);
 }
 
+namespace {
+
+QString shown_sets(const store::Backup& copy) {
+    if (!copy.sets) return text(Text::backup_unreadable);
+    switch (copy.soundness) {
+    case store::Soundness::whole:
+        break;
+    case store::Soundness::cut_off:
+        return text(Text::backup_cut_off).arg(*copy.sets);
+    case store::Soundness::damaged:
+        return text(Text::backup_damaged).arg(*copy.sets);
+    }
+    return QString::number(*copy.sets);
+}
+
+/// The newest that holds everything, else the newest that can be brought back.
+int proposed(const std::vector<store::Backup>& copies) {
+    const auto first = [&](auto is_meant) {
+        return std::find_if(copies.begin(), copies.end(), is_meant);
+    };
+    const auto readable = [](const store::Backup& copy) { return copy.sets.has_value(); };
+    auto found = first([&](const store::Backup& copy) {
+        return readable(copy) && copy.soundness == store::Soundness::whole;
+    });
+    if (found == copies.end()) found = first(readable);
+    return found == copies.end() ? 0 : static_cast<int>(found - copies.begin());
+}
+
+} // namespace
+
 void frm_Backups::fill() {
     lst_sicherungen->setAccessibleName(windowTitle());
     lst_sicherungen->setRootIsDecorated(false);
     lst_sicherungen->setHeaderLabels({text(Text::backup_date), text(Text::backup_sets)});
     for (const store::Backup& copy : copies_) {
-        const QString sets =
-            copy.sets ? QString::number(*copy.sets) : text(Text::backup_unreadable);
-        auto* row = new QTreeWidgetItem(lst_sicherungen, {shown_date(copy.made), sets});
+        auto* row = new QTreeWidgetItem(lst_sicherungen, {shown_date(copy.made), shown_sets(copy)});
         row->setToolTip(0, copy.path);
     }
     lst_sicherungen->header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
-    lst_sicherungen->setCurrentItem(lst_sicherungen->topLevelItem(0));
+    lst_sicherungen->setCurrentItem(lst_sicherungen->topLevelItem(proposed(copies_)));
     enable();
 }
 

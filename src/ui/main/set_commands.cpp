@@ -24,6 +24,18 @@ void Frm_Main::say_set_gone(const QString& set) {
     say(said);
 }
 
+bool Frm_Main::leave_gone_set(std::int32_t SetID, const QString& shown) {
+    if (SetID == 0 || !database_.set_gone(SetID)) return false;
+    database_.take_trouble(); // it is told here, by the name of the set
+    refill_sets(SetID);
+    say_set_gone(shown);
+    return true;
+}
+
+bool Frm_Main::leave_gone_set() {
+    return leave_gone_set(form_->lst_sets->selected_key(), shown_set());
+}
+
 // A cut name is the user's text changed: that is said where he looks next, too.
 QString Frm_Main::with_cut(const QString& sentence, const frm_get_2_string& dialog) const {
     if (!dialog.name_was_cut()) return sentence;
@@ -62,15 +74,19 @@ void Frm_Main::rename_set() {
         say_trouble();
         return;
     }
+    if (leave_gone_set()) return;
     frm_get_2_string dialog(this, name_width);
+    const QString shown = shown_set();
     const QString name = database_.Get_Set_Name(SetID);
     const std::int16_t number = database_.Get_Set_Nummer(SetID);
     dialog.set_texts(text(Text::rename_set), name, number);
     const Two_Strings given = dialog.Get_2_Strings();
     if (given.first.isEmpty()) return;
     const std::int16_t wanted = set_number(given.second);
+    database_.AktCVSetID(SetID); // the lists may have been filled anew behind the dialog
     const bool renamed =
         database_.DB_Rename_CVSet(given.first, wanted == number ? std::int16_t{0} : wanted);
+    if (!renamed && leave_gone_set(SetID, shown)) return;
     refill_sets(SetID);
     say_outcome(renamed ? with_cut(text(Text::set_renamed).arg(shown_set()), dialog) : QString());
 }
@@ -81,7 +97,9 @@ void Frm_Main::delete_set() {
         return;
     }
     const std::int32_t SetID = form_->lst_sets->selected_key();
-    if (desktop_.ask_yes_no(text(Text::attention), text(Text::ask_delete_set))) Delete_Set(SetID);
+    const QString shown = shown_set();
+    if (desktop_.ask_yes_no(text(Text::attention), text(Text::ask_delete_set)))
+        delete_shown_set(SetID, shown);
 }
 
 void Frm_Main::delete_set_at_once() {
@@ -92,10 +110,11 @@ void Frm_Main::delete_set_at_once() {
         say_no_set();
 }
 
-void Frm_Main::Delete_Set(std::int32_t SetID) {
-    const QString shown = shown_set();
+void Frm_Main::Delete_Set(std::int32_t SetID) { delete_shown_set(SetID, shown_set()); }
+
+void Frm_Main::delete_shown_set(std::int32_t SetID, const QString& shown) {
     if (!database_.DB_Del_CVSet(SetID)) {
-        say_trouble();
+        if (!leave_gone_set(SetID, shown)) say_trouble();
         return;
     }
     fill_sets();

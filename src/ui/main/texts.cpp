@@ -59,6 +59,7 @@ constexpr Entry table[] = {
     {Text::opened_without_sets,
      u"„%1“ geöffnet; die Datei enthält keine CV-Sets (andere Art von Datenbank)."},
     {Text::opened_sets_lost, u"„%1“ geöffnet; die CV-Sets fehlen."},
+    {Text::opened_unreadable, u"„%1“ geöffnet; die CV-Sets sind nicht lesbar."},
     {Text::lost_end, u"Es fehlen mindestens %1 von %2 KB."},
     {Text::lost_of, u"Davon betroffen: %1."},
     {Text::lost_sets, u"CV-Sets"},
@@ -122,7 +123,10 @@ constexpr Entry table[] = {
     {Text::reason_other, u"Der Ordner ist nicht benutzbar."},
 
     {Text::nothing_selected_to_copy, u"Es ist keine CV gewählt; nichts kopiert."},
+    {Text::nothing_copied, u"Es wurde nichts kopiert."},
+    {Text::maybe_more, u"Vielleicht nicht alle: %1"},
     {Text::set_gone, u"CV-Set „%1“ ist nicht mehr vorhanden."},
+    {Text::cvs_gone, u"Inzwischen anderswo gelöschte CVs: %1."},
     {Text::set_chosen_now, u"Gewählt ist jetzt „%1“."},
     {Text::cvs_copied, u"Kopierte CVs: %1."},
     {Text::set_copied, u"CV-Set „%1“ kopiert."},
@@ -151,9 +155,13 @@ constexpr Entry table[] = {
     {Text::backup_date, u"Stand vom"},
     {Text::backup_sets, u"CV-Sets"},
     {Text::backup_unreadable, u"nicht lesbar"},
+    {Text::backup_cut_off, u"%1 (unvollständig)"},
+    {Text::backup_damaged, u"%1 (beschädigt)"},
     {Text::backup_restore, u"Wiederherstellen"},
     {Text::backup_cancel, u"Abbrechen"},
     {Text::backup_restored, u"Die Sicherung vom %1 ist wiederhergestellt."},
+    {Text::backup_was_cut_off, u"Sie ist unvollständig."},
+    {Text::backup_was_damaged, u"Sie ist beschädigt."},
     {Text::backup_not_restored, u"Die Sicherung wurde nicht wiederhergestellt: %1"},
     {Text::log_lost,
      u"In „%1“ kann nicht geschrieben werden; Einstellungen und Protokoll gehen verloren."},
@@ -171,6 +179,9 @@ constexpr Entry table[] = {
 
     {Text::hint_no_database, u"Keine Datenbank geöffnet: Menü „Datei“, „Datenbank öffnen“ oder "
                              u"„Datenbank erstellen“"},
+    {Text::hint_sets_unreadable, u"CV-Sets nicht lesbar: Sicherung oder neue Kopie benutzen"},
+    {Text::hint_cvs_unreadable, u"CVs nicht lesbar: Sicherung oder neue Kopie benutzen"},
+    {Text::hint_scripts_unreadable, u"Scripte nicht lesbar: Sicherung oder neue Kopie benutzen"},
     {Text::hint_no_sets,
      u"Noch keine CV-Sets: Menü „CV Set“, „Hinzufügen“, oder eine Datenbank öffnen"},
     {Text::hint_no_sets_here, u"Keine CV-Sets in dieser Datei: Menü „Datei“, „Datenbank öffnen“ "
@@ -208,6 +219,8 @@ constexpr Trouble_Entry troubles[] = {
     {store::Failure::denied, u"„%1“ darf nicht gelesen werden: Die Rechte fehlen."},
     {store::Failure::not_a_database, u"„%1“ ist keine Datenbank."},
     {store::Failure::no_library, u"„%1“ enthält keine CV-Sets (andere Art von Datenbank)."},
+    {store::Failure::cut_off, u"Der Datei „%1“ fehlt das Ende mit den CV-Sets; "
+                              u"bitte eine vollständige Kopie holen."},
     {store::Failure::no_cvs, u"In „%1“ fehlen die CVs; es wurde nichts geändert."},
     {store::Failure::unsupported,
      u"„%1“ kann nicht geöffnet werden: Kennwort, Verschlüsselung oder anderes Format."},

@@ -56,6 +56,7 @@ enum class Text {
     opened,              ///< %1 file, %2 number of sets
     opened_without_sets, ///< %1 file
     opened_sets_lost,    ///< %1 file, whose end is missing
+    opened_unreadable,   ///< %1 file
     lost_end,            ///< %1 missing, %2 whole, in KB
     lost_of,             ///< %1 what the missing end held
     lost_sets,
@@ -105,7 +106,10 @@ enum class Text {
     reason_other,
 
     nothing_selected_to_copy,
+    nothing_copied,
+    maybe_more,     ///< of what was copied, %1 reason
     set_gone,       ///< %1 number and name
+    cvs_gone,       ///< %1 CVs
     set_chosen_now, ///< %1 number and name
     cvs_copied,     ///< %1 CVs
     set_copied,     ///< %1 number and name
@@ -132,9 +136,13 @@ enum class Text {
     backup_date,
     backup_sets,
     backup_unreadable,
+    backup_cut_off, ///< %1 number of sets
+    backup_damaged, ///< %1 number of sets
     backup_restore,
     backup_cancel,
-    backup_restored,     ///< %1 date
+    backup_restored, ///< %1 date
+    backup_was_cut_off,
+    backup_was_damaged,
     backup_not_restored, ///< %1 reason
     settings_not_saved,
     log_lost, ///< %1 folder
@@ -150,6 +158,9 @@ enum class Text {
     project_refused,
 
     hint_no_database, ///< of an empty list: what to do first
+    hint_sets_unreadable,
+    hint_cvs_unreadable,
+    hint_scripts_unreadable,
     hint_no_sets,
     hint_no_sets_here, ///< and none can be added
     hint_other_view,

@@ -49,6 +49,17 @@ struct Extras_Test : Main_Window_Test {
         desktop.clipboard = {QString::fromUtf8(text), {}};
         choose("mnu_paste");
     }
+    void elsewhere(const std::function<bool(store::clsDBConn&)>& work) {
+        store::clsDBConn other(disk);
+        other.Connection_Start(QString::fromUtf8(default_path));
+        EXPECT_TRUE(work(other));
+    }
+    void delete_elsewhere(std::int32_t SetID) {
+        elsewhere([&](store::clsDBConn& other) { return other.DB_Del_CVSet(SetID); });
+    }
+    void delete_cv_elsewhere(std::int32_t CVID) {
+        elsewhere([&](store::clsDBConn& other) { return other.DB_Del_CVWert(CVID); });
+    }
     void delete_first_cvs(int count) {
         click_row(cvs(), 0);
         click_row(cvs(), count - 1, Qt::ShiftModifier);
@@ -225,6 +236,110 @@ TEST_F(Extras_Test, coming_to_the_front_shows_what_another_copy_has_done) {
     leave_and_return();
     EXPECT_THAT(status(), HasSubstr("von außen ersetzt"));
     EXPECT_THAT(rows(sets()), IsEmpty()) << "nothing of a library that is gone is shown as there";
+}
+
+TEST_F(Extras_Test, a_set_that_another_copy_has_deleted_leaves_the_view_when_it_is_used) {
+    const auto click = [&] { click_row(sets(), 3); };
+    const auto key = [&](Qt::Key pressed, Qt::KeyboardModifiers held = {}) {
+        sets().setFocus();
+        press(pressed, held);
+    };
+    const struct {
+        const char* what;
+        int chosen; ///< row before; 3 goes
+        std::function<void()> use;
+    } cases[] = {
+        {"click", 0, click},
+        {"arrow key", 2, [&] { key(Qt::Key_Down); }},
+        {"copy", 3, [&] { key(Qt::Key_C, Qt::ControlModifier); }},
+        {"delete", 3, [&] { key(Qt::Key_Delete); }},
+        {"delete by menu", 3,
+         [&] {
+             desktop.expect_question(QStringLiteral("Achtung"), QStringLiteral("CV-Set löschen?"),
+                                     Answer::yes);
+             choose("mnu_cvset_del");
+         }},
+        {"rename", 3, [&] { choose("mnu_cvset_rename"); }},
+        {"store a CV", 3, [&] { store_cv("900", "7"); }},
+        {"paste CVs", 3, [&] { paste_cvs("900;7"); }},
+        {"click a CV", 3, [&] { click_row(cvs(), 0); }},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        sets().select_row(c.chosen);
+        const std::string gone = row(sets(), 3);
+        const std::string next = row(sets(), 4);
+        delete_elsewhere(sets().key(3));
+        c.use();
+        QApplication::processEvents();
+        EXPECT_EQ(status(), "CV-Set „" + gone + "“ ist nicht mehr vorhanden. Gewählt ist jetzt „" +
+                                next + "“.");
+        EXPECT_THAT(selected(sets()), ElementsAre(next));
+        EXPECT_GT(cvs().count(), 0);
+    }
+    const std::string gone = row(sets(), 3);
+    sets().select_row(3);
+    in_set_dialog([&](QDialog& dialog) {
+        delete_elsewhere(sets().key(3));
+        dialog_field(dialog, "Text1").setText(QStringLiteral("Neu"));
+        press_button(dialog, "cmd_ok");
+    });
+    choose("mnu_cvset_rename");
+    EXPECT_THAT(status(), AllOf(HasSubstr(gone), HasSubstr("Gewählt ist jetzt")));
+    EXPECT_THAT(rows(sets()), Not(testing::Contains(HasSubstr("Neu"))));
+}
+
+TEST_F(Extras_Test, cvs_that_another_copy_has_deleted_leave_the_list_when_they_are_used) {
+    const struct {
+        const char* what;
+        std::function<void()> use; ///< of the first two; the first is gone
+        const char* said;
+    } cases[] = {
+        {"click", [&] { click_row(cvs(), 0); }, "Inzwischen anderswo gelöschte CVs: 1."},
+        {"copy", [&] { choose("mnu_copy"); },
+         "Inzwischen anderswo gelöschte CVs: 1. Kopierte CVs: 1."},
+        {"delete", [&] { cvs().setFocus(), press(Qt::Key_Delete); },
+         "Gelöschte CVs: 1. Inzwischen anderswo gelöschte CVs: 1."},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
+        click_row(cvs(), 2);
+        const std::string number = text("txt_cv_nummer");
+        if (c.what != std::string("click")) {
+            click_row(cvs(), 0);
+            click_row(cvs(), 1, Qt::ControlModifier);
+        }
+        const std::string gone = row(cvs(), 0);
+        delete_cv_elsewhere(cvs().key(0));
+        c.use();
+        EXPECT_EQ(status(), c.said);
+        EXPECT_NE(row(cvs(), 0), gone);
+        if (c.what == std::string("click")) {
+            EXPECT_EQ(text("txt_cv_nummer"), number);
+        }
+    }
+}
+
+TEST_F(Extras_Test, a_spoiled_copy_is_not_proposed_and_says_what_it_is) {
+    store_cv("3", "77");
+    const std::string folder = copies_folder.toStdString() + "/";
+    const auto whole = disk.bytes(folder + copies().at(0));
+    auto cut = whole;
+    cut.resize(80 * 4096);
+    disk.set_bytes(folder + "CV-Sets 2099-01-01 00-00-00.mdb", cut);
+    const auto look = [&](int proposed, const char* sets, const char* button) {
+        in_set_dialog([=](QDialog& dialog) {
+            auto& list = *dialog.findChild<QTreeWidget*>();
+            EXPECT_EQ(list.currentIndex().row(), proposed);
+            EXPECT_EQ(list.topLevelItem(0)->text(1), QString::fromUtf8(sets));
+            press_button(dialog, button);
+        });
+        choose("mnu_restore");
+    };
+    look(1, "45 (unvollständig)", "cmd_cancel");
+    disk.remove(folder + copies().at(0));
+    look(0, "45 (unvollständig)", "cmd_restore");
+    EXPECT_THAT(status(), HasSubstr("wiederhergestellt. Sie ist unvollständig."));
 }
 
 TEST_F(Extras_Test, a_copy_is_kept_before_the_first_change_and_can_be_brought_back) {

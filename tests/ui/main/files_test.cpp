@@ -43,6 +43,7 @@ struct Files_Test : Main_Window_Test {
         for (const auto& [name, value] : row) cells.push_back({stored.column(name).value(), value});
         return stored.insert(cells).auto_number;
     }
+    static std::string hint(Entry_List& list) { return list.accessibleDescription().toStdString(); }
     std::string title() { return window->windowTitle().toStdString(); }
 };
 
@@ -124,11 +125,14 @@ TEST_F(Files_Test, a_database_of_another_kind_says_so_whatever_is_tried) {
 TEST_F(Files_Test, a_library_without_its_end_says_so_at_opening_and_is_not_exported) {
     const struct {
         std::size_t pages;
-        const char *opened, *lost, *exported;
+        const char *opened, *lost, *exported, *copied;
     } cases[] = {{80, "geöffnet, CV-Sets: 45.", "mindestens 132 von 452 KB. Davon betroffen: CVs.",
-                  "keine Datei geschrieben. Der Datei fehlt das Ende"},
+                  "keine Datei geschrieben. Der Datei fehlt das Ende",
+                  "Es wurde nichts kopiert. Der Datei fehlt das Ende"},
                  {40, "geöffnet; die CV-Sets fehlen.",
-                  "mindestens 292 von 452 KB. Davon betroffen: CV-Sets, CVs", "beschädigt"}};
+                  "mindestens 292 von 452 KB. Davon betroffen: CV-Sets, CVs",
+                  "Der Datei „kurz40.mdb“ fehlt das Ende mit den CV-Sets",
+                  "Der Datei „kurz40.mdb“ fehlt das Ende mit den CV-Sets"}};
     for (const auto& c : cases) {
         SCOPED_TRACE(c.pages);
         auto bytes = disk.bytes("/home/anna/andere.mdb");
@@ -142,6 +146,37 @@ TEST_F(Files_Test, a_library_without_its_end_says_so_at_opening_and_is_not_expor
         EXPECT_THAT(status(), HasSubstr(c.lost));
         choose("mnu_export_oem"); // no dialog
         EXPECT_THAT(status(), HasSubstr(c.exported));
+        for (const char* command : {"mnu_cvset_copy", "mnu_cvset_export_txt"}) {
+            choose(command);
+            EXPECT_THAT(status(), HasSubstr(c.copied)) << command;
+        }
+        EXPECT_EQ(desktop.clipboard.text, QString());
+    }
+}
+
+TEST_F(Files_Test, what_cannot_be_read_is_not_called_empty) {
+    const std::string advice = " nicht lesbar: Sicherung oder neue Kopie benutzen";
+    const struct {
+        std::size_t spoiled, pages; ///< the page of the rows of Sets; how much there is of the file
+        const char* said;
+        std::string sets, cvs;
+    } cases[] = {{68, 113, "geöffnet; die CV-Sets sind nicht lesbar. schreibgeschützt: Die Datei",
+                  "CV-Sets" + advice, "Hier stehen die CVs des gewählten CV-Sets"},
+                 {0, 40, "die CV-Sets fehlen", "CV-Sets" + advice,
+                  "Hier stehen die CVs des gewählten CV-Sets"},
+                 {0, 80, "CV-Sets: 45.", "", "CVs" + advice}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.said);
+        auto bytes = disk.bytes("/home/anna/andere.mdb");
+        bytes.resize(c.pages * 4096);
+        if (c.spoiled != 0) std::fill_n(&bytes[c.spoiled * 4096], 4096, std::byte{0xFF});
+        const std::string path = "/home/anna/b" + std::to_string(c.pages) + ".mdb";
+        disk.set_bytes(path, bytes);
+        open(path);
+        EXPECT_THAT(status(), HasSubstr(c.said));
+        EXPECT_EQ(hint(sets()), c.sets);
+        if (c.sets.empty()) sets().select_row(sets().count() - 1);
+        EXPECT_EQ(hint(cvs()), c.cvs);
     }
 }
 
