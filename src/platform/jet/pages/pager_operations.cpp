@@ -146,8 +146,11 @@ bool File_Pager::note_doubted() {
 
 /// @return whether the journal is one that can be neither applied nor emptied.
 bool File_Pager::note_useless(const Journal_Finding& finding) {
-    const bool foreign = finding.verdict == Journal_Finding::Verdict::foreign;
-    const bool spoiled = finding.verdict == Journal_Finding::Verdict::spoiled;
+    const bool useless = finding.verdict == Journal_Finding::Verdict::spoiled;
+    // Anybody can lay rubbish there: that says nothing of the file (J11).
+    const bool rubbish = useless && journal_.trust(*file_) == Journal::Trust::none;
+    const bool foreign = rubbish || finding.verdict == Journal_Finding::Verdict::foreign;
+    const bool spoiled = useless && !rubbish;
     report_.foreign_journal = report_.foreign_journal || foreign;
     report_.spoiled_journal = report_.spoiled_journal || spoiled;
     return foreign || spoiled;

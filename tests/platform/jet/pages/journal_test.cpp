@@ -348,6 +348,23 @@ TEST(Journal, where_owners_prove_nothing_the_pages_decide) {
     EXPECT_EQ(disk.bytes(name), old_state());
 }
 
+/// Anybody who may lay files into the folder can lay rubbish there: it goes aside and frightens nobody.
+TEST(Journal, rubbish_of_a_stranger_says_nothing_of_the_file) {
+    for (const bool strange : {true, false}) {
+        Memory_Disk disk = killed_at(all_new);
+        std::vector<std::byte> rubbish(jet::journal_sector, std::byte{'Z'});
+        std::ranges::copy(std::as_bytes(std::span("CVSETJ01", 8)), rubbish.begin());
+        disk.set_bytes(journal_name, rubbish);
+        disk.set_standing(name, {1000, 1000, 0644});
+        disk.set_standing(journal_name, {strange ? 3000U : 1000U, 1000, strange ? 0666U : 0644U});
+        disk.become(1000);
+        const auto pager = open_pager(disk, name, Open_Mode::read_write);
+        EXPECT_EQ(pager->report().spoiled_journal, !strange);
+        EXPECT_EQ(pager->report().foreign_journal, strange);
+        EXPECT_FALSE(pager->report().refusal);
+    }
+}
+
 /// Nobody begins an operation on a journal that others who may write the library would not believe
 /// or could not open, nor puts old pages where more people read them.
 TEST(Journal, serves_all_who_may_write_the_library) {
