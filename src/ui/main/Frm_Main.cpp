@@ -214,7 +214,7 @@ void Frm_Main::show_title() {
         open ? text(Text::title_open).arg(app::current_database()) : text(Text::title_closed);
     if (blocked == store::Blocked::damaged) title += text(Text::title_damaged);
     if (is_incomplete(blocked)) title += text(Text::title_incomplete);
-    setWindowTitle(title);
+    setWindowTitle(title.replace(u"[*]"_qs, u"[*][*]"_qs)); // else the mark of a changed document
     write_protected_->setVisible(blocked != store::Blocked::no);
     write_protected_->setToolTip(reason(blocked, opening.journal_owner));
 }

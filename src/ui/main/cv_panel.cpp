@@ -75,6 +75,8 @@ bool Cv_Panel::eventFilter(QObject* watched, QEvent* event) {
     const bool pressed = event->type() == QEvent::KeyPress;
     if (!pressed && event->type() != QEvent::KeyRelease)
         return QObject::eventFilter(watched, event);
+    if (pressed && !is_plain(*static_cast<QKeyEvent*>(event)))
+        return false; // Shift+Delete cuts text
     switch (static_cast<QKeyEvent*>(event)->key()) {
     case Qt::Key_Up:
     case Qt::Key_Down:

@@ -1,6 +1,7 @@
 #include "ui/main/entry_list.h"
 
 #include "ui/main/text_rows.h"
+#include "ui/main/texts.h"
 
 #include <QContextMenuEvent>
 #include <QHelpEvent>
@@ -23,17 +24,19 @@ bool is_way(const QKeyEvent& event) {
     return std::find(ways.begin(), ways.end(), event.key()) != ways.end();
 }
 
-bool is_plain(const QKeyEvent& event) {
-    return (event.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
-}
-
 struct Collector final : store::List_Filler {
     std::vector<Entry_Model::Entry> entries;
     void clear() override { entries.clear(); }
-    void add(const QString& text, std::int32_t key) override { entries.push_back({text, key}); }
+    void add(const QString& text, std::int32_t key) override {
+        entries.push_back({in_one_line(text), key});
+    }
 };
 
 } // namespace
+
+bool is_plain(const QKeyEvent& event) {
+    return (event.modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier;
+}
 
 int Entry_Model::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : static_cast<int>(entries_.size());
@@ -146,7 +149,7 @@ void Entry_List::selectionChanged(const QItemSelection& now, const QItemSelectio
 }
 
 void Entry_List::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Delete) {
+    if (event->key() == Qt::Key_Delete && is_plain(*event)) {
         Q_EMIT delete_pressed();
     } else if (event->matches(QKeySequence::Copy)) {
         Q_EMIT copy_pressed();

@@ -29,6 +29,9 @@ private:
     std::vector<Entry> entries_;
 };
 
+/// Whether no Shift, Ctrl or Alt is held: with them a key means something else.
+bool is_plain(const QKeyEvent& event);
+
 /// A list that is refilled as a whole and whose rows are known by their keys. Where one entry is the
 /// single choice, no key and no click takes it away but the choice of another.
 class Entry_List final : public QListView {

@@ -56,7 +56,8 @@ void Frm_Main::show_set(std::int32_t SetID) {
 void Frm_Main::name_steps(bool menu_open) {
     const auto name = [&](QAction* action, const std::optional<store::Undo_Name>& next) {
         QString caption = action->data().toString();
-        if (menu_open && next) caption += u": "_qs + sentence(*next).replace(u'&', u"&&"_qs);
+        if (menu_open && next)
+            caption += u": "_qs + in_one_line(sentence(*next)).replace(u'&', u"&&"_qs);
         action->setText(caption);
         action->setEnabled(!menu_open || next);
     };

@@ -27,6 +27,12 @@ public:
     Busy& operator=(const Busy&) = delete;
 };
 
+/// The library's name with the other extension; a name without one gets it.
+QString project_name(const QString& database_file) {
+    const qsizetype point = database_file.lastIndexOf(u'.');
+    return database_file.left(point < 0 ? database_file.size() : point) + project_extension;
+}
+
 desktop::File_Choice database_choice(const QString& file) {
     return {app::globals.Database_Path, file, database_extension, text(Text::database_filter)};
 }
@@ -62,9 +68,10 @@ void Frm_Main::say_opening() {
     QStringList parts;
     if (database_.is_library()) {
         const int sets = database_.Get_Anz_CVSets();
-        parts.append(sets_unreadable()
-                         ? text(Text::opened_unreadable).arg(app::globals.Database_File)
-                         : text(Text::opened).arg(app::globals.Database_File).arg(sets));
+        parts.append(
+            sets_unreadable()
+                ? text(Text::opened_unreadable).arg(app::globals.Database_File)
+                : text(Text::opened).arg(app::globals.Database_File, QString::number(sets)));
     } else {
         const Text form = cut_off ? Text::opened_sets_lost : Text::opened_without_sets;
         parts.append(text(form).arg(app::globals.Database_File));
@@ -160,7 +167,7 @@ void Frm_Main::export_project(bool user) {
         say(text(Text::project_refused) + u' ' + reason(why, {}));
         return;
     }
-    const QString proposed = app::globals.Database_File.chopped(3) + u"vqx"_qs;
+    const QString proposed = project_name(app::globals.Database_File);
     const auto path = desktop_.ask_save_file(
         {app::globals.Database_Path, proposed, project_extension, text(Text::project_filter)});
     if (!path) return;

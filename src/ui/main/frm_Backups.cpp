@@ -20,7 +20,8 @@ frm_Backups::frm_Backups(QWidget* parent, const QString& file, std::vector<store
       cmd_restore(new QPushButton(text(Text::backup_restore), this)),
       cmd_cancel(new QPushButton(text(Text::backup_cancel), this)) {
     setObjectName(QStringLiteral("frm_Backups"));
-    setWindowTitle(text(Text::backups_title).arg(app::FileOf(file)));
+    setWindowTitle(
+        text(Text::backups_title).arg(app::FileOf(file)).replace(u"[*]"_qs, u"[*][*]"_qs));
     lst_sicherungen->setObjectName(QStringLiteral("lst_sicherungen"));
     lab_hint->setObjectName(QStringLiteral("lab_hint"));
     lab_hint->setWordWrap(true);

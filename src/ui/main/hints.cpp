@@ -35,8 +35,8 @@ Text Frm_Main::hint_for_sets() {
     if (!database_.Connection_Active()) return Text::hint_no_database;
     if (sets_unreadable() || database_.opening().lost_end.sets) return Text::hint_sets_unreadable;
     if (!database_.is_library()) return Text::hint_no_sets_here;
-    const bool in_other_view =
-        family_ == 0 && database_.Get_Anz_CVSets() > database_.sets_in_no_view();
+    const bool in_other_view = database_.Get_Anz_CVSets() > database_.sets_in_no_view();
+    if (in_other_view && family_ == 1) return Text::hint_other_family;
     if (in_other_view)
         return database_.writable() ? Text::hint_other_view : Text::hint_other_view_only;
     return database_.writable() ? Text::hint_no_sets : Text::hint_no_sets_here;

@@ -81,7 +81,8 @@ QString sentence(const QString& file, const vqx_export::Report& report) {
     }
     if (!report.written) return text(Text::project_refused);
     QStringList parts{
-        text(Text::project_written).arg(file).arg(report.sets).arg(report.sets_with_scripts)};
+        text(Text::project_written)
+            .arg(file, QString::number(report.sets), QString::number(report.sets_with_scripts))};
     if (const auto cvs = count(report.left_out_cvs); cvs > 0) {
         parts.append(text(Text::project_left_out_cvs).arg(cvs));
     }

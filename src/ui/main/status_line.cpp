@@ -1,5 +1,7 @@
 #include "ui/main/status_line.h"
 
+#include "ui/main/texts.h"
+
 #include <QPainter>
 #include <QStyle>
 #include <utility>
@@ -12,7 +14,8 @@ Status_Line::Status_Line(QWidget* parent) : QLabel(parent) {
     setIndent(4);
 }
 
-void Status_Line::say(const QString& sentence) {
+void Status_Line::say(const QString& said) {
+    const QString sentence = in_one_line(said);
     if (commands_ == 0 || !std::exchange(spoken_, true)) message_.clear();
     if (!message_.contains(sentence)) message_.append(sentence);
     last_ = sentence;

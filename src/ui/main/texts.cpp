@@ -190,6 +190,7 @@ constexpr Entry table[] = {
                             u"„Hinzufügen“, oder unten die andere Reset-CV wählen"},
     {Text::hint_other_view_only,
      u"Keine CV-Sets mit dieser Reset-CV: unten die andere Reset-CV wählen"},
+    {Text::hint_other_family, u"Keine CV-Sets mit Reset-CV 8; die anderen zeigt der Decoder „QR“"},
     {Text::hint_cvs, u"Hier stehen die CVs des gewählten CV-Sets"},
     {Text::hint_choose_set, u"Kein CV-Set gewählt: links eines anklicken"},
     {Text::hint_no_cvs, u"Noch keine CVs: unten die CV-Nr eingeben, Enter, den Wert, Enter"},
@@ -296,6 +297,14 @@ QString sentence(const store::Undo_Name& step) {
     if (step.cvs == 1) said += u" (mit 1 CV)"_qs;
     if (step.cvs > 1) said += u" (mit %1 CVs)"_qs.arg(step.cvs);
     return said;
+}
+
+QString in_one_line(QString text) {
+    for (QChar& unit : text)
+        if (unit.category() == QChar::Other_Control || unit == QChar::LineSeparator ||
+            unit == QChar::ParagraphSeparator)
+            unit = u' ';
+    return text;
 }
 
 QString reason(files::Failure failure) {

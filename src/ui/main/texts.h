@@ -165,6 +165,7 @@ enum class Text {
     hint_no_sets_here, ///< and none can be added
     hint_other_view,
     hint_other_view_only, ///< and none can be added to this one
+    hint_other_family,    ///< the sets are those of QR decoders
     hint_cvs,
     hint_choose_set,
     hint_no_cvs,
@@ -190,6 +191,8 @@ QString sentence(const files::Error& error, const QString& database, const QStri
 /// What a step has done: "14 CVs gelöscht".
 QString sentence(const store::Undo_Name& step);
 /// Why a file could not be written, as the end of a sentence.
+/// A text of the library as one line, whatever other programs have put into it.
+QString in_one_line(QString text);
 QString reason(files::Failure failure);
 /// Why a library cannot be changed, as the end of a sentence.
 /// @param journal_owner whose journal stands in the way, if one does

@@ -228,6 +228,12 @@ TEST_F(Cv_Panel_Test, delete_takes_the_selected_rows_and_never_text) {
         for (const int row : c.chosen) click_row(cvs(), row, Qt::ControlModifier);
         field("txt_cv_wert").setFocus();
         field("txt_cv_wert").setText(QStringLiteral("77"));
+        const auto before = rows(cvs());
+        for (const auto with : {Qt::ShiftModifier, Qt::ControlModifier}) { // they are for text
+            field("txt_cv_wert").setText(QStringLiteral("77"));
+            press(Qt::Key_Delete, with);
+            EXPECT_EQ(rows(cvs()), before);
+        }
         press(Qt::Key_Delete);
         EXPECT_EQ(rows(cvs()), c.left);
         EXPECT_EQ(selected(cvs()), c.then_selected);

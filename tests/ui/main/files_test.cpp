@@ -277,6 +277,26 @@ TEST_F(Files_Test, exporting_asks_for_the_file_and_reports) {
     EXPECT_EQ(std::to_integer<char>(disk.bytes(path).at(0)), 'L');
 }
 
+TEST_F(Files_Test, odd_file_names_are_shown_as_they_are) {
+    const struct {
+        const char *name, *project;
+    } cases[] = {
+        {"Ganz%1 50%2 [*].mdb", "Ganz%1 50%2 [*].vqx"}, {"a", "a.vqx"}, {"CV.db", "CV.vqx"}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const std::string path = std::string("/home/anna/") + c.name;
+        disk.set_bytes(path, disk.bytes(default_path));
+        open(path);
+        EXPECT_THAT(status(), HasSubstr(std::string("„") + c.name + "“ geöffnet, CV-Sets: 45."));
+        EXPECT_THAT(title(), testing::AnyOf(HasSubstr(path), HasSubstr("50%2 [*][*].mdb")));
+        desktop.expect_save(QStringLiteral("/home/anna/5%1 %2.vqx"));
+        choose("mnu_export_oem");
+        EXPECT_EQ(desktop.last_choice.file, QString::fromUtf8(c.project));
+        EXPECT_THAT(status(), HasSubstr("„5%1 %2.vqx“ gespeichert: CV-Sets 45"));
+        disk.remove("/home/anna/5%1 %2.vqx");
+    }
+}
+
 TEST_F(Files_Test, script_lines_that_have_no_place_are_told_wherever_they_are_loaded) {
     click_option("opt_rescv_1");
     const std::int32_t set = sets().key(0);

@@ -201,6 +201,15 @@ TEST_F(Looks, an_empty_list_says_what_to_do_first) {
     click_option("opt_rescv_1");
     EXPECT_THAT(says("lst_sets"), HasSubstr("unten die andere Reset-CV"));
     EXPECT_THAT(cvs_say(), HasSubstr("CVs des gewählten"));
+    answer_set_dialog("Fuer QR", "");
+    choose("mnu_cvset_hinzu");
+    click_option("opt_rescv_0");
+    window->Delete_Set(get<Entry_List>("lst_sets").key(0));
+    click_option("opt_dec_1");
+    EXPECT_THAT(says("lst_sets"), HasSubstr("die anderen zeigt der Decoder „QR“"));
+    click_option("opt_dec_0");
+    click_option("opt_rescv_1");
+    window->Delete_Set(get<Entry_List>("lst_sets").key(0));
 
     database.Connection_Close();
     disk.protect(default_path);
