@@ -9,7 +9,7 @@ namespace jet {
 namespace {
 
 /// How long opening waits for the exclusive lock before it does with a shared one.
-constexpr std::chrono::milliseconds moment{100};
+constexpr std::chrono::milliseconds opening_patience{100};
 
 } // namespace
 
@@ -29,7 +29,8 @@ void File_Pager::release() noexcept {
 /// The journal is made at the first look, so that whether the folder permits writing is known from
 /// the start, and so that its counter lets pages outlive an operation.
 void File_Pager::prepare() {
-    if (file_writable_ && file_->lock(files::Lock::exclusive, std::min(patience_, moment))) {
+    if (file_writable_ &&
+        file_->lock(files::Lock::exclusive, std::min(patience_, opening_patience))) {
         enter_writing();
         if (!report_.refusal) make_journal();
         release();
