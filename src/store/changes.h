@@ -31,6 +31,13 @@ struct Change_Record {
     bool upkeep = false;
 };
 
+/// How putting rows back has ended.
+enum class Replayed {
+    done,
+    differs, ///< somebody else has changed what they hang on; nothing was put back
+    failed   ///< nothing was put back, and the latest trouble says why
+};
+
 /// Whoever keeps something in step with the library: undo, backups, the lists.
 class Change_Listener {
 public:

@@ -1,7 +1,11 @@
 #include "store/clsDBConn.h"
 
 #include "scripts/cls_script_coll.h"
-#include "store/clsDBConn_inside.h"
+#include "store/library_cvs.h"
+#include "store/library_schema.h"
+#include "store/library_scripts.h"
+#include "store/library_sets.h"
+#include "store/row_restore.h"
 
 #include <utility>
 
@@ -9,292 +13,264 @@ using namespace Qt::Literals::StringLiterals;
 
 namespace store {
 
-namespace {
+struct clsDBConn::Parts {
+    explicit Parts(files::Disk& disk) : file(disk), operation(file, [this] { close(); }) {}
 
-Failure translated(ado::Failure kind) {
-    switch (kind) {
-    case ado::Failure::closed:
-        return Failure::not_open;
-    case ado::Failure::not_found:
-        return Failure::not_found;
-    case ado::Failure::denied:
-        return Failure::denied;
-    case ado::Failure::not_a_database:
-        return Failure::not_a_database;
-    case ado::Failure::unsupported:
-        return Failure::unsupported;
-    case ado::Failure::damaged:
-        return Failure::damaged;
-    case ado::Failure::read_only:
-        return Failure::read_only;
-    case ado::Failure::locked_elsewhere:
-        return Failure::locked_elsewhere;
-    case ado::Failure::replaced:
-        return Failure::replaced;
-    case ado::Failure::disk_full:
-        return Failure::disk_full;
-    case ado::Failure::device:
-        return Failure::device;
-    case ado::Failure::statement:
-    case ado::Failure::refused:
-        return Failure::refused;
+    /// What is told before says nothing about the next library.
+    void close() {
+        operation.forget();
+        cvs.close();
+        sets.forget();
+        file.close();
+        akt_set = 0;
+        scripts::AktScripts().Clear();
+        operation.tell_left();
     }
-    return Failure::device;
-}
-
-Blocked translated(ado::Blocked blocked) {
-    switch (blocked) {
-    case ado::Blocked::no:
-        return Blocked::no;
-    case ado::Blocked::write_protected:
-        return Blocked::write_protected;
-    case ado::Blocked::jet3:
-        return Blocked::jet3;
-    case ado::Blocked::damaged:
-        return Blocked::damaged;
-    case ado::Blocked::cut_off:
-        return Blocked::cut_off;
-    case ado::Blocked::foreign_index:
-        return Blocked::foreign_index;
-    case ado::Blocked::replaced:
-        return Blocked::replaced;
-    case ado::Blocked::second_name:
-        return Blocked::second_name;
-    case ado::Blocked::journal_doubted:
-        return Blocked::journal_doubted;
-    case ado::Blocked::journal_barred:
-        return Blocked::journal_barred;
-    case ado::Blocked::journal_no_file:
-        return Blocked::journal_no_file;
-    case ado::Blocked::journal_name:
-        return Blocked::journal_name;
-    case ado::Blocked::journal_rights:
-        return Blocked::journal_rights;
-    case ado::Blocked::folder_hidden:
-        return Blocked::folder_hidden;
+    /// The set to work on; a SetID greater than 0 makes it the current one.
+    std::int32_t current(std::int32_t SetID) {
+        if (SetID > 0) akt_set = SetID;
+        return akt_set;
     }
-    return Blocked::damaged;
-}
 
-/// Other programs keep their locks in a file of this name while they have the library open.
-QString lock_file_of(const QString& file) {
-    const auto dot = file.lastIndexOf(QLatin1Char('.'));
-    return (dot < 0 ? file : file.first(dot)) + u".ldb"_s;
-}
+    Library_File file;
+    Library_Operation operation;
+    Library_Schema schema{operation};
+    Library_Sets sets{operation};
+    Library_Cvs cvs{operation};
+    Library_Scripts scripts{operation};
+    std::int32_t akt_set = 0;
+};
 
-} // namespace
-
-clsDBConn::Inside::Inside(files::Disk& disk_)
-    : disk(disk_), connection(disk_), catalog(connection) {
-    connection.watch(this);
-}
-
-void clsDBConn::Inside::note(Failure kind, const QString& subject, const QString& detail) {
-    trouble = Trouble{kind, subject, detail};
-}
-
-void clsDBConn::Inside::note(const ado::Error& error) {
-    const QString place = error.subject + u": "_s + error.detail; // matters only to the log
-    if (error.kind == ado::Failure::damaged)
-        note(Failure::damaged, file, place);
-    else if (error.kind == ado::Failure::not_found && active)
-        note(!is_library ? without_sets()
-             : lacks_cvs ? Failure::no_cvs
-                         : Failure::gone,
-             file, place);
-    else
-        note(translated(error.kind), error.subject, error.detail);
-    lost = lost || error.kind == ado::Failure::replaced;
-}
-
-Failure clsDBConn::Inside::without_sets() const {
-    return connection.status().lost_end ? Failure::cut_off : Failure::no_library;
-}
-
-ado::Error clsDBConn::Inside::gone(const QString& table, std::int32_t key) {
-    return {ado::Failure::not_found, table + QLatin1Char(' ') + QString::number(key),
-            u"the row is gone"_s};
-}
-
-Blocked clsDBConn::Inside::blocked() const {
-    try {
-        for (const QString& table : {u"Sets"_s, u"CVs"_s, u"Scripte"_s, u"Scriptstates"_s}) {
-            const Blocked found = translated(connection.blocked(table));
-            if (found != Blocked::no) return found;
-        }
-        return lacks_cvs ? Blocked::no_cvs : Blocked::no;
-    } catch (const ado::Error&) { // locked elsewhere, perhaps: beginning to write will tell
-        return translated(connection.status().blocked);
-    }
-}
-
-bool clsDBConn::Inside::expect_library() {
-    if (!active)
-        note(Failure::not_open, file, u"no database is open"_s);
-    else if (!is_library)
-        trouble = no_library;
-    return is_library;
-}
-
-Lost_End clsDBConn::Inside::lost_end() const {
-    const std::optional<jet::Lost_End> found = connection.status().lost_end;
-    if (!found) return {};
-    Lost_End missing{.bytes = static_cast<std::int64_t>(found->bytes),
-                     .whole = static_cast<std::int64_t>(found->whole)};
-    for (const std::u16string& table : found->tables) {
-        const auto is = [&](QLatin1StringView name) {
-            return name.compare(QStringView(table), Qt::CaseInsensitive) == 0;
-        };
-        missing.sets = missing.sets || is("Sets"_L1);
-        missing.cvs = missing.cvs || is("CVs"_L1);
-        missing.scripts = missing.scripts || is("Scripte"_L1) || is("Scriptstates"_L1);
-    }
-    return missing;
-}
-
-int clsDBConn::Inside::width(QLatin1StringView table, QLatin1StringView column) {
-    std::size_t characters = 0;
-    const bool read =
-        reading(ado::Extent::some, [&] { characters = catalog.text_width(table, column); });
-    if (read && characters == 0 && expect_library())
-        note(Failure::gone, file, table + QLatin1Char('.') + column + u": no column for texts"_s);
-    return static_cast<int>(characters);
-}
-
-void clsDBConn::Inside::close() {
-    recordset.close();
-    transaction.reset(); // must not outlive the connection; an operation that is open is lost
-    spoiled = depth > 0;
-    record = {};
-    picture.clear();
-    completed.clear();
-    connection.close();
-    copy_kept.reset();
-    active = false;
-    is_library = false;
-    lacks_cvs = false;
-    lost = false;
-    akt_set = 0;
-    scripts::AktScripts().Clear();
-    if (listener != nullptr) listener->library_left();
-}
-
-std::optional<files::Identity> clsDBConn::Inside::file_now() {
-    try {
-        return disk.identity(file.toStdString());
-    } catch (const files::Error&) { // a medium that is away, perhaps
-        return std::nullopt;
-    }
-}
-
-ado::Recordset& clsDBConn::Inside::query(const QString& sql, std::vector<QString> wanted) {
-    commands[0].text = sql;
-    recordset.open(commands[0], std::move(wanted));
-    return recordset;
-}
-
-int clsDBConn::Inside::execute(const QString& sql) {
-    commands[1].text = sql;
-    return commands[1].execute();
-}
-
-clsDBConn::clsDBConn(files::Disk& disk) : inside_(std::make_unique<Inside>(disk)) {}
+clsDBConn::clsDBConn(files::Disk& disk) : parts_(std::make_unique<Parts>(disk)) {}
 
 clsDBConn::~clsDBConn() {
-    inside_->transaction.reset();
-    inside_->connection.close();
+    parts_->operation.forget();
+    parts_->file.close();
 }
 
 void clsDBConn::Connection_Start(const QString& FileName) {
-    Inside& inside = *inside_;
-    inside.file = FileName;
     Connection_Close();
-    try {
-        inside.connection.open(ado::Connection::string_for(FileName));
-        for (ado::Command& command : inside.commands) command.bind(inside.connection);
-        inside.active = inside.connection.state() == ado::State::open;
-        inside.identity = inside.file_now();
-        inside.ldb_beside = inside.disk.file_exists(lock_file_of(FileName).toStdString());
-    } catch (const ado::Error& error) {
-        inside.note(error);
-    } catch (const files::Error& error) { // only looking for the lock file failed
-        inside.ldb_beside = false;
-    }
-    if (inside.active) inside.upgrade();
+    parts_->file.open(FileName);
+    if (parts_->file.active()) parts_->schema.upgrade();
 }
 
-void clsDBConn::Connection_Close() { inside_->close(); }
+void clsDBConn::Connection_Close() { parts_->close(); }
 
-bool clsDBConn::Connection_Active() const { return inside_->active; }
+bool clsDBConn::Connection_Active() const { return parts_->file.active(); }
 
-bool clsDBConn::is_library() const { return inside_->is_library; }
+bool clsDBConn::is_library() const { return parts_->file.is_library(); }
 
-bool clsDBConn::expect_library() { return inside_->expect_library(); }
+bool clsDBConn::expect_library() { return parts_->file.expect_library(); }
 
-QString clsDBConn::database_file() const { return inside_->file; }
+QString clsDBConn::database_file() const { return parts_->file.path(); }
 
-Opening clsDBConn::opening() const {
-    if (!inside_->active) return {};
-    const ado::Status status = inside_->connection.status();
-    return {.jet3 = status.jet3,
-            .blocked = inside_->blocked(),
-            .blocked_detail = QString::fromStdString(status.detail),
-            .journal_owner = QString::fromStdString(status.journal_owner),
-            .lost_end = inside_->lost_end(),
-            .recovered = status.recovered,
-            .journal_set_aside = QString::fromStdString(status.set_aside),
-            .journal_spoiled = status.journal_spoiled,
-            .ldb_beside = inside_->ldb_beside};
+Opening clsDBConn::opening() const { return parts_->file.opening(); }
+
+bool clsDBConn::writable() const {
+    return parts_->file.active() && parts_->file.blocked() == Blocked::no;
 }
-
-bool clsDBConn::writable() const { return inside_->active && inside_->blocked() == Blocked::no; }
 
 std::optional<std::uint64_t> clsDBConn::change_count() {
-    Inside& inside = *inside_;
     std::optional<std::uint64_t> count;
-    inside.reading(ado::Extent::some, [&] {
-        if (inside.file_now() != inside.identity)
-            throw ado::Error{ado::Failure::replaced, inside.file,
-                             u"the path names another file by now"_s};
-        count = inside.connection.change_count();
+    parts_->operation.reading(ado::Extent::some, [&] {
+        parts_->file.expect_same_file();
+        count = parts_->file.connection().change_count();
     });
     return count;
 }
 
-std::int32_t clsDBConn::AktCVSetID() const { return inside_->akt_set; }
+std::int32_t clsDBConn::AktCVSetID() const { return parts_->akt_set; }
 
-void clsDBConn::AktCVSetID(std::int32_t SetID) { inside_->akt_set = SetID; }
+void clsDBConn::AktCVSetID(std::int32_t SetID) { parts_->akt_set = SetID; }
 
-const std::optional<Trouble>& clsDBConn::last_trouble() const { return inside_->trouble; }
+const std::optional<Trouble>& clsDBConn::last_trouble() const { return parts_->file.trouble; }
 
 std::optional<Trouble> clsDBConn::take_trouble() {
-    return std::exchange(inside_->trouble, std::nullopt);
+    return std::exchange(parts_->file.trouble, std::nullopt);
 }
 
-int clsDBConn::sets_in_no_view() const { return inside_->sets_in_no_view; }
+int clsDBConn::sets_in_no_view() const { return parts_->sets.in_no_view(); }
 
-int clsDBConn::sets_completed_in_memory() const {
-    return static_cast<int>(inside_->completed.size());
+int clsDBConn::sets_completed_in_memory() const { return parts_->sets.completed_in_memory(); }
+
+int clsDBConn::set_name_width() const { return parts_->schema.width("Sets"_L1, "Name"_L1); }
+
+int clsDBConn::script_name_width() const {
+    return parts_->schema.width("Scripte"_L1, "ScriptName"_L1);
 }
 
-int clsDBConn::set_name_width() const { return inside_->width("Sets"_L1, "Name"_L1); }
+int clsDBConn::script_info_width() const {
+    return parts_->schema.width("Scriptstates"_L1, "Info"_L1);
+}
 
-int clsDBConn::script_name_width() const { return inside_->width("Scripte"_L1, "ScriptName"_L1); }
+void clsDBConn::listen(Change_Listener& listener) { parts_->operation.listen(listener); }
 
-int clsDBConn::script_info_width() const { return inside_->width("Scriptstates"_L1, "Info"_L1); }
+void clsDBConn::unlisten(Change_Listener& listener) { parts_->operation.unlisten(listener); }
 
-void clsDBConn::listen(Change_Listener* listener) { inside_->listener = listener; }
+void clsDBConn::keep_copies(Before_First_Write* keeper) { parts_->operation.keeper = keeper; }
 
-void clsDBConn::keep_copies(Before_First_Write* keeper) { inside_->keeper = keeper; }
+Replayed clsDBConn::replay(const std::vector<Row_Change>& changes,
+                           const std::set<std::int32_t>& doubles) {
+    const std::vector<Row_Change> all = net(changes);
+    const bool current_set_goes = going(all, Table::Sets).contains(parts_->akt_set);
+    const Replayed result = restore_rows(parts_->operation, changes, all, doubles);
+    if (result == Replayed::done && current_set_goes) parts_->akt_set = 0;
+    return result;
+}
+
+void clsDBConn::Fill_Sets_in_Listbox(List_Filler& list, std::int16_t ResCV) {
+    if (parts_->file.active()) parts_->sets.fill(list, ResCV);
+}
+
+void clsDBConn::Fill_Sets_in_SetObj(cls_Sets_Coll& sets) {
+    if (!parts_->file.active()) return;
+    sets.Clear();
+    sets.CVs_Left_Out = 0;
+    parts_->operation.reading(ado::Extent::whole, [&] {
+        Running_Number numbers;
+        parts_->sets.visit([&](const Set_Row& row) {
+            const std::int32_t number = numbers.visit(row.Nummer);
+            if (!row.SetID || sets.contains(QString::number(*row.SetID))) return;
+            sets.Add_CVSet(row.Name, to_16_bits(row.ResCV.value_or(8)), to_16_bits(number),
+                           *row.SetID);
+        });
+        for (const auto& set : sets) {
+            parts_->cvs.fill(*set);
+            sets.CVs_Left_Out += set->CVs_Left_Out;
+        }
+    });
+}
+
+std::int16_t clsDBConn::Get_Set_Nummer(std::int32_t SetID) {
+    return parts_->file.active() ? parts_->sets.number(parts_->current(SetID)) : std::int16_t{0};
+}
+
+std::int16_t clsDBConn::Get_Set_Nummer2(std::int32_t SetID) {
+    if (!parts_->file.active()) return 0;
+    const auto found = parts_->sets.find(parts_->current(SetID));
+    return found ? to_16_bits(found->Nummer.value_or(0)) : std::int16_t{0};
+}
+
+QString clsDBConn::Get_Set_Name(std::int32_t SetID) {
+    if (!parts_->file.active()) return {};
+    const auto found = parts_->sets.find(parts_->current(SetID));
+    return found ? found->Name : QString();
+}
+
+std::int16_t clsDBConn::reset_cv(std::int32_t SetID) {
+    const auto found = parts_->sets.find(SetID);
+    return found ? to_16_bits(found->ResCV.value_or(8)) : std::int16_t{0};
+}
+
+std::int16_t clsDBConn::Get_Anz_CVSets() { return to_16_bits(parts_->sets.count()); }
+
+std::int16_t clsDBConn::DB_Get_Free_SetNr(std::int16_t ResCV) {
+    return parts_->file.active() ? parts_->sets.free_number(ResCV) : std::int16_t{0};
+}
+
+std::int32_t clsDBConn::DB_Add_CVSet(const QString& Name, std::int16_t& Nummer,
+                                     std::int16_t ResCV) {
+    return parts_->sets.add(Name, Nummer, ResCV);
+}
+
+bool clsDBConn::DB_Rename_CVSet(const QString& Name, std::int16_t Nummer) {
+    return parts_->sets.rename(parts_->akt_set, Name, Nummer);
+}
+
+bool clsDBConn::set_gone(std::int32_t SetID) { return parts_->sets.is_gone(SetID); }
+
+bool clsDBConn::DB_Del_CVSet(std::int32_t SetID) {
+    Library_Operation& operation = parts_->operation;
+    const bool done = operation.changing([&] {
+        const std::size_t before = operation.changes().size();
+        parts_->sets.refuse_if_referred(SetID);
+        operation.whole([&] {
+            parts_->scripts.erase_all(SetID);
+            parts_->cvs.erase_all(SetID);
+            parts_->sets.erase(SetID);
+        });
+        if (operation.changes().size() == before) throw gone(u"Sets"_s, SetID);
+    });
+    if (done) parts_->akt_set = 0;
+    return done;
+}
+
+std::int16_t clsDBConn::Fill_CVs_in_Listbox(List_Filler& list, std::int32_t SetID) {
+    if (!parts_->file.active()) return 0;
+    return to_16_bits(parts_->cvs.fill(list, parts_->current(SetID)));
+}
+
+bool clsDBConn::DB_Del_CVWert(std::int32_t CVID) { return parts_->cvs.erase(CVID); }
+
+bool clsDBConn::DB_Write_CV(CVRec& rec) { return parts_->cvs.write(parts_->akt_set, rec); }
+
+bool clsDBConn::DB_Find_CV(CVRec& rec) { return parts_->cvs.find(parts_->akt_set, rec); }
+
+CVRec clsDBConn::DB_Get_CV(std::int32_t CVID) { return parts_->cvs.get(CVID); }
+
+std::int16_t clsDBConn::DB_Open_CVs(std::int32_t SetID) {
+    return to_16_bits(static_cast<std::int64_t>(parts_->cvs.open(SetID)));
+}
+
+CVRec clsDBConn::DB_Next_CV() { return parts_->cvs.next(); }
+
+void clsDBConn::DB_Close_CVs() { parts_->cvs.close(); }
+
+void clsDBConn::Fill_Scripts_in_ScriptsObj(scripts::cls_Script_Sets& sets) {
+    if (parts_->file.active()) parts_->scripts.fill(sets);
+}
+
+void clsDBConn::DB_Load_Scripts() {
+    if (parts_->file.active() && parts_->akt_set != 0)
+        parts_->scripts.load(scripts::AktScripts(), parts_->akt_set);
+}
+
+bool clsDBConn::DB_Add_Script(std::int32_t position) {
+    return parts_->scripts.add(parts_->akt_set, scripts::AktScripts(), position);
+}
+
+bool clsDBConn::DB_Save_Script_States(std::int32_t position) {
+    return parts_->scripts.save_states(parts_->akt_set, scripts::AktScripts(), position);
+}
+
+bool clsDBConn::DB_Rename_Script(std::int32_t position) {
+    return parts_->scripts.rename(parts_->akt_set, scripts::AktScripts(), position);
+}
+
+bool clsDBConn::DB_Delete_Script(std::int32_t position) {
+    return parts_->scripts.erase(parts_->akt_set, scripts::AktScripts(), position);
+}
+
+std::int32_t clsDBConn::DB_Count_Scripts(std::int32_t SetID) {
+    return parts_->scripts.count(SetID);
+}
+
+QString clsDBConn::script_name(std::int32_t ScriptID) { return parts_->scripts.name(ScriptID); }
+
+std::int32_t clsDBConn::set_of_script(std::int32_t ScriptID) {
+    return parts_->scripts.set_of(ScriptID);
+}
+
+Library_Operation& clsDBConn::operation() { return parts_->operation; }
+
+Operation::Operation(clsDBConn& connection) : running_(connection.operation()) {
+    if (!running_.begin()) running_.begin_lost(); // what follows inside must not act on its own
+}
+
+Operation::~Operation() {
+    if (open_) running_.end(false);
+}
+
+bool Operation::keep() { return std::exchange(open_, false) && running_.end(true); }
 
 clsDBConn& DBConn() {
     static clsDBConn connection;
     return connection;
 }
 
-std::int16_t Get_CV_Wert(std::int16_t CVNr) {
+std::int16_t Get_CV_Wert(clsDBConn& connection, std::int16_t CVNr) {
     CVRec rec{.CVPageHi = 0, .CVPageLo = 1, .CVNr = CVNr};
-    return DBConn().DB_Find_CV(rec) ? rec.CVWert : std::int16_t{0};
+    return connection.DB_Find_CV(rec) ? rec.CVWert : std::int16_t{0};
 }
 
 } // namespace store

@@ -22,12 +22,7 @@ class cls_Script_Sets;
 
 namespace store {
 
-/// How putting rows back has ended.
-enum class Replayed {
-    done,
-    differs, ///< somebody else has changed what they hang on; nothing was put back
-    failed   ///< nothing was put back, and last_trouble() says why
-};
+class Library_Operation;
 
 /// The program's only access to a library of CV sets.
 ///
@@ -88,8 +83,9 @@ public:
     int script_name_width() const;
     int script_info_width() const;
 
-    /// At most one; nullptr: none. Must outlive the connection or be taken off.
-    void listen(Change_Listener* listener);
+    /// Each is told in the order in which they came. Must outlive the connection or be taken off.
+    void listen(Change_Listener& listener);
+    void unlisten(Change_Listener& listener);
     /// At most one; nullptr: no copies are kept. Must outlive the connection or be taken off.
     void keep_copies(Before_First_Write* keeper);
 
@@ -171,10 +167,11 @@ public:
     /// The set of a script; 0 when there is no such script.
     std::int32_t set_of_script(std::int32_t ScriptID);
 
+    Library_Operation& operation(); ///< what Operation begins and ends
+
 private:
-    friend class Operation;
-    struct Inside;
-    std::unique_ptr<Inside> inside_;
+    struct Parts;
+    std::unique_ptr<Parts> parts_;
 };
 
 /// Several operations as one: one transaction, one change record. What was not kept at its end is
@@ -191,15 +188,15 @@ public:
     bool keep();
 
 private:
-    clsDBConn::Inside& inside_;
+    Library_Operation& running_;
     bool open_ = true;
 };
 
 /// The one connection of the program, made on first use.
 clsDBConn& DBConn();
 
-/// Value of a CV of the current set on page 0:1; 0 when the set does not have it. What scripts show
-/// and simulate.
-std::int16_t Get_CV_Wert(std::int16_t CVNr);
+/// Value of a CV of the connection's current set on page 0:1; 0 when the set does not have it. What
+/// scripts show and simulate.
+std::int16_t Get_CV_Wert(clsDBConn& connection, std::int16_t CVNr);
 
 } // namespace store

@@ -21,10 +21,10 @@ void complete(ado::Row& row, const Row_Change& upkeep) {
 } // namespace
 
 Undo_History::Undo_History(clsDBConn& connection) : connection_(connection) {
-    connection_.listen(this);
+    connection_.listen(*this);
 }
 
-Undo_History::~Undo_History() { connection_.listen(nullptr); }
+Undo_History::~Undo_History() { connection_.unlisten(*this); }
 
 std::optional<Undo_Name> Undo_History::undo_name() const {
     return to_undo_.empty() ? std::nullopt : std::optional(to_undo_.back().name);

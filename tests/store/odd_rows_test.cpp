@@ -135,10 +135,10 @@ TEST(The_Connection, of_the_program_tells_the_value_that_scripts_show) {
     QFile::copy(QStringLiteral(CV_SETS_SAMPLES "/library_2000.mdb"), file);
     DBConn().Connection_Start(file);
     DBConn().AktCVSetID(1);
-    EXPECT_EQ(Get_CV_Wert(1), 2);
-    EXPECT_EQ(Get_CV_Wert(1000), 0);
+    EXPECT_EQ(Get_CV_Wert(DBConn(), 1), 2);
+    EXPECT_EQ(Get_CV_Wert(DBConn(), 1000), 0);
     DBConn().Connection_Close();
-    EXPECT_EQ(Get_CV_Wert(1), 0);
+    EXPECT_EQ(Get_CV_Wert(DBConn(), 1), 0);
 }
 
 } // namespace

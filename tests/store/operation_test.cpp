@@ -20,8 +20,8 @@ std::string cell(const ado::Row& row, const QString& column) {
 /// Writes each record down as "table key: before > after", after a line for the record.
 class Recorder : public Change_Listener {
 public:
-    explicit Recorder(clsDBConn& db) : db_(db) { db_.listen(this); }
-    ~Recorder() override { db_.listen(nullptr); }
+    explicit Recorder(clsDBConn& db) : db_(db) { db_.listen(*this); }
+    ~Recorder() override { db_.unlisten(*this); }
     void changed(const Change_Record& record) override {
         lines.push_back(record.upkeep ? "upkeep" : "record");
         static const char* const tables[] = {"Sets", "CVs", "Scripte", "Scriptstates"};
@@ -82,7 +82,7 @@ TEST_F(Operations, deleted_rows_are_told_with_the_columns_of_other_programs) {
         void changed(const Change_Record& record) override { rows = record.rows; }
         std::vector<Row_Change> rows;
     } deleted;
-    db.listen(&deleted);
+    db.listen(deleted);
     for (const QJsonObject& set : library::expected_rows("worn_library", u"Sets"_s)) {
         if (set[u"Bemerkung"_s].toString().size() < 3000) continue;
         const int id = set[u"SetID"_s].toInt();

@@ -108,7 +108,7 @@ TEST_F(Sharing, a_library_replaced_in_the_middle_of_an_operation_is_left_alone) 
         open("library_2000");
         if (IsSkipped()) return;
         Told told;
-        db.listen(&told);
+        db.listen(told);
         {
             Operation outer(db);
             ASSERT_TRUE(write(db, 900, 1));
@@ -134,7 +134,7 @@ TEST_F(Sharing, a_library_replaced_in_the_middle_of_an_operation_is_left_alone) 
         EXPECT_EQ(value(db, 900), -1) << "nothing came into the other library";
         EXPECT_TRUE(write(db, 900, 1));
         EXPECT_EQ(library::faults(disk, "a.mdb"), std::vector<std::string>());
-        db.listen(nullptr);
+        db.unlisten(told);
         db.Connection_Close();
     }
 }

@@ -1,6 +1,6 @@
 // The tables and columns that a library needs, added to old files in place.
 
-#include "store/clsDBConn_inside.h"
+#include "store/library_schema.h"
 
 #include <algorithm>
 #include <array>
@@ -11,9 +11,7 @@ namespace store {
 
 namespace {
 
-using Names = std::vector<QString>;
-
-bool in_any_case(const Names& names, const QString& name) {
+bool in_any_case(const std::vector<QString>& names, const QString& name) {
     return std::any_of(names.begin(), names.end(), [&](const QString& other) {
         return name.compare(other, Qt::CaseInsensitive) == 0;
     });
@@ -108,45 +106,68 @@ void add_in_memory(ado::Catalog& catalog, const Addition& addition) {
 
 /// Finds out what there is. Without CVs the sets are shown, and nothing is changed: what has lost a
 /// table, or is of another kind and has a table of that name, is no place to write to.
-void clsDBConn::Inside::look_for_library() {
-    reading(ado::Extent::some, [&] {
-        is_library = TableExists(catalog, sets_table) &&
-                     ColumnExists(catalog, sets_table, u"SetID"_s) &&
-                     ColumnExists(catalog, sets_table, u"Name"_s);
-        if (!is_library) note(without_sets(), file, u"no table Sets with SetID and Name"_s);
+void Library_Schema::look_for_library() {
+    Library_File& file = operation_.file();
+    ado::Catalog& catalog = file.catalog();
+    Library_File::Contents contents;
+    operation_.reading(ado::Extent::some, [&] {
+        contents.sets = TableExists(catalog, sets_table) &&
+                        ColumnExists(catalog, sets_table, u"SetID"_s) &&
+                        ColumnExists(catalog, sets_table, u"Name"_s);
+        if (!contents.sets)
+            file.note(file.without_sets(), file.path(), u"no table Sets with SetID and Name"_s);
     });
-    if (!is_library) {
-        if (connection.status().lost_end) // else it looks like damage, or like another kind
-            note(Failure::cut_off, file, trouble ? trouble->detail : QString());
-        no_library = trouble.value_or(Trouble{Failure::no_library, file, {}});
+    if (!contents.sets) {
+        if (file.is_cut_off()) // else it looks like damage, or like another kind
+            file.note(Failure::cut_off, file.path(),
+                      file.trouble ? file.trouble->detail : QString());
+        contents.no_sets = file.trouble.value_or(Trouble{Failure::no_library, file.path(), {}});
+        file.found(contents);
         return;
     }
-    reading(ado::Extent::some, [&] {
+    file.found(contents);
+    operation_.reading(ado::Extent::some, [&] {
         const ado::Table wanted = cvs();
         const bool there = TableExists(catalog, wanted.name);
-        lacks_cvs = !there || !std::ranges::all_of(wanted.columns, [&](const ado::Column& column) {
-            return ColumnExists(catalog, wanted.name, column.name);
-        });
+        contents.cvs = there && std::ranges::all_of(wanted.columns, [&](const ado::Column& column) {
+                           return ColumnExists(catalog, wanted.name, column.name);
+                       });
         if (!there) catalog.append_in_memory(wanted);
+        file.found(contents);
     });
 }
 
-void clsDBConn::Inside::upgrade() {
+void Library_Schema::upgrade() {
     look_for_library();
-    if (!is_library) return; // nothing is added to databases of other kinds
+    Library_File& file = operation_.file();
+    ado::Catalog& catalog = file.catalog();
+    if (!file.is_library()) return; // nothing is added to databases of other kinds
     std::vector<Addition> lacks;
-    if (!reading(ado::Extent::some, [&] { lacks = missing(catalog); }) || lacks.empty()) return;
-    if (blocked() == Blocked::no && begin()) {
+    const auto look = [&] { lacks = missing(catalog); };
+    if (!operation_.reading(ado::Extent::some, look) || lacks.empty()) return;
+    if (file.blocked() == Blocked::no && operation_.begin()) {
         // Another copy of the program may have been quicker.
-        const bool known = reading(ado::Extent::some, [&] { lacks = missing(catalog); });
+        const bool known = operation_.reading(ado::Extent::some, look);
         // One refused (a key that old files do not have) does not keep the others out.
-        if (known && !lacks.empty() && keep_copy())
-            for (const Addition& addition : lacks) changing([&] { add(catalog, addition); });
-        end(true);
+        if (known && !lacks.empty() && operation_.keep_copy())
+            for (const Addition& addition : lacks)
+                operation_.changing([&] { add(catalog, addition); });
+        operation_.end(true);
     }
-    reading(ado::Extent::some, [&] {
+    operation_.reading(ado::Extent::some, [&] {
         for (const Addition& addition : missing(catalog)) add_in_memory(catalog, addition);
     });
+}
+
+int Library_Schema::width(QLatin1StringView table, QLatin1StringView column) {
+    Library_File& file = operation_.file();
+    std::size_t characters = 0;
+    const bool read = operation_.reading(
+        ado::Extent::some, [&] { characters = file.catalog().text_width(table, column); });
+    if (read && characters == 0 && file.expect_library())
+        file.note(Failure::gone, file.path(),
+                  table + QLatin1Char('.') + column + u": no column for texts"_s);
+    return static_cast<int>(characters);
 }
 
 } // namespace store

@@ -1,6 +1,4 @@
-// Operations on the table CVs.
-
-#include "store/clsDBConn_inside.h"
+#include "store/library_cvs.h"
 
 #include <algorithm>
 #include <utility>
@@ -72,10 +70,10 @@ QString entry_text(CV_Fields& cv) {
 
 } // namespace
 
-void clsDBConn::Inside::fill_cvs(cls_CV_Set& set) {
+void Library_Cvs::fill(cls_CV_Set& set) {
     set.Clear();
     set.CVs_Left_Out = 0;
-    ado::Recordset& rows = query(cvs_in_order(set.SetID), cv_columns());
+    ado::Recordset rows = file_.rows(cvs_in_order(set.SetID), cv_columns());
     for (CV_Fields cv(rows); !rows.at_end(); rows.move_next()) {
         const std::int32_t number = cv.nr();
         if (is_byte(cv.hi()) && is_byte(cv.lo()) && is_byte(cv.wert()) &&
@@ -87,67 +85,56 @@ void clsDBConn::Inside::fill_cvs(cls_CV_Set& set) {
     }
 }
 
-std::vector<CVRec> clsDBConn::Inside::cvs_of(std::int32_t set_id) {
-    std::vector<CVRec> found;
-    reading(ado::Extent::some, [&] {
-        ado::Recordset& rows = query(cvs_in_order(set_id), cv_columns());
-        for (CV_Fields cv(rows); !rows.at_end(); rows.move_next()) found.push_back(cv.record());
-    });
-    return found;
-}
-
-void clsDBConn::Inside::delete_rows(const QString& sql) {
-    for (ado::Recordset& rows = query(sql); !rows.at_end(); rows.move_next()) rows.erase();
-}
-
-std::int16_t clsDBConn::Fill_CVs_in_Listbox(List_Filler& list, std::int32_t SetID) {
-    Inside& inside = *inside_;
-    if (!inside.active) return 0;
-    inside.make_current(SetID);
+int Library_Cvs::fill(List_Filler& list, std::int32_t SetID) {
     int count = 0;
     std::vector<std::pair<QString, std::int32_t>> entries;
-    inside.reading(ado::Extent::some, [&] {
-        ado::Recordset& rows = inside.query(cvs_in_order(inside.akt_set), cv_columns());
+    operation_.reading(ado::Extent::some, [&] {
+        ado::Recordset rows = file_.rows(cvs_in_order(SetID), cv_columns());
         count = rows.record_count();
         for (CV_Fields cv(rows); !rows.at_end(); rows.move_next())
             entries.emplace_back(entry_text(cv), cv.id());
     });
     list.clear();
     for (const auto& [text, id] : entries) list.add(text, id);
-    return to_16_bits(count);
+    return count;
 }
 
-bool clsDBConn::DB_Del_CVWert(std::int32_t CVID) {
-    Inside& inside = *inside_;
-    return inside.changing([&] {
-        ado::Recordset& row = inside.query(one_cv(CVID));
-        if (row.at_end()) throw inside.gone(u"CVs"_s, CVID);
+bool Library_Cvs::erase(std::int32_t CVID) {
+    return operation_.changing([&] {
+        ado::Recordset row = file_.rows(one_cv(CVID));
+        if (row.at_end()) throw gone(u"CVs"_s, CVID);
         row.erase();
     });
 }
 
-bool clsDBConn::DB_Write_CV(CVRec& rec) {
-    Inside& inside = *inside_;
-    if (inside.active && inside.akt_set != 0 && !is_paged(rec.CVNr)) {
+void Library_Cvs::erase_all(std::int32_t SetID) {
+    file_.erase_rows(u"SELECT * FROM CVs WHERE SetID = "_s + QString::number(SetID));
+}
+
+/// A set that another copy has deleted would leave its CVs to nobody.
+void Library_Cvs::expect_set(std::int32_t SetID) {
+    if (operation_.set_there == SetID) return;
+    const QString set = u"SELECT * FROM Sets WHERE SetID = "_s + QString::number(SetID);
+    if (file_.rows(set, {u"SetID"_s}).at_end()) throw gone(u"Sets"_s, SetID);
+    operation_.set_there = SetID;
+}
+
+bool Library_Cvs::write(std::int32_t SetID, CVRec& rec) {
+    if (file_.active() && SetID != 0 && !is_paged(rec.CVNr)) {
         rec.CVPageHi = 0;
         rec.CVPageLo = 1;
     }
-    return inside.changing_current_set([&] {
-        ado::Recordset& row = inside.query(cv_in_place(inside.akt_set, rec));
+    return operation_.changing_set(SetID, [&] {
+        ado::Recordset row = file_.rows(cv_in_place(SetID, rec));
         const bool is_new = row.at_end();
         if (!is_new && row.number(u"CVWert") == rec.CVWert) {
             rec.CVID = row.number(u"CVID").value_or(0);
             return;
         }
         if (is_new) {
-            // a set that another copy has deleted would leave its CVs to nobody
-            if (inside.set_there != inside.akt_set) {
-                if (!inside.find_set(inside.akt_set)) throw inside.gone(u"Sets"_s, inside.akt_set);
-                inside.set_there = inside.akt_set;
-                inside.query(cv_in_place(inside.akt_set, rec)); // looked elsewhere meanwhile
-            }
+            expect_set(SetID);
             row.add_new();
-            row.set(u"SetID"_s, ado::value(inside.akt_set));
+            row.set(u"SetID"_s, ado::value(SetID));
             row.set(u"CVPageHi"_s, ado::value(rec.CVPageHi));
             row.set(u"CVPageLo"_s, ado::value(rec.CVPageLo));
             row.set(u"CVNr"_s, ado::value(rec.CVNr));
@@ -158,11 +145,10 @@ bool clsDBConn::DB_Write_CV(CVRec& rec) {
     });
 }
 
-bool clsDBConn::DB_Find_CV(CVRec& rec) {
-    Inside& inside = *inside_;
+bool Library_Cvs::find(std::int32_t SetID, CVRec& rec) {
     bool found = false;
-    inside.reading(ado::Extent::some, [&] {
-        ado::Recordset& row = inside.query(cv_in_place(inside.akt_set, rec), cv_columns());
+    operation_.reading(ado::Extent::some, [&] {
+        ado::Recordset row = file_.rows(cv_in_place(SetID, rec), cv_columns());
         if (row.at_end()) return;
         const CVRec stored = CV_Fields(row).record();
         rec.CVWert = stored.CVWert;
@@ -172,32 +158,36 @@ bool clsDBConn::DB_Find_CV(CVRec& rec) {
     return found;
 }
 
-CVRec clsDBConn::DB_Get_CV(std::int32_t CVID) {
+CVRec Library_Cvs::get(std::int32_t CVID) {
     CVRec found;
-    inside_->reading(ado::Extent::some, [&] {
-        ado::Recordset& row = inside_->query(one_cv(CVID), cv_columns());
+    operation_.reading(ado::Extent::some, [&] {
+        ado::Recordset row = file_.rows(one_cv(CVID), cv_columns());
         if (!row.at_end()) found = CV_Fields(row).record();
     });
     return found;
 }
 
-std::int16_t clsDBConn::DB_Open_CVs(std::int32_t SetID) {
-    DB_Close_CVs();
-    inside_->picture = inside_->cvs_of(SetID);
-    return to_16_bits(static_cast<std::int64_t>(inside_->picture.size()));
+std::size_t Library_Cvs::open(std::int32_t SetID) {
+    close();
+    std::vector<CVRec> found;
+    operation_.reading(ado::Extent::some, [&] {
+        ado::Recordset rows = file_.rows(cvs_in_order(SetID), cv_columns());
+        for (CV_Fields cv(rows); !rows.at_end(); rows.move_next()) found.push_back(cv.record());
+    });
+    picture_ = std::move(found);
+    return picture_.size();
 }
 
-CVRec clsDBConn::DB_Next_CV() {
-    Inside& inside = *inside_;
-    if (inside.next_in_picture >= inside.picture.size()) return {};
-    CVRec rec = inside.picture[inside.next_in_picture++];
-    rec.LastRecord = inside.next_in_picture == inside.picture.size();
+CVRec Library_Cvs::next() {
+    if (next_ >= picture_.size()) return {};
+    CVRec rec = picture_[next_++];
+    rec.LastRecord = next_ == picture_.size();
     return rec;
 }
 
-void clsDBConn::DB_Close_CVs() {
-    inside_->picture.clear();
-    inside_->next_in_picture = 0;
+void Library_Cvs::close() {
+    picture_.clear();
+    next_ = 0;
 }
 
 } // namespace store

@@ -1,0 +1,190 @@
+#include "store/library_scripts.h"
+
+#include <algorithm>
+#include <array>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace store {
+
+namespace {
+
+const std::array par_names{u"Par1"_s, u"Par2"_s, u"Par3"_s, u"Par4"_s};
+
+QString scripts_of(std::int32_t set_id) {
+    return u"SELECT * FROM Scripte WHERE SetID = "_s + QString::number(set_id);
+}
+
+QString states_of(std::int32_t script_id) {
+    return u"SELECT * FROM Scriptstates WHERE ScriptID = "_s + QString::number(script_id);
+}
+
+QString one_script(std::int32_t set_id, std::int32_t script_id) {
+    return scripts_of(set_id) + u" AND ScriptID = "_s + QString::number(script_id);
+}
+
+ado::Row row_of(const scripts::cls_Scriptstate& state, std::int32_t script_id,
+                std::int32_t number) {
+    ado::Row row{{u"ScriptID"_s, ado::value(script_id)},
+                 {u"State"_s, ado::value(number)},
+                 {u"Command"_s, ado::value(state.GetCommand())}};
+    for (std::size_t i = 0; i < par_names.size(); ++i)
+        row.emplace_back(par_names[i], ado::value(state.GetPar(static_cast<int>(i))));
+    row.emplace_back(u"Info"_s, ado::value(state.Info));
+    return row;
+}
+
+void fill_state(scripts::cls_Scriptstate& state, ado::Recordset& row) {
+    state.SetCommand(row.number(u"Command").value_or(0));
+    for (std::size_t i = 0; i < par_names.size(); ++i)
+        state.SetPar(static_cast<int>(i), row.number(par_names[i]).value_or(0));
+    state.Info = row.text(u"Info").value_or(QString());
+}
+
+} // namespace
+
+void Library_Scripts::load_states(Script& script) {
+    ado::Recordset rows = file_.rows(states_of(script.ScriptID) + u" ORDER BY State"_s);
+    for (; !rows.at_end(); rows.move_next()) {
+        const std::int32_t number = rows.number(u"State").value_or(0);
+        if (number < 0 || number >= Script::max_states) {
+            ++script.States_Left_Out;
+            continue;
+        }
+        fill_state(script.GetState(number), rows);
+        script.StateCount = number + 1;
+    }
+}
+
+void Library_Scripts::load_all(scripts::cls_script_coll& into, std::int32_t SetID,
+                               bool with_names) {
+    ado::Recordset rows = file_.rows(scripts_of(SetID) + u" ORDER BY ScriptID"_s);
+    for (; !rows.at_end(); rows.move_next()) {
+        Script& script = into.AddScript();
+        script.ScriptID = rows.number(u"ScriptID").value_or(0);
+        if (with_names) script.ScriptName = rows.text(u"ScriptName").value_or(script.ScriptName);
+        load_states(script);
+    }
+}
+
+void Library_Scripts::fill(scripts::cls_Script_Sets& sets) {
+    sets.Clear();
+    operation_.reading(ado::Extent::whole, [&] {
+        ado::Recordset rows =
+            file_.rows(u"SELECT DISTINCT Scripte.SetID, Sets.Nummer FROM Scripte LEFT JOIN Sets "
+                       u"ON Scripte.SetID = Sets.SetID ORDER BY Scripte.SetID"_s);
+        std::optional<std::int32_t> last; // several rows where a SetID is not unique in Sets
+        for (; !rows.at_end(); rows.move_next()) {
+            const auto id = rows.number(u"SetID");
+            if (!id || id == last) continue;
+            last = id;
+            const auto scripts = std::make_shared<scripts::cls_script_coll>();
+            scripts->Nummer = rows.number(u"Nummer").value_or(0);
+            load_all(*scripts, *id, false);
+            sets.Add(scripts, QString::number(*id));
+        }
+    });
+}
+
+void Library_Scripts::load(scripts::cls_script_coll& into, std::int32_t SetID) {
+    into.Clear();
+    operation_.reading(ado::Extent::some, [&] { load_all(into, SetID, true); });
+}
+
+bool Library_Scripts::changing(std::int32_t SetID, scripts::cls_script_coll& of,
+                               std::int32_t position, const std::function<void(Script&)>& work) {
+    return operation_.changing_set(SetID, [&] {
+        if (!of.exists(position)) throw gone(u"script"_s, position);
+        operation_.whole([&] { work(*of.Item(position)); });
+    });
+}
+
+bool Library_Scripts::add(std::int32_t SetID, scripts::cls_script_coll& of, std::int32_t position) {
+    return changing(SetID, of, position, [&](Script& script) {
+        ado::Recordset row = file_.rows(u"SELECT * FROM Scripte"_s);
+        row.add_new();
+        row.set(u"SetID"_s, ado::value(SetID));
+        row.set(u"ScriptName"_s, ado::value(script.ScriptName));
+        row.update();
+        script.ScriptID = row.number(u"ScriptID").value_or(0);
+    });
+}
+
+bool Library_Scripts::save_states(std::int32_t SetID, scripts::cls_script_coll& of,
+                                  std::int32_t position) {
+    return changing(SetID, of, position, [&](Script& script) {
+        const std::int32_t id = script.ScriptID;
+        if (file_.rows(one_script(SetID, id)).at_end()) throw gone(u"Scripte"_s, id);
+        const int count = std::clamp(script.StateCount, 0, Script::max_states);
+        std::vector<ado::Row> states;
+        for (int number = 0; number < count; ++number) {
+            states.push_back(row_of(script.GetState(number), id, number));
+            file_.connection().session().check(u"Scriptstates"_s, states.back());
+        }
+        file_.execute(u"DELETE FROM Scriptstates WHERE ScriptID = "_s + QString::number(id));
+        ado::Recordset rows = file_.rows(states_of(id));
+        for (const ado::Row& state : states) {
+            rows.add_new();
+            for (const auto& [name, value] : state) rows.set(name, value);
+            rows.update();
+        }
+    });
+}
+
+bool Library_Scripts::rename(std::int32_t SetID, scripts::cls_script_coll& of,
+                             std::int32_t position) {
+    return changing(SetID, of, position, [&](Script& script) {
+        ado::Recordset row = file_.rows(one_script(SetID, script.ScriptID));
+        if (row.at_end()) throw gone(u"Scripte"_s, script.ScriptID);
+        row.set(u"ScriptName"_s, ado::value(script.ScriptName));
+        row.update();
+    });
+}
+
+bool Library_Scripts::erase(std::int32_t SetID, scripts::cls_script_coll& of,
+                            std::int32_t position) {
+    return changing(SetID, of, position, [&](Script& script) { erase_one(script.ScriptID); });
+}
+
+void Library_Scripts::erase_one(std::int32_t ScriptID) {
+    const QString id = QString::number(ScriptID); // children first: their key forbids the rest
+    file_.execute(u"DELETE FROM Scriptstates WHERE ScriptID = "_s + id);
+    file_.execute(u"DELETE FROM Scripte WHERE ScriptID = "_s + id);
+}
+
+void Library_Scripts::erase_all(std::int32_t SetID) {
+    std::vector<std::int32_t> ids;
+    for (ado::Recordset rows = file_.rows(scripts_of(SetID)); !rows.at_end(); rows.move_next())
+        if (const auto id = rows.number(u"ScriptID")) ids.push_back(*id);
+    for (const std::int32_t id : ids) erase_one(id);
+}
+
+int Library_Scripts::count(std::int32_t SetID) {
+    int count = 0;
+    operation_.reading(ado::Extent::some,
+                       [&] { count = file_.rows(scripts_of(SetID)).record_count(); });
+    return count;
+}
+
+void Library_Scripts::with_row(std::int32_t ScriptID,
+                               const std::function<void(ado::Recordset&)>& work) {
+    operation_.reading(ado::Extent::some, [&] {
+        ado::Recordset row =
+            file_.rows(u"SELECT * FROM Scripte WHERE ScriptID = "_s + QString::number(ScriptID));
+        if (!row.at_end()) work(row);
+    });
+}
+
+std::int32_t Library_Scripts::set_of(std::int32_t ScriptID) {
+    std::int32_t id = 0;
+    with_row(ScriptID, [&](auto& row) { id = row.number(u"SetID").value_or(0); });
+    return id;
+}
+
+QString Library_Scripts::name(std::int32_t ScriptID) {
+    QString name;
+    with_row(ScriptID, [&](auto& row) { name = row.text(u"ScriptName").value_or(QString()); });
+    return name;
+}
+
+} // namespace store

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "scripts/cls_Script_Sets.h"
+#include "store/library_operation.h"
+
+#include <cstdint>
+#include <functional>
+
+namespace store {
+
+/// The tables Scripte and Scriptstates. Operations named as those of clsDBConn do what these say.
+class Library_Scripts {
+public:
+    explicit Library_Scripts(Library_Operation& operation)
+        : operation_(operation), file_(operation.file()) {}
+
+    void fill(scripts::cls_Script_Sets& sets);
+    void load(scripts::cls_script_coll& into, std::int32_t SetID);
+
+    bool add(std::int32_t SetID, scripts::cls_script_coll& of, std::int32_t position);
+    bool save_states(std::int32_t SetID, scripts::cls_script_coll& of, std::int32_t position);
+    bool rename(std::int32_t SetID, scripts::cls_script_coll& of, std::int32_t position);
+    bool erase(std::int32_t SetID, scripts::cls_script_coll& of, std::int32_t position);
+    void erase_all(std::int32_t SetID); ///< with their states; throws
+
+    int count(std::int32_t SetID);
+    QString name(std::int32_t ScriptID);
+    std::int32_t set_of(std::int32_t ScriptID);
+
+private:
+    using Script = scripts::cls_script;
+
+    void load_states(Script& script);
+    void load_all(scripts::cls_script_coll& into, std::int32_t SetID, bool with_names);
+    void erase_one(std::int32_t ScriptID);
+    /// Runs work on the script at a position as one operation of a set.
+    bool changing(std::int32_t SetID, scripts::cls_script_coll& of, std::int32_t position,
+                  const std::function<void(Script&)>& work);
+    /// Runs work on the row of a script, if there is one.
+    void with_row(std::int32_t ScriptID, const std::function<void(ado::Recordset&)>& work);
+
+    Library_Operation& operation_;
+    Library_File& file_;
+};
+
+} // namespace store

@@ -1,0 +1,118 @@
+#include "store/row_surroundings.h"
+
+#include <map>
+#include <utility>
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace store {
+
+namespace {
+
+/// Values of a column in the rows of a table that come back.
+Key_Set coming_back(const std::vector<Row_Change>& changes, Table table, const QString& column) {
+    Key_Set found;
+    for (const Row_Change& change : changes)
+        if (change.table == table && change.before.empty())
+            found.insert(ado::number_in(change.after, column));
+    return found;
+}
+
+} // namespace
+
+ado::Error differs(const QString& table, std::int32_t key) {
+    ado::Error error(ado::Failure::refused, table + QLatin1Char(' ') + QString::number(key),
+                     u"somebody else has changed it or what it hangs on"_s);
+    error.by_others = true;
+    return error;
+}
+
+std::vector<Row_Change> net(const std::vector<Row_Change>& changes) {
+    std::vector<Row_Change> rows;
+    std::map<std::pair<Table, std::int32_t>, std::size_t> places;
+    for (const Row_Change& change : changes) {
+        const auto [known, is_new] = places.try_emplace({change.table, change.key}, rows.size());
+        if (change.table == Table::other || is_new ||
+            change.before.empty() != rows[known->second].after.empty()) {
+            known->second = rows.size();
+            rows.push_back(change);
+        } else {
+            rows[known->second].after = change.after;
+        }
+    }
+    std::erase_if(rows,
+                  [](const Row_Change& row) { return row.before.empty() && row.after.empty(); });
+    return rows;
+}
+
+Key_Set going(const std::vector<Row_Change>& changes, Table table) {
+    Key_Set found;
+    for (const Row_Change& change : changes)
+        if (change.table == table && change.after.empty()) found.insert(change.key);
+    return found;
+}
+
+Key_Set Row_Surroundings::in_places(const std::vector<Row_Change>& changes) {
+    const Key_Set own = coming_back(changes, Table::CVs, u"CVID"_s);
+    std::map<std::int32_t, std::set<Place>> sets;
+    for (const Row_Change& change : changes) {
+        if (change.table != Table::CVs || !change.before.empty()) continue;
+        const auto at = [&](const QString& column) { return ado::number_in(change.after, column); };
+        sets[at(u"SetID"_s)].insert({at(u"CVPageHi"_s), at(u"CVPageLo"_s), at(u"CVNr"_s)});
+    }
+    Key_Set found;
+    for (const auto& [set, places] : sets) {
+        auto cvs =
+            rows(u"CVs"_s, u"SetID"_s, set, {u"CVID"_s, u"CVPageHi"_s, u"CVPageLo"_s, u"CVNr"_s});
+        for (; !cvs.at_end(); cvs.move_next()) {
+            const auto at = [&](QStringView column) { return cvs.number(column).value_or(0); };
+            const std::int32_t key = at(u"CVID");
+            if (!own.contains(key) &&
+                places.contains({at(u"CVPageHi"), at(u"CVPageLo"), at(u"CVNr")}))
+                found.insert(key);
+        }
+    }
+    return found;
+}
+
+void Row_Surroundings::check(const std::vector<Row_Change>& changes, const Key_Set& doubles) {
+    Key_Set sets = coming_back(changes, Table::CVs, u"SetID"_s);
+    sets.merge(coming_back(changes, Table::Scripte, u"SetID"_s));
+    for (const std::int32_t set : sets) need(u"Sets"_s, u"SetID"_s, set);
+    for (const std::int32_t set : going(changes, Table::Sets)) {
+        need_none(u"CVs"_s, u"SetID"_s, set);
+        need_none(u"Scripte"_s, u"SetID"_s, set);
+    }
+    for (const std::int32_t script : going(changes, Table::Scripte))
+        need_none(u"Scriptstates"_s, u"ScriptID"_s, script);
+    check_states(changes);
+    for (const std::int32_t met : in_places(changes))
+        if (!doubles.contains(met)) throw differs(u"CVs"_s, met);
+}
+
+ado::Recordset Row_Surroundings::rows(const QString& table, const QString& column, std::int32_t key,
+                                      std::vector<QString> wanted) {
+    wanted.push_back(column);
+    return file_.rows(u"SELECT * FROM %1 WHERE %2 = %3"_s.arg(table, column).arg(key),
+                      std::move(wanted));
+}
+void Row_Surroundings::need(const QString& table, const QString& column, std::int32_t key) {
+    if (rows(table, column, key).at_end()) throw differs(table, key);
+}
+void Row_Surroundings::need_none(const QString& table, const QString& column, std::int32_t key) {
+    if (!rows(table, column, key).at_end()) throw differs(table, key);
+}
+
+/// The states of a script come and go together: others in between would be somebody else's.
+void Row_Surroundings::check_states(const std::vector<Row_Change>& changes) {
+    const Key_Set own = coming_back(changes, Table::Scriptstates, u"SSID"_s);
+    for (const std::int32_t script : coming_back(changes, Table::Scriptstates, u"ScriptID"_s)) {
+        need(u"Scripte"_s, u"ScriptID"_s, script);
+        auto states = rows(u"Scriptstates"_s, u"ScriptID"_s, script, {u"SSID"_s});
+        for (; !states.at_end(); states.move_next())
+            if (!own.contains(states.number(u"SSID").value_or(0)))
+                throw differs(u"Scripte"_s, script);
+    }
+}
+
+} // namespace store

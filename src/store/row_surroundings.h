@@ -1,0 +1,47 @@
+#pragma once
+
+#include "store/changes.h"
+#include "store/library_file.h"
+
+#include <cstdint>
+#include <set>
+#include <tuple>
+#include <vector>
+
+namespace store {
+
+using Key_Set = std::set<std::int32_t>;
+
+/// What changes come to: rows that came and went within them are no part of it.
+std::vector<Row_Change> net(const std::vector<Row_Change>& changes);
+/// Keys of the rows of a table that go.
+Key_Set going(const std::vector<Row_Change>& changes, Table table);
+/// Somebody else has changed a row or what it hangs on.
+ado::Error differs(const QString& table, std::int32_t key);
+
+/// What rows need of others, whether or not the library holds relations that watch over it. All
+/// throws ado::Error.
+class Row_Surroundings {
+public:
+    explicit Row_Surroundings(Library_File& file) : file_(file) {}
+
+    /// CVs that stand in the places of those that come back and are none of them, by CVID.
+    Key_Set in_places(const std::vector<Row_Change>& changes);
+    /// Throws where rows that came back or went lack what they hang on, or leave something behind.
+    /// Asked when all of them are put back.
+    /// @param doubles met by CVs that come back, and not somebody else's
+    void check(const std::vector<Row_Change>& changes, const Key_Set& doubles);
+
+private:
+    using Place = std::tuple<std::int32_t, std::int32_t, std::int32_t>;
+
+    ado::Recordset rows(const QString& table, const QString& column, std::int32_t key,
+                        std::vector<QString> wanted = {});
+    void need(const QString& table, const QString& column, std::int32_t key);
+    void need_none(const QString& table, const QString& column, std::int32_t key);
+    void check_states(const std::vector<Row_Change>& changes);
+
+    Library_File& file_;
+};
+
+} // namespace store
