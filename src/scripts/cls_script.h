@@ -4,8 +4,10 @@
 
 #include <QString>
 
+#include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <optional>
 
 namespace scripts {
 
@@ -24,6 +26,9 @@ public:
     std::int32_t ScriptID = 0; ///< key of the database row; 0 when there is none
     /// Stored lines that were not loaded, because their number lies outside 0..255.
     std::int32_t States_Left_Out = 0;
+    /// Tells whether the stored lines are still those that were loaded or saved last; nothing where
+    /// none were.
+    std::optional<std::size_t> Stored_States;
 
     /// Every index 0..255 yields a state, an empty one where nothing was put yet. A reference stays
     /// good as long as the script; inserting and deleting move contents, not places.

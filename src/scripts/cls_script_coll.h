@@ -14,7 +14,7 @@ class cls_script_coll {
 public:
     static constexpr int max_scripts = 16;
 
-    std::int32_t SetID = 0;    ///< database key of the set; known once it lies in a cls_Script_Sets
+    std::int32_t SetID = 0;    ///< database key of the set; 0 until the scripts of one are loaded
     std::int32_t Nummer = 0;   ///< number of the set as the user sees it
     std::int32_t AddrSlot = 0; ///< address placeholder of this block in the project file
     bool Changed = false;      ///< set whenever a script is added

@@ -146,7 +146,8 @@ public:
     CVRec DB_Next_CV();
     void DB_Close_CVs();
 
-    // Scripts; a position counts from 1 in AktScripts
+    // Scripts; a position counts from 1 in AktScripts. Operations go by the keys of the script there:
+    // they refuse when it belongs to another set than the current one, or is gone.
 
     /// The scripts of all sets, without names. A set that is gone has the Nummer 0.
     void Fill_Scripts_in_ScriptsObj(scripts::cls_Script_Sets& sets);
@@ -156,7 +157,7 @@ public:
     /// stored with DB_Save_Script_States.
     bool DB_Add_Script(std::int32_t position);
     /// Replaces the stored states. Every row is checked before the old ones go: a refusal leaves
-    /// them as they were.
+    /// them as they were. Refuses (changed) when they are no longer those that were loaded.
     bool DB_Save_Script_States(std::int32_t position);
     bool DB_Rename_Script(std::int32_t position);
     /// Deletes a script with its states; it stays in AktScripts.

@@ -32,6 +32,8 @@ Failure translated(ado::Failure kind) {
         return Failure::disk_full;
     case ado::Failure::device:
         return Failure::device;
+    case ado::Failure::changed:
+        return Failure::changed;
     case ado::Failure::statement:
     case ado::Failure::refused:
         return Failure::refused;
@@ -147,8 +149,8 @@ void Library_File::note(Failure kind, const QString& subject, const QString& det
 
 void Library_File::note(const ado::Error& error) {
     const QString place = error.subject + u": "_s + error.detail; // matters only to the log
-    if (error.kind == ado::Failure::damaged)
-        note(Failure::damaged, path_, place);
+    if (error.kind == ado::Failure::damaged || error.kind == ado::Failure::changed)
+        note(translated(error.kind), path_, place);
     else if (error.kind == ado::Failure::not_found && active_)
         note(!contents_.sets  ? without_sets()
              : !contents_.cvs ? Failure::no_cvs

@@ -58,7 +58,7 @@ void Library_Operation::tell_left() {
 
 bool Library_Operation::is_refusal(ado::Failure kind) {
     return kind == ado::Failure::refused || kind == ado::Failure::not_found ||
-           kind == ado::Failure::statement;
+           kind == ado::Failure::changed || kind == ado::Failure::statement;
 }
 
 bool Library_Operation::begin() {

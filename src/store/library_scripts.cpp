@@ -1,5 +1,7 @@
 #include "store/library_scripts.h"
 
+#include "store/row_surroundings.h"
+
 #include <algorithm>
 #include <array>
 
@@ -41,19 +43,39 @@ void fill_state(scripts::cls_Scriptstate& state, ado::Recordset& row) {
     state.Info = row.text(u"Info").value_or(QString());
 }
 
+/// Adds a state to what tells these states from others.
+std::size_t with_state(std::size_t print, std::int32_t number,
+                       const scripts::cls_Scriptstate& state) {
+    return qHashMulti(print, number, state.GetCommand(), state.GetPar(0), state.GetPar(1),
+                      state.GetPar(2), state.GetPar(3), state.Info);
+}
+
 } // namespace
 
-void Library_Scripts::load_states(Script& script) {
-    ado::Recordset rows = file_.rows(states_of(script.ScriptID) + u" ORDER BY State"_s);
-    for (; !rows.at_end(); rows.move_next()) {
+std::size_t Library_Scripts::visit_states(
+    std::int32_t ScriptID,
+    const std::function<void(std::int32_t number, const scripts::cls_Scriptstate&)>& visit) {
+    std::size_t print = 0;
+    ado::Recordset rows = file_.rows(states_of(ScriptID) + u" ORDER BY State"_s);
+    for (scripts::cls_Scriptstate state; !rows.at_end(); rows.move_next()) {
         const std::int32_t number = rows.number(u"State").value_or(0);
-        if (number < 0 || number >= Script::max_states) {
-            ++script.States_Left_Out;
-            continue;
-        }
-        fill_state(script.GetState(number), rows);
-        script.StateCount = number + 1;
+        fill_state(state, rows);
+        print = with_state(print, number, state);
+        visit(number, state);
     }
+    return print;
+}
+
+void Library_Scripts::load_states(Script& script) {
+    script.Stored_States =
+        visit_states(script.ScriptID, [&](std::int32_t number, const auto& state) {
+            if (number < 0 || number >= Script::max_states) {
+                ++script.States_Left_Out;
+                return;
+            }
+            script.SetState(number, state);
+            script.StateCount = number + 1;
+        });
 }
 
 void Library_Scripts::load_all(scripts::cls_script_coll& into, std::int32_t SetID,
@@ -88,13 +110,15 @@ void Library_Scripts::fill(scripts::cls_Script_Sets& sets) {
 
 void Library_Scripts::load(scripts::cls_script_coll& into, std::int32_t SetID) {
     into.Clear();
+    into.SetID = SetID;
     operation_.reading(ado::Extent::some, [&] { load_all(into, SetID, true); });
 }
 
 bool Library_Scripts::changing(std::int32_t SetID, scripts::cls_script_coll& of,
                                std::int32_t position, const std::function<void(Script&)>& work) {
     return operation_.changing_set(SetID, [&] {
-        if (!of.exists(position)) throw gone(u"script"_s, position);
+        if (!of.exists(position) || (of.SetID != 0 && of.SetID != SetID))
+            throw gone(u"script"_s, position);
         operation_.whole([&] { work(*of.Item(position)); });
     });
 }
@@ -107,6 +131,7 @@ bool Library_Scripts::add(std::int32_t SetID, scripts::cls_script_coll& of, std:
         row.set(u"ScriptName"_s, ado::value(script.ScriptName));
         row.update();
         script.ScriptID = row.number(u"ScriptID").value_or(0);
+        script.Stored_States = 0;
     });
 }
 
@@ -115,11 +140,15 @@ bool Library_Scripts::save_states(std::int32_t SetID, scripts::cls_script_coll& 
     return changing(SetID, of, position, [&](Script& script) {
         const std::int32_t id = script.ScriptID;
         if (file_.rows(one_script(SetID, id)).at_end()) throw gone(u"Scripte"_s, id);
+        if (script.Stored_States != visit_states(id, [](auto...) {}))
+            throw differs(u"Scripte"_s, id);
+        std::size_t print = 0;
         const int count = std::clamp(script.StateCount, 0, Script::max_states);
         std::vector<ado::Row> states;
         for (int number = 0; number < count; ++number) {
             states.push_back(row_of(script.GetState(number), id, number));
             file_.connection().session().check(u"Scriptstates"_s, states.back());
+            print = with_state(print, number, script.GetState(number));
         }
         file_.execute(u"DELETE FROM Scriptstates WHERE ScriptID = "_s + QString::number(id));
         ado::Recordset rows = file_.rows(states_of(id));
@@ -128,6 +157,7 @@ bool Library_Scripts::save_states(std::int32_t SetID, scripts::cls_script_coll& 
             for (const auto& [name, value] : state) rows.set(name, value);
             rows.update();
         }
+        script.Stored_States = print;
     });
 }
 

@@ -3,6 +3,7 @@
 #include "scripts/cls_Script_Sets.h"
 #include "store/library_operation.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 
@@ -30,6 +31,10 @@ public:
 private:
     using Script = scripts::cls_script;
 
+    /// @return what tells these states from others
+    std::size_t visit_states(
+        std::int32_t ScriptID,
+        const std::function<void(std::int32_t number, const scripts::cls_Scriptstate&)>& visit);
     void load_states(Script& script);
     void load_all(scripts::cls_script_coll& into, std::int32_t SetID, bool with_names);
     void erase_one(std::int32_t ScriptID);

@@ -53,7 +53,8 @@ Replayed restore_rows(Library_Operation& operation, const std::vector<Row_Change
         Row_Surroundings(operation.file()).check(all, doubles);
     } catch (const ado::Error& error) {
         operation.file().note(error);
-        const bool differs = error.by_others || error.kind == ado::Failure::not_found;
+        const bool differs = error.by_others || error.kind == ado::Failure::not_found ||
+                             error.kind == ado::Failure::changed;
         result = differs ? Replayed::differs : Replayed::failed;
     }
     if (!operation.end(result == Replayed::done) && result == Replayed::done)

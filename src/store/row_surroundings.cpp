@@ -21,10 +21,8 @@ Key_Set coming_back(const std::vector<Row_Change>& changes, Table table, const Q
 } // namespace
 
 ado::Error differs(const QString& table, std::int32_t key) {
-    ado::Error error(ado::Failure::refused, table + QLatin1Char(' ') + QString::number(key),
-                     u"somebody else has changed it or what it hangs on"_s);
-    error.by_others = true;
-    return error;
+    return {ado::Failure::changed, table + QLatin1Char(' ') + QString::number(key),
+            u"somebody else has changed it or what it hangs on"_s};
 }
 
 std::vector<Row_Change> net(const std::vector<Row_Change>& changes) {

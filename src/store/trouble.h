@@ -22,9 +22,10 @@ enum class Failure {
     locked_elsewhere, ///< another running copy or program holds the file
     replaced,         ///< the path no longer names the file that was open; it has been closed
     disk_full,
-    device, ///< any other failure of the medium
-    gone,   ///< a row, table or column: another program has taken it away
-    refused ///< for its data: too long, out of range, forbidden by a relation
+    device,  ///< any other failure of the medium
+    gone,    ///< a row, table or column: another program has taken it away
+    changed, ///< a row that is no longer as it was when it was read
+    refused  ///< for its data: too long, out of range, forbidden by a relation
 };
 
 /// The reason that an operation keeps where it must be silent; the window makes a sentence of it.

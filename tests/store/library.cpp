@@ -75,7 +75,7 @@ std::string trouble(store::clsDBConn& connection) {
     static const char* const kinds[] = {
         "not_open", "no_set",    "not_found",   "denied",  "not_a_database", "no_library",
         "cut_off",  "no_cvs",    "unsupported", "damaged", "read_only",      "locked_elsewhere",
-        "replaced", "disk_full", "device",      "gone",    "refused"};
+        "replaced", "disk_full", "device",      "gone",    "changed",        "refused"};
     const auto taken = connection.take_trouble();
     return taken ? kinds[static_cast<int>(taken->kind)] : "";
 }

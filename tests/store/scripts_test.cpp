@@ -139,6 +139,28 @@ TEST_F(Script_Storage, a_script_that_another_copy_deleted_is_not_stored) {
     EXPECT_EQ(AktScripts().Count(), 15);
 }
 
+TEST_F(Script_Storage, states_that_somebody_else_has_changed_are_not_overwritten) {
+    load("library_2000", 3);
+    if (IsSkipped()) return;
+    const auto held = AktScripts().Item(1);
+    load_again(3);
+    const auto others = AktScripts().Item(1);
+    const int lines = others->StateCount;
+    ASSERT_GT(lines, 1);
+    others->StateCount = 1;
+    ASSERT_TRUE(db.DB_Save_Script_States(1)) << "as it was loaded";
+    ASSERT_TRUE(db.DB_Save_Script_States(1)) << "as it was saved last";
+    others->Stored_States = held->Stored_States;
+    others->StateCount = lines;
+    EXPECT_FALSE(db.DB_Save_Script_States(1));
+    EXPECT_EQ(library::trouble(db), "changed");
+    db.AktCVSetID(2); // the list still shows the scripts of the other set
+    EXPECT_FALSE(db.DB_Rename_Script(1));
+    EXPECT_EQ(library::trouble(db), "gone");
+    load_again(3);
+    EXPECT_EQ(AktScripts().Item(1)->StateCount, 1);
+}
+
 TEST_F(Script_Storage, a_script_of_256_states_is_stored) {
     load("library_2003", 3);
     if (IsSkipped()) return;

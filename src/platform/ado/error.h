@@ -24,7 +24,8 @@ enum class Failure {
     replaced, ///< the path no longer names the file that is open
     disk_full,
     device, ///< any other failure of the medium
-    refused ///< for its data: too long, out of range, duplicate key, forbidden by a relation
+    changed, ///< what was read before is no longer so
+    refused  ///< for its data: too long, out of range, duplicate key, forbidden by a relation
 };
 
 /// Thrown by everything in this folder. `subject` names the file, table, column or statement.

@@ -237,6 +237,8 @@ constexpr Trouble_Entry troubles[] = {
                              u"es wurde nichts geändert."},
     {store::Failure::gone, u"In „%1“ ist dieser Eintrag nicht mehr vorhanden; "
                            u"ein anderes Programm hat ihn wohl gelöscht."},
+    {store::Failure::changed, u"In „%1“ wurde dieser Eintrag inzwischen anderswo geändert; "
+                              u"es wurde nichts gespeichert."},
     {store::Failure::refused, u"Die Datenbank nimmt diese Angaben nicht an („%1“)."},
 };
 
