@@ -70,11 +70,11 @@ bool clsDBConn::writable() const {
     return parts_->file.active() && parts_->file.blocked() == Blocked::no;
 }
 
-std::optional<std::uint64_t> clsDBConn::change_count() {
+std::optional<std::uint64_t> clsDBConn::foreign_changes() {
     std::optional<std::uint64_t> count;
     parts_->operation.reading(ado::Extent::some, [&] {
         parts_->file.expect_same_file();
-        count = parts_->file.connection().change_count();
+        count = parts_->file.connection().foreign_changes();
     });
     return count;
 }

@@ -63,9 +63,9 @@ public:
     std::int32_t AktCVSetID() const;
     void AktCVSetID(std::int32_t SetID);
 
-    /// Differs whenever rows may have changed since it was last asked for, by this copy of the
-    /// program or another. @return nothing: the library cannot be looked at, and why is noted
-    std::optional<std::uint64_t> change_count();
+    /// Differs whenever another copy of the program or somebody else may have changed rows since it
+    /// was last asked for. @return nothing: the library cannot be looked at, and why is noted
+    std::optional<std::uint64_t> foreign_changes();
 
     // Troubles and counts for the status bar
 

@@ -33,8 +33,8 @@ void Connection::close() { session_.reset(); }
 
 Status Connection::status() const { return session().database().status(); }
 
-std::uint64_t Connection::change_count() const {
-    return translated([&] { return session().database().change_count(); });
+std::uint64_t Connection::foreign_changes() const {
+    return translated([&] { return session().database().foreign_changes(); });
 }
 
 Blocked Connection::blocked(const QString& table) const {

@@ -32,8 +32,9 @@ public:
     Status status() const;
     /// Whether rows of the table can be changed; `no` also for one that is not in the file.
     Blocked blocked(const QString& table) const;
-    /// Differs whenever rows may have changed since it was last asked for. Throws Error.
-    std::uint64_t change_count() const;
+    /// Differs whenever somebody else may have changed rows since it was last asked for. Throws
+    /// Error.
+    std::uint64_t foreign_changes() const;
     /// Told of every changed row from now on, also of connections opened later; nullptr: nobody.
     void watch(Row_Watcher* watcher);
 

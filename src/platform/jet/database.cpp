@@ -116,7 +116,7 @@ void Database::set_date(std::optional<double> days) { engine_->set_date(days); }
 
 Status Database::status() const { return engine_->status(); }
 const std::string& Database::path() const { return engine_->path(); }
-std::uint64_t Database::change_count() { return engine_->change_count(); }
+std::uint64_t Database::foreign_changes() { return engine_->foreign_changes(); }
 bool Database::in_transaction() const { return engine_->writing(); }
 check::Report Database::check() { return engine_->check(); }
 

@@ -179,8 +179,8 @@ public:
     /// The date that the catalogue notes for tables made or changed from now on; nothing: the
     /// clock's.
     void set_date(std::optional<double> days);
-    /// Differs whenever rows may have changed since it was last asked for, by this copy or another.
-    std::uint64_t change_count();
+    /// Differs whenever somebody else may have changed rows since it was last asked for.
+    std::uint64_t foreign_changes();
     bool in_transaction() const;
 
     /// User tables in the order of the catalogue; with `system` the others too.

@@ -119,6 +119,7 @@ void Engine::refresh() {
     if (pager_->generation() == generation_) return;
     generation_ = pager_->generation();
     ++changes_;
+    ++foreign_changes_;
     forget();
 }
 
@@ -182,6 +183,7 @@ void Engine::commit() {
         pager_->commit();
     } catch (...) {
         ++changes_;
+        ++foreign_changes_; // it may have come half as far
         forget();
         throw;
     }
@@ -276,9 +278,9 @@ std::vector<Relation> Engine::relations() {
     return read_relations(*pager_, *system_table(u"MSysRelationships").definition);
 }
 
-std::uint64_t Engine::change_count() {
+std::uint64_t Engine::foreign_changes() {
     const Reading reading(*this);
-    return changes_;
+    return foreign_changes_;
 }
 
 check::Report Engine::check() {

@@ -109,7 +109,7 @@ public:
     void note_free_numbers(Page_Number table, std::int32_t last) { numbered_[table] = last; }
 
     std::uint64_t changes() const { return changes_; }
-    std::uint64_t change_count();
+    std::uint64_t foreign_changes();
     check::Report check();
 
     /// The date for rows of the catalogue: the clock's, or the one that create() was given.
@@ -140,6 +140,7 @@ private:
     int write_depth_ = 0;
     std::optional<Error> unfit_; ///< why the open transaction can only be rolled back
     std::uint64_t changes_ = 0;
+    std::uint64_t foreign_changes_ = 0;
     std::uint64_t generation_ = 0;
     bool objects_known_ = false;
     std::shared_ptr<const Definition> objects_definition_;

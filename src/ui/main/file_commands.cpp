@@ -57,7 +57,7 @@ void Frm_Main::Open_Database() {
         say(sentence(*trouble));
     say_and_log(status_->last_sentence(), trouble ? path + u": "_qs + trouble->detail : path);
     database_.take_trouble(); // a database of another kind has no sets to count; that is said
-    shown_state_ = database_.change_count().value_or(0);
+    shown_state_ = database_.foreign_changes().value_or(0);
 }
 
 void Frm_Main::default_database_made() { backups().made_now(app::current_database()); }

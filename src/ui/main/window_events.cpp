@@ -22,7 +22,7 @@ void Frm_Main::changeEvent(QEvent* event) {
 // Another running copy of the program may have changed the library while this window was behind.
 void Frm_Main::refill_if_changed() {
     if (!database_.Connection_Active()) return;
-    const std::optional<std::uint64_t> now = database_.change_count();
+    const std::optional<std::uint64_t> now = database_.foreign_changes();
     if (!now) {
         say_trouble();
         return;
