@@ -30,8 +30,8 @@ void append(files::File& log, const QByteArray& line) {
 
 } // namespace
 
-Diagnostic_Log::Diagnostic_Log(files::Disk& disk, QString path, std::function<QDateTime()> now)
-    : disk_(disk), path_(std::move(path)), now_(std::move(now)) {}
+Diagnostic_Log::Diagnostic_Log(files::Disk& disk, QString path, timing::Time& time)
+    : disk_(disk), path_(std::move(path)), time_(time) {}
 
 bool Diagnostic_Log::write(const QString& line) noexcept {
     try {
@@ -40,7 +40,7 @@ bool Diagnostic_Log::write(const QString& line) noexcept {
         const auto log =
             disk_.open(name, there ? files::Access::read_write : files::Access::create_new);
         if (!log->lock(files::Lock::exclusive, std::chrono::milliseconds(200))) return true; // busy
-        const QString time = now_().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss "));
+        const QString time = time_.date().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss "));
         append(*log, (time + line.simplified() + u'\n').toUtf8());
         return true;
     } catch (const std::exception&) {

@@ -1,10 +1,9 @@
 #pragma once
 
 #include "platform/files/disk.h"
+#include "platform/timing/time.h"
 
-#include <QDateTime>
 #include <QString>
-#include <functional>
 
 namespace app {
 
@@ -15,16 +14,14 @@ public:
     /// Beyond this size the older half is dropped.
     static constexpr std::uint64_t max_size = std::uint64_t{1} << 20;
 
-    Diagnostic_Log(
-        files::Disk& disk, QString path,
-        std::function<QDateTime()> now = [] { return QDateTime::currentDateTime(); });
+    Diagnostic_Log(files::Disk& disk, QString path, timing::Time& time = timing::real_time());
     /// Appends one line. @return false: the log cannot be written
     bool write(const QString& line) noexcept;
 
 private:
     files::Disk& disk_;
     QString path_;
-    std::function<QDateTime()> now_;
+    timing::Time& time_;
 };
 
 } // namespace app

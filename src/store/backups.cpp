@@ -88,9 +88,8 @@ private:
 
 } // namespace
 
-Backups::Backups(files::Disk& disk, const QString& user_folder, Clock clock)
-    : disk_(disk), user_folder_(user_folder.toStdString()), clock_(std::move(clock)),
-      started_(clock_()) {}
+Backups::Backups(files::Disk& disk, const QString& user_folder, timing::Time& time)
+    : disk_(disk), user_folder_(user_folder.toStdString()), time_(time), started_(time_.date()) {}
 
 template <class Work>
 bool Backups::noting(Work work) {
@@ -121,7 +120,7 @@ std::string Backups::copy_to(const Place& place, const std::string& path) {
         disk_.make_folder(folder);
         disk_.sync_folder(files::folder_of(folder)); // or the copy is lost with it
     }
-    QDateTime time = clock_();
+    QDateTime time = time_.date();
     std::string copy;
     do { // the second may be taken: by the copy before, or after the clock was set back
         copy = joined(place.folder, copy_name(stem_of(path), time).toStdString());

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/files/replace.h"
+#include "platform/timing/time.h"
 #include "store/Before_First_Write.h"
 #include "store/trouble.h"
 
@@ -40,11 +41,9 @@ struct Backup {
 /// crash in an earlier run has left of one.
 class Backups final : public Before_First_Write {
 public:
-    using Clock = std::function<QDateTime()>;
     /// @param user_folder where this user's data lie; with or without a separator at its end
-    Backups(
-        files::Disk& disk, const QString& user_folder,
-        Clock clock = [] { return QDateTime::currentDateTime(); });
+    Backups(files::Disk& disk, const QString& user_folder,
+            timing::Time& time = timing::real_time());
 
     bool keep_copy(const QString& file) override;
     /// A file made in this run needs no copy before its first change.
@@ -84,7 +83,7 @@ private:
 
     files::Disk& disk_;
     std::string user_folder_;
-    Clock clock_;
+    timing::Time& time_;
     QDateTime started_; ///< this run
     std::map<std::string, files::Identity>
         copied_; ///< in this run, or made in it; by resolved path

@@ -7,6 +7,7 @@
 #include "platform/files/faulty_disk.h"
 #include "platform/files/memory_disk.h"
 #include "platform/files/replace.h"
+#include "platform/timing/virtual_time.h"
 #include "support/crash_sweep.h"
 #include "support/scripted_desktop.h"
 
@@ -224,8 +225,8 @@ TEST_F(Start, a_recent_file_moves_to_the_end_and_is_there_once) {
 
 TEST_F(Start, the_log_keeps_its_newer_half_and_whole_lines) {
     const std::string path = "/home/anna/log.txt";
-    Diagnostic_Log log(disk, QString::fromStdString(path),
-                       [] { return QDateTime(QDate(2026, 5, 4), QTime(3, 2, 1)); });
+    timing::Virtual_Time time(QDateTime({2026, 5, 4}, {3, 2, 1}));
+    Diagnostic_Log log(disk, QString::fromStdString(path), time);
     log.write(QStringLiteral("ein\nSatz"));
     EXPECT_EQ(text(disk, path), "2026-05-04 03:02:01 ein Satz\n");
     const QString filler(1000, u'ä');

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/timing/virtual_time.h"
 #include "store/backups.h"
 #include "store/undo_library.h"
 
@@ -11,8 +12,7 @@ inline QString text(const std::string& utf8) { return QString::fromStdString(utf
 
 /// A run of the program: a connection that keeps copies.
 struct Program {
-    Program(files::Disk& disk, QDateTime& now)
-        : backups(disk, u"user"_qs, [&now] { return now; }), db(disk) {
+    Program(files::Disk& disk, timing::Time& time) : backups(disk, u"user"_qs, time), db(disk) {
         db.keep_copies(&backups);
     }
     bool change(const std::string& path, int value) {
@@ -41,11 +41,11 @@ protected:
     }
     /// A change in a run of its own, at some seconds after noon.
     void change_at(int seconds, int value, const std::string& path = "a.mdb") {
-        now = copies::noon.addSecs(seconds);
-        copies::Program run(disk, now);
+        time.set_date(copies::noon.addSecs(seconds));
+        copies::Program run(disk, time);
         ASSERT_TRUE(run.change(path, value)) << library::trouble(run.db);
         EXPECT_EQ(run.trouble(), "");
     }
 
-    QDateTime now = copies::noon;
+    timing::Virtual_Time time{copies::noon};
 };

@@ -22,7 +22,7 @@ TEST_F(Copies, one_is_made_before_the_first_change_of_a_run) {
     put();
     if (IsSkipped()) return;
     const auto before = disk.bytes("a.mdb");
-    Program run(disk, now);
+    Program run(disk, time);
     run.db.Connection_Start(u"a.mdb"_s);
     library::sets(run.db, 8);
     library::cvs(run.db, 1);
@@ -37,7 +37,7 @@ TEST_F(Copies, one_is_made_before_the_first_change_of_a_run) {
 TEST_F(Copies, a_library_made_in_this_run_needs_none_until_another_lies_there) {
     put();
     if (IsSkipped()) return;
-    Program run(disk, now);
+    Program run(disk, time);
     run.backups.made_now(u"a.mdb"_s);
     ASSERT_TRUE(run.change("a.mdb", 1));
     EXPECT_THAT(names(), ElementsAre());
@@ -83,7 +83,7 @@ TEST_F(Copies, an_old_library_is_upgraded_only_when_there_is_one) {
             disk.remove("Sicherungen/a 2026-03-01 12-00-00.mdb");
             disk.protect_folder("Sicherungen");
         }
-        Program run(disk, now);
+        Program run(disk, time);
         run.db.Connection_Start(u"a.mdb"_s);
         ASSERT_TRUE(run.db.Connection_Active());
         EXPECT_FALSE(library::sets(run.db, 8).empty());
@@ -147,7 +147,7 @@ TEST_F(Copies, the_first_one_is_not_lost_with_the_folder_that_was_made_for_it) {
     disk.set_bytes("Sicherungen", {}); // so it goes to the user's own
     files::Crash_Disk crashing(disk);
     {
-        Program run(crashing, now);
+        Program run(crashing, time);
         ASSERT_TRUE(run.change("a.mdb", 1));
     }
     std::mt19937 unused;
@@ -190,7 +190,7 @@ TEST_F(Copies, libraries_of_any_name_keep_theirs_apart) {
         change_at(60, 2, path);
     }
     EXPECT_EQ(names("o/Sicherungen").size(), 2 * odd.size());
-    Program last(disk, now);
+    Program last(disk, time);
     for (const std::string& path : odd) {
         SCOPED_TRACE(path);
         const auto found = last.backups.copies_of(text(path));
@@ -210,7 +210,7 @@ TEST_F(Copies, where_the_folder_cannot_be_made_they_go_to_the_users_own) {
         change_at(0, 1, folder + "/a.mdb");
         change_at(1, 2, folder + "/a.mdb");
     }
-    Program last(disk, now);
+    Program last(disk, time);
     disk.set_bytes(last.backups.copies_of(u"one/a.mdb"_s).front().path.toStdString(), {});
     const auto one = last.backups.copies_of(u"one/a.mdb"_s);
     const auto two = last.backups.copies_of(u"two/a.mdb"_s);
@@ -227,8 +227,8 @@ TEST_F(Copies, one_is_brought_back_and_the_present_library_becomes_one) {
     if (IsSkipped()) return;
     const Content before = content(disk);
     change_at(0, 1);
-    now = noon.addSecs(60);
-    Program run(disk, now);
+    time.set_date(noon.addSecs(60));
+    Program run(disk, time);
     ASSERT_TRUE(run.change("a.mdb", 2));
     clsDBConn other(disk);
     other.Connection_Start(u"a.mdb"_s);
@@ -254,8 +254,8 @@ TEST_F(Copies, the_oldest_of_ten_can_be_brought_back) {
     if (IsSkipped()) return;
     const Content first = content(disk);
     for (int i = 0; i < 10; ++i) change_at(i, i);
-    now = noon.addSecs(60);
-    Program run(disk, now);
+    time.set_date(noon.addSecs(60));
+    Program run(disk, time);
     const auto found = run.backups.copies_of(u"a.mdb"_s);
     ASSERT_EQ(found.size(), 10U);
     ASSERT_TRUE(run.backups.restore(found.back().path, u"a.mdb"_s));
@@ -274,7 +274,7 @@ TEST_F(Copies, a_damaged_or_missing_library_is_replaced_and_its_journal_is_not_a
             disk.remove("a.mdb");
         else
             disk.set_bytes("a.mdb", damaged);
-        Program run(disk, now);
+        Program run(disk, time);
         const auto found = run.backups.copies_of(u"a.mdb"_s);
         ASSERT_TRUE(run.backups.restore(found.front().path, u"a.mdb"_s)) << run.trouble();
         EXPECT_FALSE(disk.file_exists("a.mdb-journal"));
@@ -298,7 +298,7 @@ TEST_F(Copies, a_spoiled_one_is_known_by_its_rows_and_its_end) {
         if (page != 0) std::fill_n(&bytes[page * 4096], 4096, std::byte{0xFF});
         bytes.resize(pages * 4096);
         disk.set_bytes(copy, bytes);
-        Program run(disk, now);
+        Program run(disk, time);
         const Backup found = run.backups.copies_of(u"a.mdb"_s).front();
         EXPECT_EQ(run.backups.restore(found.path, u"b.mdb"_s), found.sets.has_value());
         return Told(found.sets, found.soundness);
@@ -317,7 +317,7 @@ TEST_F(Copies, what_cannot_be_read_or_kept_is_not_brought_back) {
     change_at(0, 1);
     change_at(1, 2);
     const auto present = disk.bytes("a.mdb");
-    Program run(disk, now);
+    Program run(disk, time);
     const auto found = run.backups.copies_of(u"a.mdb"_s);
     disk.set_bytes(found.front().path.toStdString(), {});
     EXPECT_FALSE(run.backups.restore(found.front().path, u"a.mdb"_s));

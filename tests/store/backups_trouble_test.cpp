@@ -47,7 +47,7 @@ TEST_F(Copies_In_Trouble, no_change_without_a_copy_unless_that_was_told) {
     if (IsSkipped()) return;
     bool told = false;
     const auto work = [&](files::Disk& on) {
-        Program run(on, now);
+        Program run(on, time);
         run.db.Connection_Start(u"a.mdb"_s);
         run.db.AktCVSetID(1);
         CVRec rec{0, 1, 901, 7, 0, false};
@@ -55,7 +55,7 @@ TEST_F(Copies_In_Trouble, no_change_without_a_copy_unless_that_was_told) {
         told = run.trouble() == "told";
         if (!stored) throw std::runtime_error("not stored");
     };
-    now = noon.addSecs(60);
+    time.set_date(noon.addSecs(60));
     const auto check = [&](files::Disk& found, support::Outcome outcome) {
         const Content now_there = left(found);
         const auto copies = kept(found);
@@ -79,9 +79,9 @@ TEST_F(Copies_In_Trouble, bringing_one_back_happens_whole_or_not_at_all) {
     if (IsSkipped()) return;
     const std::string copy = "Sicherungen/a 2026-03-01 12-00-00.mdb";
     const Content old = content(disk, copy);
-    now = noon.addSecs(60);
+    time.set_date(noon.addSecs(60));
     const auto work = [&](files::Disk& on) {
-        Backups backups(on, u"user"_s, [&] { return now; });
+        Backups backups(on, u"user"_s, time);
         if (!backups.restore(text(copy), u"a.mdb"_s)) throw std::runtime_error("not restored");
     };
     const auto check = [&](files::Disk& found, support::Outcome outcome) {

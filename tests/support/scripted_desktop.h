@@ -13,15 +13,14 @@ namespace support {
 /// with its text; a dialog that nobody expects is a failure and counts as cancelled.
 class Scripted_Desktop : public desktop::Desktop {
 public:
-    enum class Answer { yes, no };
-
     ~Scripted_Desktop() override {
         for (const Expected& missing : expected_) ADD_FAILURE() << "never came: " << missing.what;
     }
 
     void expect_question(const QString& title, const QString& text, Answer answer) {
+        const char* const words[] = {"yes", "no", ""};
         expected_.push_back({box("question", title, text),
-                             answer == Answer::yes ? QStringLiteral("yes") : QString(),
+                             QString::fromLatin1(words[static_cast<int>(answer)]),
                              {}});
     }
     void expect_information(const QString& title, const QString& text) {
@@ -64,8 +63,12 @@ public:
     std::optional<QString> ask_folder(const QString& /*initial*/) override {
         return file(answer("folder"));
     }
+    Answer ask_yes_no_cancel(const QString& title, const QString& text) override {
+        const QString said = answer(box("question", title, text));
+        return said.isEmpty() ? Answer::cancel : said == u"yes" ? Answer::yes : Answer::no;
+    }
     bool ask_yes_no(const QString& title, const QString& text) override {
-        return !answer(box("question", title, text)).isEmpty();
+        return answer(box("question", title, text)) == u"yes";
     }
     void inform(const QString& title, const QString& text) override {
         answer(box("information", title, text));

@@ -23,7 +23,7 @@ enum class Failure {
     locked_elsewhere,
     replaced, ///< the path no longer names the file that is open
     disk_full,
-    device, ///< any other failure of the medium
+    device,  ///< any other failure of the medium
     changed, ///< what was read before is no longer so
     refused  ///< for its data: too long, out of range, duplicate key, forbidden by a relation
 };

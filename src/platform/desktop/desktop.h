@@ -26,7 +26,8 @@ struct File_Choice {
     QString folder;    ///< initial folder
     QString file;      ///< proposed file name; may be empty
     QString extension; ///< with its point (".mdb"); added to a name that does not end with it
-    QString filter;    ///< as shown, with the pattern in brackets: "Datenbank (*.mdb)"
+    /// As shown, with the patterns in brackets: "Datenbank (*.mdb)", "Scripts (*.vqs;*.vqr)".
+    QString filter;
 };
 
 /// What the clipboard holds, in two forms at most.
@@ -59,6 +60,9 @@ public:
     virtual std::optional<QString> ask_save_file(const File_Choice& choice) = 0;
     /// @return the chosen folder; nothing when the user cancelled.
     virtual std::optional<QString> ask_folder(const QString& initial) = 0;
+    enum class Answer { yes, no, cancel };
+    /// A question with the buttons Yes, No and Cancel; closing the box means Cancel.
+    virtual Answer ask_yes_no_cancel(const QString& title, const QString& text) = 0;
     /// A question with the buttons Yes and No; closing the box means No.
     virtual bool ask_yes_no(const QString& title, const QString& text) = 0;
     virtual void inform(const QString& title, const QString& text) = 0;

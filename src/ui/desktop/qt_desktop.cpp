@@ -22,7 +22,7 @@ void prepare(QFileDialog& dialog, const desktop::File_Choice& choice) {
     dialog.setOptions(QFileDialog::DontUseNativeDialog | QFileDialog::DontConfirmOverwrite);
     dialog.setProxyModel(new German_Files(&dialog));
     if (QDir(choice.folder).exists()) dialog.setDirectory(choice.folder);
-    if (!choice.filter.isEmpty()) dialog.setNameFilter(choice.filter);
+    if (!choice.filter.isEmpty()) dialog.setNameFilter(QString(choice.filter).replace(u';', u' '));
     if (!choice.file.isEmpty()) dialog.selectFile(choice.file);
 }
 
@@ -34,6 +34,15 @@ std::optional<QString> answer(QFileDialog& dialog) {
     const QString path = dialog.selectedFiles().value(0);
     if (path.isEmpty()) return {};
     return QDir::toNativeSeparators(path);
+}
+
+int ask(const QString& title, const QString& text, QMessageBox::StandardButtons buttons) {
+    QMessageBox box(QMessageBox::Question, title, text, buttons, QApplication::activeWindow());
+    box.setTextFormat(Qt::PlainText);
+    const bool can_cancel = buttons.testFlag(QMessageBox::Cancel);
+    // what cannot be taken back is not one key away
+    box.setDefaultButton(can_cancel ? QMessageBox::Cancel : QMessageBox::No);
+    return box.exec();
 }
 
 desktop::Bounds bounds(const QRect& place) {
@@ -83,12 +92,19 @@ std::optional<QString> Qt_Desktop::ask_folder(const QString& initial) {
     return path->left(path->lastIndexOf(desktop::separator) + 1);
 }
 
+desktop::Desktop::Answer Qt_Desktop::ask_yes_no_cancel(const QString& title, const QString& text) {
+    switch (ask(title, text, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel)) {
+    case QMessageBox::Yes:
+        return Answer::yes;
+    case QMessageBox::No:
+        return Answer::no;
+    default:
+        return Answer::cancel;
+    }
+}
+
 bool Qt_Desktop::ask_yes_no(const QString& title, const QString& text) {
-    QMessageBox box(QMessageBox::Question, title, text, QMessageBox::Yes | QMessageBox::No,
-                    QApplication::activeWindow());
-    box.setTextFormat(Qt::PlainText);
-    box.setDefaultButton(QMessageBox::No); // what cannot be taken back is not one key away
-    return box.exec() == QMessageBox::Yes;
+    return ask(title, text, QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
 }
 
 void Qt_Desktop::inform(const QString& title, const QString& text) {

@@ -87,6 +87,17 @@ TEST_F(Qt_Desktop_Test, opening_takes_files_that_exist) {
     EXPECT_EQ(desktop.ask_open_file(choice("alt.mdb")), std::nullopt);
 }
 
+TEST_F(Qt_Desktop_Test, a_filter_may_have_several_patterns) {
+    for (const char* const name : {"a.vqs", "b.vqr", "c.mdb"}) make(name);
+    in_dialog([&](QDialog& dialog) {
+        auto& view = *dialog.findChild<QTreeView*>(QStringLiteral("treeView"));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return view.model()->rowCount(view.rootIndex()) == 2; }));
+    });
+    desktop::File_Choice scripts = choice("");
+    scripts.filter = QStringLiteral("Scripts (*.vqs;*.vqr)");
+    desktop.ask_open_file(scripts);
+}
+
 TEST_F(Qt_Desktop_Test, sizes_and_dates_are_german_and_sorted_by_their_values) {
     const struct {
         const char* name;
@@ -134,6 +145,17 @@ TEST_F(Qt_Desktop_Test, questions_are_german_and_closing_them_means_no) {
         qobject_cast<QMessageBox*>(&dialog)->button(QMessageBox::Yes)->click();
     });
     EXPECT_TRUE(desktop.ask_yes_no(QStringLiteral("Achtung"), QStringLiteral("Löschen?")));
+    in_dialog([](QDialog& dialog) {
+        EXPECT_THAT(button_texts(dialog), testing::UnorderedElementsAre("Ja", "Nein", "Abbrechen"));
+        QTest::keyClick(&dialog, Qt::Key_Return);
+    });
+    EXPECT_EQ(desktop.ask_yes_no_cancel(QStringLiteral("Script"), QStringLiteral("Speichern?")),
+              desktop::Desktop::Answer::cancel);
+    in_dialog([](QDialog& dialog) {
+        qobject_cast<QMessageBox*>(&dialog)->button(QMessageBox::No)->click();
+    });
+    EXPECT_EQ(desktop.ask_yes_no_cancel(QStringLiteral("Script"), QStringLiteral("Speichern?")),
+              desktop::Desktop::Answer::no);
     in_dialog([](QDialog& dialog) {
         EXPECT_THAT(button_texts(dialog), testing::Contains("Abbrechen"));
         EXPECT_THAT(button_texts(dialog), testing::Contains("Speichern"));
