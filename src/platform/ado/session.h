@@ -46,9 +46,13 @@ struct Found_Rows {
 /// is not quadratic in its size; else the part that the index leads to, so that storing a set CV by
 /// CV is not quadratic in the set's. Own changes keep them right, nobody else's can happen
 /// meanwhile, and they go with the last guard.
-class Session {
+class Session : jet::Change_Watcher {
 public:
-    explicit Session(jet::Database database) : database_(std::move(database)) {}
+    explicit Session(jet::Database database) : database_(std::move(database)) {
+        database_.watch(this);
+    }
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
 
     jet::Database& database() { return database_; }
     Row_Watcher* watcher = nullptr;
@@ -123,13 +127,22 @@ private:
     Found_Rows select_joined(const Statement& statement);
     Held_Rows* held_with(const QString& table, const Row_Block& block);
     void let_go(const QString& table);
-    void tell(const jet::Table& table, const std::vector<Value>& before,
-              const std::vector<Value>& after) const;
+    struct Told {
+        QString table;
+        jet::Row_Place row;
+        std::vector<Value> after;
+    };
+    void row_changed(std::uint32_t table, jet::Row_Place row, const std::vector<Value>& before,
+                     const std::vector<Value>& after) override;
+    /// What the change that was made last did to its own row. What a relation took along is no
+    /// longer held.
+    Told own_change();
 
     jet::Database database_;
     std::map<QString, std::vector<QString>> completed_; // by table, lower case
     std::map<QString, Held_Rows> held_;                 // by table, lower case
     std::map<QString, Asked> asked_;                    // by table, lower case
+    std::vector<Told> told_;                            // by the change that is being made
     int guards_ = 0;
     int whole_guards_ = 0;
 };

@@ -4,6 +4,7 @@
 #include "platform/ado/translated.h"
 
 #include <algorithm>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -44,11 +45,6 @@ std::vector<jet::Cell> cells_of(const jet::Table& table, const Row& row) {
         cells.push_back({*column, std::visit(As_Type{table.columns()[*column].type}, value)});
     }
     return cells;
-}
-
-std::vector<Value> values_of(const jet::Table& table, jet::Row_Place id) {
-    if (auto values = table.row(id)) return *std::move(values);
-    throw Error(Failure::not_found, QString::fromStdU16String(table.name()), u"the row is gone"_s);
 }
 
 Row row_of(const jet::Table& table, const std::vector<Value>& values) {
@@ -100,11 +96,20 @@ Session::Held_Rows* Session::held_with(const QString& table, const Row_Block& bl
     return nullptr;
 }
 
-void Session::tell(const jet::Table& table, const std::vector<Value>& before,
-                   const std::vector<Value>& after) const {
+void Session::row_changed(std::uint32_t table, jet::Row_Place row, const std::vector<Value>& before,
+                          const std::vector<Value>& after) {
+    const jet::Table changed = database_.table(table);
+    told_.push_back({QString::fromStdU16String(changed.name()), row, after});
     if (watcher != nullptr)
-        watcher->row_changed(QString::fromStdU16String(table.name()), row_of(table, before),
-                             row_of(table, after));
+        watcher->row_changed(told_.back().table, row_of(changed, before), row_of(changed, after));
+}
+
+Session::Told Session::own_change() {
+    std::vector<Told> told = std::exchange(told_, {});
+    Told own = std::move(told.back());
+    told.pop_back();
+    for (const Told& other : told) let_go(other.table);
+    return own;
 }
 
 Found_Rows Session::rows_equal(const QString& table, const Row& row) {
@@ -137,12 +142,11 @@ std::uint32_t Session::insert(const QString& table, Row_Block& block, const Row&
                               Origin origin) {
     return translated([&] {
         const jet::Table stored = stored_table(table);
-        const auto id = stored.insert(cells_of(stored, cells), origin).id;
-        const auto after = values_of(stored, id);
+        stored.insert(cells_of(stored, cells), origin);
+        const Told own = own_change();
         const auto row = static_cast<std::uint32_t>(block.size());
-        block.append(id, after);
+        block.append(own.row, own.after);
         if (Held_Rows* const held = held_with(table, block)) held->list(row);
-        tell(stored, {}, after);
         return row;
     });
 }
@@ -151,33 +155,20 @@ void Session::update(const QString& table, Row_Block& block, std::uint32_t row, 
                      Origin origin) {
     translated([&] {
         const jet::Table stored = stored_table(table);
-        const auto before = values_of(stored, block.id(row));
-        if (stored.update(block.id(row), cells_of(stored, cells), origin)) forget_held();
-        const auto after = values_of(stored, block.id(row));
+        stored.update(block.id(row), cells_of(stored, cells), origin);
+        const Told own = own_change();
         Held_Rows* const held = held_with(table, block);
         if (held != nullptr) held->unlist(row);
-        block.replace(row, after);
+        block.replace(row, own.after);
         if (held != nullptr) held->list(row);
-        tell(stored, before, after);
     });
 }
 
 void Session::erase(const QString& table, Row_Block& block, std::uint32_t row) {
     translated([&] {
-        const jet::Table stored = stored_table(table);
-        const auto before = values_of(stored, block.id(row));
-        const auto followers = stored.followers(block.id(row));
-        std::vector<std::vector<Value>> followers_before;
-        for (const jet::Follower& follower : followers)
-            followers_before.push_back(values_of(follower.table, follower.row));
-        stored.erase(block.id(row));
+        stored_table(table).erase(block.id(row));
+        own_change();
         if (Held_Rows* const held = held_with(table, block)) held->remove(row);
-        for (std::size_t i = followers.size(); i-- > 0;) {
-            const auto& [other, id] = followers[i];
-            let_go(QString::fromStdU16String(other.name()));
-            tell(other, followers_before[i], other.row(id).value_or(std::vector<Value>()));
-        }
-        tell(stored, before, {});
     });
 }
 

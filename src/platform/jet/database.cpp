@@ -68,13 +68,14 @@ Inserted Table::insert(std::span<const Cell> cells, Origin origin) const {
     Statement statement(*engine_, origin);
     Inserted inserted;
     engine_->change([&] { statement.insert(id_, cells); }, [&] { inserted = statement.apply(); });
+    statement.tell();
     return inserted;
 }
 
-bool Table::update(Row_Place id, std::span<const Cell> cells, Origin origin) const {
+void Table::update(Row_Place id, std::span<const Cell> cells, Origin origin) const {
     Statement statement(*engine_, origin);
     engine_->change([&] { statement.update(id_, id, cells); }, [&] { statement.apply(); });
-    return statement.rows() > 1;
+    statement.tell();
 }
 
 void Table::check(std::span<const Cell> cells) const {
@@ -85,16 +86,7 @@ void Table::check(std::span<const Cell> cells) const {
 void Table::erase(Row_Place id) const {
     Statement statement(*engine_);
     engine_->change([&] { statement.erase(id_, id); }, [&] { statement.apply(); });
-}
-
-std::vector<Follower> Table::followers(Row_Place id) const {
-    return engine_->watch([&] {
-        const Reading reading(*engine_);
-        std::vector<Follower> found;
-        for (const auto& [table, row] : Statement(*engine_).followers(id_, id))
-            found.push_back({Table(*engine_, table), row});
-        return found;
-    });
+    statement.tell();
 }
 
 Database::Database(std::unique_ptr<Engine> engine) : engine_(std::move(engine)) {}
@@ -112,6 +104,7 @@ Database Database::create(files::Disk& disk, const std::string& path, std::optio
     return database;
 }
 
+void Database::watch(Change_Watcher* watcher) { engine_->watcher = watcher; }
 void Database::set_date(std::optional<double> days) { engine_->set_date(days); }
 
 Status Database::status() const { return engine_->status(); }

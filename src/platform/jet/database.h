@@ -94,8 +94,6 @@ struct Inserted {
     std::int32_t auto_number = 0; ///< 0 where the table has no such column
 };
 
-struct Follower;
-
 /// A table; cheap to copy, must not outlive its Database. After a change of its columns or indexes
 /// (by this copy or another) the same object shows the new ones; references that it has given out
 /// end then.
@@ -132,18 +130,14 @@ public:
         return insert(std::span<const Cell>(cells.begin(), cells.size()));
     }
     /// Changes the given cells; refuses as insert() does. Cascades of relations are followed.
-    /// @return whether they have changed other rows, too.
-    bool update(Row_Place id, std::span<const Cell> cells, Origin origin = Origin::typed) const;
-    bool update(Row_Place id, std::initializer_list<Cell> cells) const {
-        return update(id, std::span<const Cell>(cells.begin(), cells.size()));
+    void update(Row_Place id, std::span<const Cell> cells, Origin origin = Origin::typed) const;
+    void update(Row_Place id, std::initializer_list<Cell> cells) const {
+        update(id, std::span<const Cell>(cells.begin(), cells.size()));
     }
     /// Refuses what insert() would for the values alone, whatever other rows hold.
     void check(std::span<const Cell> cells) const;
     /// Refused when rows of an enforced relation refer to it, unless the relation cascades.
     void erase(Row_Place id) const;
-    /// The rows that would go, or lose their reference, with this one: relations of other programs
-    /// may say so. Nearer ones come first. Refuses as erase() does.
-    std::vector<Follower> followers(Row_Place id) const;
 
 private:
     friend class Database;
@@ -154,10 +148,15 @@ private:
     std::uint32_t id_;
 };
 
-/// A row that a relation takes along.
-struct Follower {
-    Table table;
-    Row_Place row;
+/// Told of every row that is added (nothing before), changed or deleted (nothing after) by this
+/// copy, with all of its values. Rows that a relation takes along are told before the row that they
+/// follow. The change may still be rolled back with the transaction around it.
+class Change_Watcher {
+public:
+    virtual ~Change_Watcher() = default;
+    /// @param table see Database::table(number)
+    virtual void row_changed(std::uint32_t table, Row_Place row, const std::vector<Value>& before,
+                             const std::vector<Value>& after) = 0;
 };
 
 class Database {
@@ -185,7 +184,9 @@ public:
 
     /// User tables in the order of the catalogue; with `system` the others too.
     std::vector<Table> tables(bool system = false);
-    std::optional<Table> table(std::u16string_view name); ///< system tables too
+    std::optional<Table> table(std::u16string_view name);            ///< system tables too
+    Table table(std::uint32_t number) { return {*engine_, number}; } ///< one that was told
+    void watch(Change_Watcher* watcher);                             ///< at most one; nullptr: none
     std::vector<Relation> relations();
 
     /// Makes a table with its indexes; lengths and types as in Column.

@@ -99,6 +99,9 @@ public:
     void forget();
     void forget_table(Page_Number id);
 
+    /// Told of every change; nullptr: nobody.
+    Change_Watcher* watcher = nullptr;
+
     Heap_Hints& hints() { return hints_; }
     /// Up to where the autonumbers behind the counter are known to be free: a row has got its
     /// number since something may have been changed elsewhere. Nothing: not known.

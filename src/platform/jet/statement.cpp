@@ -50,33 +50,19 @@ Statement::Planned* Statement::planned(Page_Number table, Row_Place row) {
     return found == places_.end() ? nullptr : &plan_[found->second];
 }
 
-std::vector<Value> Statement::read_indexed(const Table_State& table, Row_Place row) {
-    const auto& definition = *table.definition;
-    Row_Source source(engine_.pager(), definition);
-    if (!source.find(row))
-        throw Error(Failure::not_found, to_utf8(table.object.name), "no such row");
-    std::vector<Value> values(definition.columns.size());
-    for (const auto& real : definition.reals)
-        for (const auto& part : real.columns) {
-            const auto position = position_of(definition, part.column);
-            values[position] = value_at(source, position);
-        }
-    return values;
-}
-
 /// The plan for a row that exists; the one that is there already or a new one.
 Statement::Planned& Statement::plan(const Table_State& table, Row_Place row, Kind kind) {
     const auto id = table.object.page();
     auto* known = planned(id, row);
     if (known == nullptr) {
-        auto before = read_indexed(table, row);
+        auto stored = writer(table).stored(row, engine_.watcher != nullptr);
+        if (!stored) throw Error(Failure::not_found, to_utf8(table.object.name), "no such row");
         places_[{id, row}] = plan_.size();
         known = &plan_.emplace_back();
         known->table = id;
-        known->row = row;
-        known->values = before;
-        known->changed.resize(before.size());
-        known->before = std::move(before);
+        known->values = stored->values;
+        known->changed.resize(stored->values.size());
+        known->stored = *std::move(stored);
     } else if (known->kind == Kind::erase || kind == Kind::update) {
         kind = known->kind;
     }
@@ -100,7 +86,7 @@ Statement::Planned& Statement::plan_insert(const Table_State& table, std::span<c
     const auto columns = table.columns.size();
     auto& row = plan_.emplace_back();
     row.table = table.object.page();
-    row.before.resize(columns);
+    row.stored.values.resize(columns);
     row.values.resize(columns);
     row.changed.resize(columns);
     for (const auto& cell : cells) set_cell(table, row, cell.column, cell.value);
@@ -209,18 +195,6 @@ void Statement::erase(Page_Number id, Row_Place row) {
     finish_plan();
 }
 
-std::vector<std::pair<Page_Number, Row_Place>> Statement::followers(Page_Number id, Row_Place row) {
-    const auto& logicals = writable_table(id).definition->logicals;
-    const bool referenced = std::any_of(logicals.begin(), logicals.end(), [](const auto& index) {
-        return index.relation(Side::referenced);
-    });
-    std::vector<std::pair<Page_Number, Row_Place>> found;
-    if (!referenced) return found;
-    erase(id, row);
-    for (std::size_t i = 1; i < plan_.size(); ++i) found.emplace_back(plan_[i].table, plan_[i].row);
-    return found;
-}
-
 void Statement::finish_plan() {
     while (!to_follow_.empty()) {
         const auto place = to_follow_.front();
@@ -253,7 +227,7 @@ const Logical_Index& Statement::partner(const Logical_Index& index,
 /// Finds the rows that refer to a row which goes or gets another key.
 void Statement::follow(const Table_State& table, Planned& row, const Logical_Index& index) {
     const auto& real = table.definition->reals[index.real];
-    const auto before = values_of(*table.definition, real, row.before);
+    const auto before = values_of(*table.definition, real, row.stored.values);
     const auto after = values_of(*table.definition, real, row.values);
     const auto& columns = table.shapes[index.real].columns;
     if (any_null(before)) return;
@@ -289,14 +263,14 @@ void Statement::follow_to(const Table_State& child, Row_Place child_row, const P
 
 Inserted Statement::apply() {
     Inserted inserted;
-    for (const auto& row : plan_) {
+    for (auto& row : plan_) {
         auto table_writer = writer(engine_.table(row.table));
         if (row.kind == Kind::erase) {
-            table_writer.erase(row.row);
+            table_writer.erase(row.stored);
         } else if (row.kind == Kind::update) {
-            table_writer.update(row.row, row);
+            table_writer.update(row.stored, row);
         } else {
-            inserted.id = table_writer.insert(row);
+            inserted.id = row.stored.id = table_writer.insert(row);
             inserted.auto_number = row.auto_number.value_or(0);
         }
         if (!row.auto_number) continue;
@@ -307,6 +281,28 @@ Inserted Statement::apply() {
         if (row.free_numbers) engine_.note_free_numbers(row.table, *row.free_numbers);
     }
     return inserted;
+}
+
+/// As they will be read: a text of fixed length comes back with its blanks.
+std::vector<Value> Statement::values_after(const Planned& row) const {
+    const auto& definition = *engine_.table(row.table).definition;
+    auto values = row.values;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        const auto& column = definition.columns[i];
+        if (row.changed[i] && column.fixed() && column.type == Column_Type::text && row.cells[i])
+            values[i] = decode_cell(engine_.pager(), *definition.layout, column,
+                                    View(*row.cells[i], row.table));
+    }
+    return values;
+}
+
+void Statement::tell() const {
+    if (engine_.watcher == nullptr) return;
+    static const std::vector<Value> nothing;
+    for (auto row = plan_.rbegin(); row != plan_.rend(); ++row)
+        engine_.watcher->row_changed(row->table, row->stored.id,
+                                     row->kind == Kind::insert ? nothing : row->stored.values,
+                                     row->kind == Kind::erase ? nothing : values_after(*row));
 }
 
 } // namespace jet

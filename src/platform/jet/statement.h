@@ -24,20 +24,17 @@ public:
     void erase(Page_Number table, Row_Place row);
     /// Refuses what insert() would for the values alone, whatever the other rows hold.
     void check(Page_Number table, std::span<const Cell> cells);
-    /// What erasing a row would delete or change besides.
-    std::vector<std::pair<Page_Number, Row_Place>> followers(Page_Number table, Row_Place row);
     /// @return the row that was inserted, if any.
     Inserted apply();
-    /// So many rows are changed.
-    std::size_t rows() const { return plan_.size(); }
+    /// Tells the engine's watcher what has been changed, rows that a relation took along first.
+    void tell() const;
 
 private:
     enum class Kind { insert, update, erase };
     struct Planned : New_Row {
         Kind kind = Kind::insert;
         Page_Number table = 0;
-        Row_Place row;
-        std::vector<Value> before;               ///< the columns of indexes; others are null
+        Stored_Row stored; ///< as it was; of one that is inserted only the place, once it has one
         std::optional<std::int32_t> auto_number; ///< set by this statement
         /// The number is the next one, and those behind it are free up to this.
         std::optional<std::int32_t> free_numbers;
@@ -59,7 +56,7 @@ private:
                                                const std::string& reason);
     const Table_State& writable_table(Page_Number id);
     Table_Writer writer(const Table_State& table);
-    std::vector<Value> read_indexed(const Table_State& table, Row_Place row);
+    std::vector<Value> values_after(const Planned& row) const;
     Planned* planned(Page_Number table, Row_Place row);
     Planned& plan(const Table_State& table, Row_Place row, Kind kind);
     void plan_update(const Table_State& table, Row_Place row, std::span<const Cell> cells);

@@ -46,10 +46,9 @@ void Statement::check_values(const Table_State& table, Planned& row) {
             refuse(table.columns[i].name, "must not be null");
     auto longest = restored ? longest_on_page : longest_row;
     Raw_Cells kept(definition.columns.size());
-    Row_Source source(engine_.pager(), definition);
-    if (row.kind == Kind::update && source.find(row.row)) {
-        kept = raw_cells(definition, source.row());
-        longest = std::max(longest, source.row().bytes().size());
+    if (row.kind == Kind::update) {
+        kept = row.stored.cells;
+        longest = std::max(longest, row.stored.size);
     }
     if (!lay_out(definition, row, kept, longest, origin_))
         refuse(table.object.name, "the row is too long");
@@ -62,7 +61,7 @@ void Statement::check_index(const Table_State& table, const Planned& row, std::s
     const auto values = values_of(definition, index, row.values);
     const auto key = key_of(shape.columns, values);
     if (row.kind == Kind::update &&
-        key == key_of(shape.columns, values_of(definition, index, row.before)))
+        key == key_of(shape.columns, values_of(definition, index, row.stored.values)))
         return;
     const auto& name = name_of(definition, real);
     const auto rule = null_rule(shape, values);
@@ -107,7 +106,8 @@ void Statement::check_reference(const Table_State& table, const Planned& row,
     const auto values = values_of(*table.definition, real, row.values);
     if (all_null(values)) return;
     if (row.kind == Kind::update &&
-        key_of(columns, values) == key_of(columns, values_of(*table.definition, real, row.before)))
+        key_of(columns, values) ==
+            key_of(columns, values_of(*table.definition, real, row.stored.values)))
         return;
     const auto& parent = engine_.table(index.partner_table);
     const auto& other = partner(index, parent);

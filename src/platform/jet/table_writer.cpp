@@ -12,7 +12,6 @@ constexpr std::size_t longest_one_row = 4076;
 constexpr std::size_t longest_piece = 4072; ///< a pointer to the next one goes before it
 constexpr std::size_t unique_count_in_block = 4;
 
-Row_Place pointer(Row_Place id) { return {id.page, id.slot}; }
 } // namespace
 
 Row_Heap Table_Writer::heap() const {
@@ -77,14 +76,20 @@ std::optional<Bytes> Table_Writer::stored_cell(const New_Row& row, std::size_t c
                   : row.cells[column];
 }
 
-std::vector<Value> Table_Writer::values_of(const Row_Source& source) const {
-    std::vector<Value> values(definition_->columns.size());
-    for (const auto& real : definition_->reals)
-        for (const auto& part : real.columns) {
-            const auto position = position_of(*definition_, part.column);
-            values[position] = value_at(source, position);
-        }
-    return values;
+std::optional<Stored_Row> Table_Writer::stored(Row_Place id, bool all) const {
+    Row_Source source(*pager_, *definition_);
+    if (!source.find(id)) return std::nullopt;
+    Stored_Row row{id, source.place(), std::vector<Value>(definition_->columns.size()),
+                   raw_cells(*definition_, source.row()), source.row().bytes().size()};
+    if (all)
+        for (std::size_t i = 0; i < row.values.size(); ++i) row.values[i] = value_at(source, i);
+    else
+        for (const auto& real : definition_->reals)
+            for (const auto& part : real.columns) {
+                const auto position = position_of(*definition_, part.column);
+                row.values[position] = value_at(source, position);
+            }
+    return row;
 }
 
 void Table_Writer::add_to_count(std::size_t at, std::int32_t by) {
@@ -94,7 +99,7 @@ void Table_Writer::add_to_count(std::size_t at, std::int32_t by) {
 }
 
 void Table_Writer::add_entry(std::size_t real, const Bytes& key, Row_Place id) {
-    if (tree(real).insert(space_, key, pointer(id)))
+    if (tree(real).insert(space_, key, id))
         add_to_count(
             jet4_layout.blocks + jet4_layout.entry_count_size * real + unique_count_in_block, 1);
 }
@@ -112,47 +117,41 @@ Row_Place Table_Writer::insert(const New_Row& row) {
 void Table_Writer::replace_row(Row_Place id, Row_Place place, const Bytes& row) {
     auto rows = heap();
     const bool moved = place != id;
-    if (rows.replace(pointer(id), row, Slot_Kind::live)) { // a moved row may find room at home
-        if (moved) rows.remove(pointer(place));
+    if (rows.replace(id, row, Slot_Kind::live)) { // a moved row may find room at home
+        if (moved) rows.remove(place);
         return;
     }
-    if (moved && rows.replace(pointer(place), row, Slot_Kind::moved)) return;
+    if (moved && rows.replace(place, row, Slot_Kind::moved)) return;
     const auto at = rows.add(row, Slot_Kind::moved);
-    if (moved) rows.remove(pointer(place));
+    if (moved) rows.remove(place);
     Bytes to_it(4);
     store_u32(to_it.data(), at.number());
-    rows.replace(pointer(id), to_it, Slot_Kind::pointer);
+    rows.replace(id, to_it, Slot_Kind::pointer);
 }
 
-void Table_Writer::update(Row_Place id, const New_Row& row) {
-    Row_Source source(*pager_, *definition_);
-    if (!source.find(id)) throw damaged(id.page, "a row that is no longer there");
-    const auto before = values_of(source);
-    auto cells = raw_cells(*definition_, source.row());
+void Table_Writer::update(const Stored_Row& before, const New_Row& row) {
+    auto cells = before.cells;
     Raw_Cells replaced(cells.size());
     for (std::size_t i = 0; i < cells.size(); ++i)
         if (row.changed[i]) replaced[i] = std::exchange(cells[i], stored_cell(row, i));
-    replace_row(id, source.place(), encode_row(*definition_, cells));
+    replace_row(before.id, before.place, encode_row(*definition_, cells));
     free_long_values(replaced);
     for (std::size_t real = 0; real < definition_->reals.size(); ++real) {
-        const auto old_key = key(real, before);
+        const auto old_key = key(real, before.values);
         const auto new_key = key(real, row.values);
         if (old_key == new_key) continue;
-        if (old_key) tree(real).erase(space_, *old_key, pointer(id));
-        if (new_key) add_entry(real, *new_key, id);
+        if (old_key) tree(real).erase(space_, *old_key, before.id);
+        if (new_key) add_entry(real, *new_key, before.id);
     }
 }
 
-void Table_Writer::erase(Row_Place id) {
-    Row_Source source(*pager_, *definition_);
-    if (!source.find(id)) throw damaged(id.page, "a row that is no longer there");
-    const auto before = values_of(source);
-    free_long_values(raw_cells(*definition_, source.row()));
+void Table_Writer::erase(const Stored_Row& row) {
+    free_long_values(row.cells);
     auto rows = heap();
-    if (source.place() != id) rows.remove(pointer(source.place()));
-    rows.remove(pointer(id));
+    if (row.place != row.id) rows.remove(row.place);
+    rows.remove(row.id);
     for (std::size_t real = 0; real < definition_->reals.size(); ++real)
-        if (const auto entry = key(real, before)) tree(real).erase(space_, *entry, pointer(id));
+        if (const auto entry = key(real, row.values)) tree(real).erase(space_, *entry, row.id);
     add_to_count(jet4_layout.row_count, -1);
 }
 

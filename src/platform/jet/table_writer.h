@@ -9,6 +9,15 @@
 
 namespace jet {
 
+/// A row as it stands in the file, located once for all that is done with it.
+struct Stored_Row {
+    Row_Place id;
+    Row_Place place;           ///< where its bytes are
+    std::vector<Value> values; ///< those of indexes; others only where somebody wants them
+    Raw_Cells cells;
+    std::size_t size = 0; ///< of the whole row, in bytes
+};
+
 /// Stores, changes and removes rows of one table with everything that hangs on them: long values,
 /// all indexes, maps and counts. It checks nothing: whatever may be refused was refused before.
 class Table_Writer {
@@ -17,10 +26,12 @@ public:
         : pager_(&pager), space_(pager), hints_(&hints), table_(&table),
           definition_(table.definition.get()) {}
 
+    /// @param all also the values that are in no index. @return nothing when there is no such row
+    std::optional<Stored_Row> stored(Row_Place id, bool all) const;
     Row_Place insert(const New_Row& row);
     /// The cells that are not set keep their bytes.
-    void update(Row_Place id, const New_Row& row);
-    void erase(Row_Place id);
+    void update(const Stored_Row& before, const New_Row& row);
+    void erase(const Stored_Row& row);
 
     /// Writes the row anew with all columns of the table, for a table that has got its first
     /// variable column. @param before the definition by which the rows were written.
@@ -43,7 +54,6 @@ private:
     void replace_row(Row_Place id, Row_Place place, const Bytes& row);
     void add_entry(std::size_t real, const Bytes& key, Row_Place id);
     void add_to_count(std::size_t at, std::int32_t by);
-    std::vector<Value> values_of(const Row_Source& source) const;
 
     Pager* pager_;
     mutable Page_Space space_;

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
 #include <optional>
 #include <string>
@@ -46,6 +47,25 @@ jet::Column column(std::u16string name, jet::Column_Type type = jet::Column_Type
                    std::size_t length = 0);
 jet::Index primary_key(std::u16string column_name);
 
+/// Hears of every changed row, and finds it as it was told.
+class Told final : public jet::Change_Watcher {
+public:
+    explicit Told(jet::Database& database) : database_(database) { database_.watch(this); }
+    ~Told() override { database_.watch(nullptr); }
+    void row_changed(std::uint32_t table, jet::Row_Place row, const std::vector<jet::Value>& before,
+                     const std::vector<jet::Value>& after) override {
+        if (!after.empty()) {
+            const auto found = database_.table(table).row(row);
+            EXPECT_TRUE(found && std::ranges::equal(*found, after, jet::same_value));
+        }
+        firsts.push_back((after.empty() ? before : after)[0]);
+    }
+    std::vector<jet::Value> firsts; ///< values of the rows
+
+private:
+    jet::Database& database_;
+};
+
 /// Tables of our own on an empty file.
 class Own_Table : public testing::Test {
 protected:
@@ -56,8 +76,16 @@ protected:
         indexes.insert(indexes.begin(), primary_key(u"id"));
         return database.create_table(u"T", columns, indexes);
     }
+    /// How many rows were told while `action` ran.
+    template <typename Action>
+    std::size_t changed(Action action) {
+        told.firsts.clear();
+        action();
+        return told.firsts.size();
+    }
     files::Memory_Disk disk;
     jet::Database database = jet::Database::create(disk, path);
+    Told told{database};
 };
 
 } // namespace fixture

@@ -112,7 +112,10 @@ public:
         else
             transaction.commit();
     }
-    void reopen() { database_ = jet::Database::open(*disk_, path, jet::Mode::read_write); }
+    void reopen() {
+        database_ = jet::Database::open(*disk_, path, jet::Mode::read_write);
+        database_.watch(&told_);
+    }
     jet::Database& database() { return database_; }
 
     void compare() {
@@ -301,6 +304,7 @@ private:
     files::Disk* disk_;
     std::mt19937 random_;
     jet::Database database_;
+    fixture::Told told_{database_}; ///< each change is told as it will be read
 };
 
 /// Ten steps a transaction on the average.
