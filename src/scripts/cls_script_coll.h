@@ -32,7 +32,10 @@ public:
     std::shared_ptr<cls_script> Item(std::int32_t position) const;
     void Remove(std::int32_t position); ///< @throws Error (missing)
     bool exists(std::int32_t position) const { return position >= 1 && position <= Count(); }
-    void Clear() { scripts_.clear(); }
+    void Clear() {
+        scripts_.clear();
+        SetID = 0;
+    }
     std::int32_t States_Left_Out() const; ///< of all scripts
 
     std::span<const std::shared_ptr<cls_script>> NewEnum() const { return scripts_; }

@@ -76,9 +76,6 @@ public:
     auto begin() const { return children_.begin(); }
     auto end() const { return children_.end(); }
 
-    /// Gives back memory that was held for further children.
-    void shrink() { children_.shrink_to_fit(); }
-
 protected:
     void append(Pointer child) {
         children_.push_back(std::move(child));

@@ -31,7 +31,6 @@ public:
     bool begin();      ///< @return false: nothing can be changed, and why is noted
     void begin_lost(); ///< an operation in which nothing is done
     bool end(bool keep);
-    bool is_inner() const { return depth_ > 1; }
     void is_upkeep() { record_.upkeep = depth_ == 1; } ///< nobody asked for what it does
     /// What it has changed up to now.
     const std::vector<Row_Change>& changes() const { return record_.rows; }

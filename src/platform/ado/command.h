@@ -13,7 +13,6 @@ public:
     Command() = default;
     explicit Command(Connection& connection) : connection_(&connection) {}
 
-    void bind(Connection& connection) { connection_ = &connection; }
     Connection& connection() const; ///< throws Error (closed) when there is none
     QString text;
 

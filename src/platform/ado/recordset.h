@@ -25,7 +25,6 @@ public:
     /// long ones of other programs; none: all
     void open(const Command& command, std::vector<QString> wanted = {});
     void close(); ///< nothing when it is closed
-    bool is_open() const { return connection_ != nullptr; }
 
     int record_count();
     bool at_end();

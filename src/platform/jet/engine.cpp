@@ -210,12 +210,6 @@ void Engine::forget() {
     numbered_.clear();
 }
 
-void Engine::forget_table(Page_Number id) {
-    const auto found = tables_.find(id);
-    if (found != tables_.end()) found->second.definition.reset();
-    if (id == objects_page) objects_known_ = false;
-}
-
 const std::vector<Object>& Engine::objects() {
     if (objects_known_) return objects_;
     const Reading reading(*this);

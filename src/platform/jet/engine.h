@@ -97,7 +97,6 @@ public:
 
     /// What was known of tables and catalogue no longer holds.
     void forget();
-    void forget_table(Page_Number id);
 
     /// Told of every change; nullptr: nobody.
     Change_Watcher* watcher = nullptr;

@@ -24,7 +24,6 @@ public:
         return at < size() ? std::to_integer<std::uint32_t>(bytes_[at]) : 0;
     }
     std::uint32_t u16(std::size_t at) const { return u8(at) | u8(at + 1) << 8; }
-    std::uint32_t u24(std::size_t at) const { return u16(at) | u8(at + 2) << 16; }
     std::uint32_t u32(std::size_t at) const { return u16(at) | u16(at + 2) << 16; }
     std::uint64_t u64(std::size_t at) const { return u32(at) | std::uint64_t{u32(at + 4)} << 32; }
     std::uint32_t u32_be(std::size_t at) const {
