@@ -1,5 +1,6 @@
 #include "ui/main/project_texts.h"
 
+#include "app/one_line.h"
 #include "ui/main/texts.h"
 
 #include <QStringList>
@@ -52,12 +53,12 @@ std::int64_t count(const vqx_export::Left_Out_CVs& cvs) {
 QString sentence(const Refusal& refusal, const Script_Names& name_of) {
     QString place;
     if (refusal.SetID != 0) {
-        place = u"Set %1 „"_qs.arg(refusal.set_number) + refusal.set_name + u'“';
+        place = u"Set %1 „"_qs.arg(refusal.set_number) + app::in_one_line(refusal.set_name) + u'“';
     }
     if (refusal.script > 0) {
         const QString name = name_of(refusal.ScriptID);
         place += u", Script %1"_qs.arg(refusal.script);
-        if (!name.isEmpty()) place += u" „"_qs + name + u'“';
+        if (!name.isEmpty()) place += u" „"_qs + app::in_one_line(name) + u'“';
     }
     if (refusal.line >= 0) place += u", Zeile %1"_qs.arg(refusal.line);
     return place.isEmpty() ? words(refusal) + u'.' : place + u": "_qs + words(refusal) + u'.';

@@ -299,14 +299,6 @@ QString sentence(const store::Undo_Name& step) {
     return said;
 }
 
-QString in_one_line(QString text) {
-    for (QChar& unit : text)
-        if (unit.category() == QChar::Other_Control || unit == QChar::LineSeparator ||
-            unit == QChar::ParagraphSeparator)
-            unit = u' ';
-    return text;
-}
-
 QString reason(files::Failure failure) {
     switch (failure) {
     case files::Failure::denied:

@@ -191,8 +191,6 @@ QString sentence(const files::Error& error, const QString& database, const QStri
 /// What a step has done: "14 CVs gelöscht".
 QString sentence(const store::Undo_Name& step);
 /// Why a file could not be written, as the end of a sentence.
-/// A text of the library as one line, whatever other programs have put into it.
-QString in_one_line(QString text);
 QString reason(files::Failure failure);
 /// Why a library cannot be changed, as the end of a sentence.
 /// @param journal_owner whose journal stands in the way, if one does
