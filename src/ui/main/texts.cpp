@@ -140,8 +140,8 @@ constexpr Entry table[] = {
     {Text::cvs_without_set, u"Ausgelassene CVs, weil kein CV-Set gewählt ist: %1."},
     {Text::names_cut, u"Auf die Spaltenbreite gekürzte Namen: %1."},
 
-    {Text::step_undone, u"Rückgängig: %1"},
-    {Text::step_redone, u"Wiederholt: %1"},
+    {Text::step_undone, u"Rückgängig: %1."},
+    {Text::step_redone, u"Wiederholt: %1."},
     {Text::nothing_to_undo, u"Es gibt nichts rückgängig zu machen."},
     {Text::nothing_to_redo, u"Es gibt nichts zu wiederholen."},
     {Text::step_changed_elsewhere, u"„%1“ lässt sich nicht mehr umkehren: Ein anderes Programm hat "

@@ -1,5 +1,6 @@
 #include "main_window.h"
 
+#include "app/one_line.h"
 #include "app/ui/frm_Settings.h"
 #include "store/undo_library.h"
 
@@ -53,6 +54,23 @@ struct Extras_Test : Main_Window_Test {
         store::clsDBConn other(disk);
         other.Connection_Start(QString::fromUtf8(default_path));
         EXPECT_TRUE(work(other));
+    }
+    /// Both lists are those that another copy of the program would fill now.
+    void expect_lists_of_library() {
+        struct Lines final : store::List_Filler {
+            std::vector<std::string> all;
+            void clear() override { all.clear(); }
+            void add(const QString& text, std::int32_t) override {
+                all.push_back(app::in_one_line(text).toStdString());
+            }
+        } of_sets, of_cvs;
+        elsewhere([&](store::clsDBConn& other) {
+            other.Fill_Sets_in_Listbox(of_sets, app::globals.AktResCV);
+            other.Fill_CVs_in_Listbox(of_cvs, sets().selected_key());
+            return true;
+        });
+        EXPECT_EQ(rows(sets()), of_sets.all);
+        EXPECT_EQ(rows(cvs()), of_cvs.all);
     }
     void delete_elsewhere(std::int32_t SetID) {
         elsewhere([&](store::clsDBConn& other) { return other.DB_Del_CVSet(SetID); });
@@ -118,8 +136,9 @@ TEST_F(Extras_Test, every_command_goes_back_and_forth) {
         SCOPED_TRACE(std::string("undo ") + commands[i].name);
         undo();
         EXPECT_EQ(undo::difference(content(), states[i]), "");
-        EXPECT_EQ(status(), std::string("Rückgängig: ") + commands[i].step);
+        EXPECT_EQ(status(), std::string("Rückgängig: ") + commands[i].step + ".");
         EXPECT_FALSE(selected(sets()).empty());
+        expect_lists_of_library();
     }
     undo();
     EXPECT_EQ(status(), "Es gibt nichts rückgängig zu machen.");
@@ -128,6 +147,7 @@ TEST_F(Extras_Test, every_command_goes_back_and_forth) {
         redo();
         EXPECT_EQ(undo::difference(content(), states[i + 1]), "");
         EXPECT_THAT(status(), HasSubstr("Wiederholt: "));
+        expect_lists_of_library();
     }
     redo();
     EXPECT_EQ(status(), "Es gibt nichts zu wiederholen.");
@@ -151,7 +171,7 @@ TEST_F(Extras_Test, a_field_keeps_the_keys_only_for_what_was_typed_into_it) {
     EXPECT_EQ(rows(cvs()), stored);
     undo();
     EXPECT_NE(rows(cvs()), stored);
-    EXPECT_EQ(status(), "Rückgängig: CV 3 gespeichert");
+    EXPECT_EQ(status(), "Rückgängig: CV 3 gespeichert.");
     redo();
     redo();
     EXPECT_EQ(rows(cvs()), after);
