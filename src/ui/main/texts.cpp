@@ -53,6 +53,7 @@ constexpr Entry table[] = {
     {Text::ok, u"OK"},
     {Text::cancel, u"Cancel"},
     {Text::name_cut, u"Der Name wurde auf %1 Zeichen gekürzt."},
+    {Text::name_full, u"Der Name hat höchstens %1 Zeichen."},
     {Text::number_too_high, u"Die Set-Nummer geht bis %1."},
 
     {Text::opened, u"„%1“ geöffnet, CV-Sets: %2."},

@@ -51,6 +51,7 @@ enum class Text {
     ok,
     cancel,
     name_cut,        ///< %1 characters
+    name_full,       ///< %1 characters
     number_too_high, ///< %1 highest
 
     opened,              ///< %1 file, %2 number of sets

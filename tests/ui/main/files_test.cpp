@@ -1,10 +1,7 @@
 #include "main_window.h"
 
-#include "platform/jet/database.h"
-
 #include <QMenu>
 #include <algorithm>
-#include <map>
 
 using namespace ui_main;
 using testing::ElementsAre;
@@ -34,14 +31,6 @@ struct Files_Test : Main_Window_Test {
     void open(const std::string& path) {
         desktop.expect_open(QString::fromStdString(path));
         choose("mnu_open_database");
-    }
-    /// Adds a row behind the back of the program. @return its key
-    std::int32_t put_row(const char16_t* table, const std::map<const char16_t*, jet::Value>& row) {
-        auto library = jet::Database::open(disk, default_path, jet::Mode::read_write);
-        const jet::Table stored = library.table(table).value();
-        std::vector<jet::Cell> cells;
-        for (const auto& [name, value] : row) cells.push_back({stored.column(name).value(), value});
-        return stored.insert(cells).auto_number;
     }
     static std::string hint(Entry_List& list) { return list.accessibleDescription().toStdString(); }
     std::string title() { return window->windowTitle().toStdString(); }
