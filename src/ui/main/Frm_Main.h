@@ -96,6 +96,7 @@ private:
     void say_missing_copy(); ///< that no backup could be made, if so
     /// Says what a command did, what loading has left out, and what was refused.
     void say_outcome(const QString& done);
+    void say_of_choice(); ///< the same, when the user has chosen another set or view
     static QString with_left_out(const QString& sentence);
     /// Whether there are CV sets to work on; says why not.
     bool expect_library();

@@ -19,6 +19,17 @@ void Status_Line::say(const QString& said) {
     if (commands_ == 0 || !std::exchange(spoken_, true)) message_.clear();
     if (!message_.contains(sentence)) message_.append(sentence);
     last_ = sentence;
+    show_message();
+}
+
+void Status_Line::forget() {
+    if (commands_ > 0 && spoken_) return;
+    message_.clear();
+    last_.clear();
+    show_message();
+}
+
+void Status_Line::show_message() {
     setText(message_.join(u' '));
     setToolTip(text().toHtmlEscaped());
 }

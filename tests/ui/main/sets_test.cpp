@@ -258,6 +258,24 @@ TEST_F(Sets_Test, what_has_no_room_in_the_name_is_refused_and_moves_nothing) {
     }
 }
 
+TEST_F(Sets_Test, what_was_said_of_a_set_goes_when_another_is_chosen) {
+    const struct {
+        const char* what;
+        std::function<void()> choose_other;
+    } ways[] = {{"click", [&] { click_row(sets(), 1); }},
+                {"key", [&] { sets().setFocus(), press(Qt::Key_Down); }},
+                {"view", [&] { click_option("opt_rescv_1"); }},
+                {"family", [&] { click_option("opt_dec_1"); }}};
+    for (const auto& way : ways) {
+        SCOPED_TRACE(way.what);
+        sets().setFocus();
+        press(Qt::Key_Delete); // which chooses the first by itself
+        EXPECT_THAT(status(), HasSubstr("gelöscht"));
+        way.choose_other();
+        EXPECT_EQ(status(), "");
+    }
+}
+
 TEST_F(Sets_Test, the_menu_asks_before_deleting_and_the_key_does_not) {
     const auto before = rows(sets());
     desktop.expect_question(QStringLiteral("Achtung"), QStringLiteral("CV-Set löschen?"),
