@@ -168,6 +168,10 @@ private:
     void say_opening();
     void append_protection(QStringList& parts, const store::Opening& opening) const;
     bool make_database(const QString& path);
+    /// Why a file at this path can be neither read nor made, where the name alone tells it.
+    files::Failure true_reason(const QString& path, files::Failure told);
+    QString why_not_opened(const QString& path, const store::Trouble& trouble);
+    void say_not_made(const QString& path, files::Error reason);
 
     desktop::Desktop& desktop_;
     files::Disk& disk_;

@@ -61,6 +61,11 @@ constexpr Entry table[] = {
      u"„%1“ geöffnet; die Datei enthält keine CV-Sets (andere Art von Datenbank)."},
     {Text::opened_sets_lost, u"„%1“ geöffnet; die CV-Sets fehlen."},
     {Text::opened_unreadable, u"„%1“ geöffnet; die CV-Sets sind nicht lesbar."},
+    {Text::opens_no_file,
+     u"„%1“ ist keine Datei, sondern ein Ordner oder etwas anderes; bitte eine "
+     u"Datenbank (.mdb) öffnen."},
+    {Text::opens_too_long, u"„%1“: So lang kann ein Dateiname nicht sein; bitte eine Datenbank "
+                           u"(.mdb) öffnen."},
     {Text::lost_end, u"Es fehlen mindestens %1 von %2 KB."},
     {Text::lost_of, u"Davon betroffen: %1."},
     {Text::lost_sets, u"CV-Sets"},
@@ -121,6 +126,10 @@ constexpr Entry table[] = {
     {Text::database_not_made, u"„%1“ konnte nicht angelegt werden: %2"},
     {Text::reason_denied, u"In diesem Ordner darf nicht geschrieben werden."},
     {Text::reason_full, u"Der Datenträger ist voll."},
+    {Text::reason_no_file,
+     u"Unter diesem Namen liegt ein Ordner oder etwas anderes, das keine Datei "
+     u"ist; bitte einen anderen Namen wählen."},
+    {Text::reason_name_too_long, u"Der Name ist zu lang; bitte einen kürzeren wählen."},
     {Text::reason_other, u"Der Ordner ist nicht benutzbar."},
 
     {Text::nothing_selected_to_copy, u"Es ist keine CV gewählt; nichts kopiert."},
@@ -307,6 +316,10 @@ QString reason(files::Failure failure) {
         return text(Text::reason_denied);
     case files::Failure::disk_full:
         return text(Text::reason_full);
+    case files::Failure::no_file:
+        return text(Text::reason_no_file);
+    case files::Failure::name_too_long:
+        return text(Text::reason_name_too_long);
     default:
         return text(Text::reason_other);
     }

@@ -58,6 +58,8 @@ enum class Text {
     opened_without_sets, ///< %1 file
     opened_sets_lost,    ///< %1 file, whose end is missing
     opened_unreadable,   ///< %1 file
+    opens_no_file,       ///< %1 name of a folder, or of something else that is no file
+    opens_too_long,      ///< %1 name that no file can have
     lost_end,            ///< %1 missing, %2 whole, in KB
     lost_of,             ///< %1 what the missing end held
     lost_sets,
@@ -104,6 +106,8 @@ enum class Text {
     database_not_made, ///< %1 file, %2 reason
     reason_denied,
     reason_full,
+    reason_no_file,
+    reason_name_too_long,
     reason_other,
 
     nothing_selected_to_copy,

@@ -66,7 +66,12 @@ TEST_F(Files_Test, a_file_that_cannot_be_opened_leaves_nothing_open_but_is_recen
         const char* said;
     } cases[] = {{"/home/anna/text.mdb", "keine Datenbank"},
                  {"/home/anna/kaputt.mdb", "„kaputt.mdb“ ist beschädigt"},
-                 {"/home/anna/weg.mdb", "vorhanden"}};
+                 {"/home/anna/weg.mdb", "vorhanden"},
+                 {"/home/anna/ordner.mdb", "„ordner.mdb“ ist keine Datei, sondern ein Ordner"},
+                 {"/home/anna/pipe.mdb", "„pipe.mdb“ ist keine Datei"}};
+    disk.make_folder("/home/anna/ordner.mdb");
+    disk.set_bytes("/home/anna/pipe.mdb", {});
+    disk.make_special("/home/anna/pipe.mdb");
     for (const auto& c : cases) {
         desktop.expect_open(QString::fromUtf8(c.path));
         choose("mnu_open_database");
