@@ -118,7 +118,7 @@ private:
     void delete_set_at_once();
     void delete_shown_set(std::int32_t SetID, const QString& shown);
     QString with_cut(const QString& sentence, const frm_get_2_string& dialog) const;
-    QString shown_set() const;             ///< the selected entry of the set list
+    QString shown_set() const; ///< the selected entry of the set list, as sentences quote it
     int stored_number(std::int32_t SetID); ///< of the selected set
     void say_set_gone(const QString& set); ///< @param set as it was shown
     /// Takes a set out of view that another copy of the program has deleted, and says so.

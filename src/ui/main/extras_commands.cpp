@@ -78,7 +78,7 @@ void Frm_Main::restore_backup() {
     const QString file = app::current_database();
     const std::vector<store::Backup> copies = backups().copies_of(file);
     if (copies.empty()) {
-        if (!say_trouble()) say(text(Text::backups_none).arg(app::FileOf(file)));
+        if (!say_trouble()) say(text(Text::backups_none).arg(shortened(app::FileOf(file))));
         return;
     }
     const std::optional<store::Backup> chosen = frm_Backups(this, file, copies).choose();

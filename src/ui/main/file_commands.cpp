@@ -64,19 +64,21 @@ void Frm_Main::Open_Database() {
 files::Failure Frm_Main::true_reason(const QString& path, files::Failure told) {
     const std::string name = path.toStdString();
     try {
-        const std::optional<files::Look> look = disk_.look(disk_.resolve(name));
-        return look && !look->is_file ? files::Failure::no_file : told;
+        if (const std::optional<files::Look> look = disk_.look(disk_.resolve(name)))
+            return look->is_file ? told : files::Failure::no_file;
+        disk_.open(name, files::Access::read); // for its refusal: nothing stands there
     } catch (const files::Error& error) {
-        return error.kind == files::Failure::name_too_long ? error.kind : told;
+        if (error.kind == files::Failure::name_too_long) return error.kind;
     }
+    return told;
 }
 
 QString Frm_Main::why_not_opened(const QString& path, const store::Trouble& trouble) {
     switch (true_reason(path, files::Failure::device)) {
     case files::Failure::no_file:
-        return text(Text::opens_no_file).arg(app::FileOf(path));
+        return text(Text::opens_no_file).arg(shortened(app::FileOf(path)));
     case files::Failure::name_too_long:
-        return text(Text::opens_too_long).arg(app::FileOf(path));
+        return text(Text::opens_too_long).arg(shortened(app::FileOf(path)));
     default:
         return sentence(trouble);
     }
@@ -87,16 +89,15 @@ void Frm_Main::default_database_made() { backups().made_now(app::current_databas
 void Frm_Main::say_opening() {
     const store::Opening opening = database_.opening();
     const bool cut_off = opening.blocked == store::Blocked::cut_off;
+    const QString file = shortened(app::globals.Database_File);
     QStringList parts;
     if (database_.is_library()) {
         const int sets = database_.Get_Anz_CVSets();
-        parts.append(
-            sets_unreadable()
-                ? text(Text::opened_unreadable).arg(app::globals.Database_File)
-                : text(Text::opened).arg(app::globals.Database_File, QString::number(sets)));
+        parts.append(sets_unreadable() ? text(Text::opened_unreadable).arg(file)
+                                       : text(Text::opened).arg(file, QString::number(sets)));
     } else {
         const Text form = cut_off ? Text::opened_sets_lost : Text::opened_without_sets;
-        parts.append(text(form).arg(app::globals.Database_File));
+        parts.append(text(form).arg(file));
     }
     if (database_.is_library() || cut_off) append_protection(parts, opening);
     if (opening.recovered) parts.append(text(Text::recovered));
@@ -139,7 +140,7 @@ void Frm_Main::open_database() {
 void Frm_Main::reopen(int entry) {
     const QString path = mnu_open_last_->actions().at(entry)->data().toString();
     if (!app::is_database_name(path)) {
-        say(text(Text::not_a_database_name).arg(app::FileOf(path)));
+        say(text(Text::not_a_database_name).arg(shortened(app::FileOf(path))));
         return;
     }
     app::set_current_database(path);

@@ -18,7 +18,9 @@ std::int16_t to_16_bits(int number) {
 
 } // namespace
 
-QString Frm_Main::shown_set() const { return form_->lst_sets->currentIndex().data().toString(); }
+QString Frm_Main::shown_set() const {
+    return shortened(form_->lst_sets->currentIndex().data().toString());
+}
 
 void Frm_Main::say_set_gone(const QString& set) {
     QString said = text(Text::set_gone).arg(set);

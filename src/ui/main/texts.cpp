@@ -1,6 +1,7 @@
 #include "ui/main/texts.h"
 
 #include "app/mod_fileverwaltung.h"
+#include "store/set_name.h"
 
 #include <QHash>
 
@@ -291,7 +292,7 @@ QString sentence(const store::Trouble& trouble) {
     for (const Trouble_Entry& entry : troubles) {
         if (entry.kind != trouble.kind) continue;
         const QString form = QString::fromUtf16(entry.german);
-        return form.contains(u"%1") ? form.arg(app::FileOf(trouble.subject)) : form;
+        return form.contains(u"%1") ? form.arg(shortened(app::FileOf(trouble.subject))) : form;
     }
     return trouble.detail;
 }
@@ -302,11 +303,17 @@ QString sentence(const store::Undo_Name& step) {
         if (words.kind != step.kind) continue;
         said = QString::fromUtf16(step.count == 1 ? words.one : words.many);
         if (said.contains(u"%1"))
-            said.replace(u"%1"_qs, step.count == 1 ? step.subject : QString::number(step.count));
+            said.replace(u"%1"_qs,
+                         step.count == 1 ? shortened(step.subject) : QString::number(step.count));
     }
     if (step.cvs == 1) said += u" (mit 1 CV)"_qs;
     if (step.cvs > 1) said += u" (mit %1 CVs)"_qs.arg(step.cvs);
     return said;
+}
+
+QString shortened(const QString& name) {
+    constexpr int longest = 60;
+    return name.size() <= longest ? name : store::fitted_name(name, longest - 1) + u'…';
 }
 
 QString reason(files::Failure failure) {
@@ -364,9 +371,9 @@ QString reason(store::Blocked blocked, const QString& journal_owner) {
 QString sentence(const files::Error& error, const QString& database, const QString& template_path) {
     const QString subject = QString::fromStdString(error.subject);
     if (error.kind == files::Failure::not_found && subject == template_path) {
-        return text(Text::template_missing).arg(app::FileOf(template_path));
+        return text(Text::template_missing).arg(shortened(app::FileOf(template_path)));
     }
-    return text(Text::database_not_made).arg(database, reason(error.kind));
+    return text(Text::database_not_made).arg(shortened(database), reason(error.kind));
 }
 
 } // namespace ui_main

@@ -195,6 +195,8 @@ QString sentence(const store::Trouble& trouble);
 QString sentence(const files::Error& error, const QString& database, const QString& template_path);
 /// What a step has done: "14 CVs gelöscht".
 QString sentence(const store::Undo_Name& step);
+/// A name as sentences and menus quote it: not so long that it hides what else is said.
+QString shortened(const QString& name);
 /// Why a file could not be written, as the end of a sentence.
 QString reason(files::Failure failure);
 /// Why a library cannot be changed, as the end of a sentence.

@@ -352,6 +352,7 @@ TEST_F(Extras_Test, a_spoiled_copy_is_not_proposed_and_says_what_it_is) {
             auto& list = *dialog.findChild<QTreeWidget*>();
             EXPECT_EQ(list.currentIndex().row(), proposed);
             EXPECT_EQ(list.topLevelItem(0)->text(1), QString::fromUtf8(sets));
+            list.setCurrentItem(list.topLevelItem(0));
             press_button(dialog, button);
         });
         choose("mnu_restore");
@@ -360,6 +361,12 @@ TEST_F(Extras_Test, a_spoiled_copy_is_not_proposed_and_says_what_it_is) {
     disk.remove(folder + copies().at(0));
     look(0, "45 (unvollständig)", "cmd_restore");
     EXPECT_THAT(status(), HasSubstr("wiederhergestellt. Sie ist unvollständig."));
+    auto damaged = whole;
+    damaged.back() ^= std::byte{0x55};
+    damaged.at(damaged.size() - 4096 + 2) ^= std::byte{0x55};
+    disk.set_bytes(folder + "CV-Sets 2099-01-01 00-00-00.mdb", damaged);
+    look(1, "45 (beschädigt)", "cmd_restore");
+    EXPECT_THAT(status(), HasSubstr("wiederhergestellt. Sie ist beschädigt."));
 }
 
 TEST_F(Extras_Test, a_copy_is_kept_before_the_first_change_and_can_be_brought_back) {

@@ -221,6 +221,15 @@ TEST_F(Files_Test, creating_copies_the_template_and_asks_before_overwriting) {
     EXPECT_THAT(title(), HasSubstr("/home/anna/neu.mdb"));
     EXPECT_EQ(sets().count(), 0);
 
+    const std::string long_name(251, 'n');
+    for (const auto& [command, extension] :
+         {std::pair("mnu_create_database", ".mdb"), std::pair("mnu_export_oem", ".vqx")}) {
+        desktop.expect_save(QString::fromStdString("/home/anna/" + long_name + extension));
+        choose(command);
+        EXPECT_THAT(status(), HasSubstr("Der Name ist zu lang"));
+        EXPECT_THAT(status(), HasSubstr("„" + long_name.substr(0, 59) + "…“ konnte nicht"));
+    }
+
     disk.remove(template_path);
     desktop.expect_save(QStringLiteral("/home/anna/andere.mdb"));
     desktop.expect_question(attention, overwrite_database, Answer::yes);

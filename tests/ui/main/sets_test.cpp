@@ -209,7 +209,10 @@ TEST_F(Sets_Test, names_and_numbers_keep_within_the_column) {
     });
     choose("mnu_cvset_hinzu");
     EXPECT_THAT(selected(sets()), ElementsAre("32767 - " + std::string(99, 'a')));
-    EXPECT_THAT(status(), HasSubstr("auf 100 Zeichen gekürzt"));
+    EXPECT_EQ(status(), "CV-Set „32767 - " + std::string(51, 'a') +
+                            "…“ hinzugefügt. Der Name wurde auf 100 Zeichen gekürzt.");
+    choose("mnu_undo");
+    EXPECT_EQ(status(), "Rückgängig: CV-Set „" + std::string(59, 'a') + "…“ hinzugefügt.");
 }
 
 TEST_F(Sets_Test, what_has_no_room_in_the_name_is_refused_and_moves_nothing) {
