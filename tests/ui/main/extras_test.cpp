@@ -3,6 +3,7 @@
 #include "app/one_line.h"
 #include "app/ui/frm_Settings.h"
 #include "store/undo_library.h"
+#include "ui/main/frm_Backups.h"
 
 #include <QComboBox>
 #include <QMenu>
@@ -179,12 +180,12 @@ TEST_F(Extras_Test, a_field_keeps_the_keys_only_for_what_was_typed_into_it) {
 
 TEST_F(Extras_Test, the_menu_names_the_steps) {
     EXPECT_EQ(caption("mnu_undo"), "&Rückgängig");
-    answer_set_dialog("S&W", "50");
+    answer_set_dialog("S&W\trot", "50");
     choose("mnu_cvset_hinzu");
-    EXPECT_EQ(caption("mnu_undo"), "&Rückgängig: CV-Set „S&&W“ hinzugefügt");
+    EXPECT_EQ(caption("mnu_undo"), "&Rückgängig: CV-Set „S&&W rot“ hinzugefügt");
     choose("mnu_undo");
     EXPECT_EQ(caption("mnu_undo"), "&Rückgängig");
-    EXPECT_EQ(caption("mnu_redo"), "&Wiederholen: CV-Set „S&&W“ hinzugefügt");
+    EXPECT_EQ(caption("mnu_redo"), "&Wiederholen: CV-Set „S&&W rot“ hinzugefügt");
 }
 
 TEST_F(Extras_Test, undo_shows_the_set_that_it_brings_back) {
@@ -283,6 +284,7 @@ TEST_F(Extras_Test, a_set_that_another_copy_has_deleted_leaves_the_view_when_it_
         {"store a CV", 3, [&] { store_cv("900", "7"); }},
         {"paste CVs", 3, [&] { paste_cvs("900;7"); }},
         {"click a CV", 3, [&] { click_row(cvs(), 0); }},
+        {"delete a CV", 3, [&] { cvs().select_row(0), cvs().setFocus(), press(Qt::Key_Delete); }},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
@@ -358,6 +360,9 @@ TEST_F(Extras_Test, a_spoiled_copy_is_not_proposed_and_says_what_it_is) {
         choose("mnu_restore");
     };
     look(1, "45 (unvollständig)", "cmd_cancel");
+    EXPECT_EQ(frm_Backups(window.get(), QStringLiteral("/b[*].mdb"), {}).windowTitle(),
+              QStringLiteral("Sicherungen von „b[*][*].mdb“"))
+        << "Qt shows the half of it";
     disk.remove(folder + copies().at(0));
     look(0, "45 (unvollständig)", "cmd_restore");
     EXPECT_THAT(status(), HasSubstr("wiederhergestellt. Sie ist unvollständig."));
