@@ -184,6 +184,7 @@ TEST_F(Extras_Test, the_menu_names_the_steps) {
     choose("mnu_cvset_hinzu");
     EXPECT_EQ(caption("mnu_undo"), "&Rückgängig: CV-Set „S&&W rot“ hinzugefügt");
     choose("mnu_undo");
+    EXPECT_EQ(status(), "Rückgängig: CV-Set „S&W rot“ hinzugefügt.");
     EXPECT_EQ(caption("mnu_undo"), "&Rückgängig");
     EXPECT_EQ(caption("mnu_redo"), "&Wiederholen: CV-Set „S&&W rot“ hinzugefügt");
 }

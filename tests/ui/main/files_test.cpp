@@ -315,7 +315,7 @@ TEST_F(Files_Test, script_lines_that_have_no_place_are_told_wherever_they_are_lo
     click_option("opt_rescv_1");
     const std::int32_t set = sets().key(0);
     const std::int32_t script =
-        put_row(u"Scripte", {{u"SetID", set}, {u"ScriptName", std::u16string(u"Licht")}});
+        put_row(u"Scripte", {{u"SetID", set}, {u"ScriptName", std::u16string(u"Licht\nhinten")}});
     const auto line = [&](std::int32_t state, std::int32_t value) {
         put_row(u"Scriptstates",
                 {{u"ScriptID", script}, {u"State", state}, {u"Command", 1}, {u"Par1", value}});
@@ -325,6 +325,8 @@ TEST_F(Files_Test, script_lines_that_have_no_place_are_told_wherever_they_are_lo
     click_option("opt_rescv_0");
     click_option("opt_rescv_1");
     EXPECT_THAT(status(), left_out);
+    const QAbstractItemModel& shown = *get<QAbstractItemView>("lvw_Scripts").model();
+    EXPECT_EQ(shown.index(shown.rowCount() - 1, 0).data(), QStringLiteral("Licht hinten"));
     answer_set_dialog("Anders", "");
     choose("mnu_cvset_rename");
     EXPECT_THAT(status(), testing::AllOf(HasSubstr("umbenannt"), left_out));
@@ -340,8 +342,9 @@ TEST_F(Files_Test, script_lines_that_have_no_place_are_told_wherever_they_are_lo
     desktop.expect_save(QStringLiteral("/home/anna/b.vqx"));
     desktop.expect_information(
         QStringLiteral("Information"),
-        QStringLiteral("Es wurde keine Datei geschrieben.\nSet %1 „Anders“, Script %2 „Licht“, "
-                       "Zeile 0: der Parameter 1 ist 999, erlaubt ist 0 bis 255.")
+        QStringLiteral(
+            "Es wurde keine Datei geschrieben.\nSet %1 „Anders“, Script %2 „Licht hinten“, "
+            "Zeile 0: der Parameter 1 ist 999, erlaubt ist 0 bis 255.")
             .arg(number, position));
     choose("mnu_export_oem");
     EXPECT_FALSE(disk.file_exists("/home/anna/b.vqx"));
