@@ -1,5 +1,7 @@
 #include "store/clipboard_texts.h"
 
+#include "app/one_line.h"
+
 #include <QStringList>
 #include <QUrl>
 #include <limits>
@@ -161,7 +163,7 @@ QString cvs_text(const std::vector<CVRec>& cvs) {
 QString set_text(const cls_CV_Set& set, Names names) {
     QString text;
     const QString name = names == Names::plain
-                             ? set.Name
+                             ? app::in_one_line(set.Name)
                              : QString::fromLatin1(QUrl::toPercentEncoding(set.Name, " "));
     add_line(text, QStringLiteral("SetName"), name);
     add_line(text, QStringLiteral("SetNr"), QString::number(set.Nummer));
@@ -175,7 +177,7 @@ QString set_text(const cls_CV_Set& set, Names names) {
 QString listing_text(const cls_CV_Set& set) {
     constexpr int last_fixed_page = 3;
     const QString line_end = QStringLiteral("\r\n");
-    QString text = QStringLiteral("Set-Name: ") + set.Name + line_end +
+    QString text = QStringLiteral("Set-Name: ") + app::in_one_line(set.Name) + line_end +
                    QStringLiteral("Set-Nummer: ") + QString::number(set.Nummer) + line_end;
     for (const auto& page : set) {
         if (page->PageNr > last_fixed_page)

@@ -35,14 +35,15 @@ cls_CV_Set sample_set(const QString& name) {
 TEST(Clipboard_Texts, are_written_line_by_line) {
     EXPECT_EQ(cvs_text({cv(0, 1, 29, 6)}),
               u8("CVPageHi,0\r\nCVPageLo,1\r\nCVNr,29\r\nCVWert,6\r\nObj,CV\r\n"));
-    const cls_CV_Set sample = sample_set(u8("V 100, rot"));
+    const QString with_odd_units = u8("V 100,\r") + QChar(u'\0') + QChar::LineSeparator + u8("rot");
+    const cls_CV_Set sample = sample_set(with_odd_units);
     EXPECT_EQ(set_text(sample, Names::plain),
-              u8("SetName,V 100, rot\r\nSetNr,12\r\nObj,Set\r\n"
+              u8("SetName,V 100,   rot\r\nSetNr,12\r\nObj,Set\r\n"
                  "CVPageHi,0\r\nCVPageLo,0\r\nCVNr,29\r\nCVWert,6\r\nObj,CV\r\n"
                  "CVPageHi,1\r\nCVPageLo,2\r\nCVNr,300\r\nCVWert,7\r\nObj,CV\r\n"
                  "CVPageHi,0\r\nCVPageLo,2\r\nCVNr,600\r\nCVWert,8\r\nObj,CV\r\n"));
     EXPECT_EQ(listing_text(sample),
-              u8("Set-Name: V 100, rot\r\nSet-Nummer: 12\r\nCV 29 = 6\r\n"
+              u8("Set-Name: V 100,   rot\r\nSet-Nummer: 12\r\nCV 29 = 6\r\n"
                  "CV-Page: CV31 = 1, CV32 = 2\r\nCV 300 = 7\r\nCV 600 = 8\r\n"));
 }
 

@@ -9,6 +9,7 @@
 #include <QHeaderView>
 #include <QMessageBox>
 #include <QScreen>
+#include <QSplitter>
 #include <QTreeView>
 
 namespace ui_desktop {
@@ -27,6 +28,8 @@ void prepare(QFileDialog& dialog, const desktop::File_Choice& choice) {
 }
 
 std::optional<QString> answer(QFileDialog& dialog) {
+    if (auto* parts = dialog.findChild<QSplitter*>(QStringLiteral("splitter")))
+        parts->setSizes({160, 640}); // places keep their names
     if (auto* details = dialog.findChild<QTreeView*>(QStringLiteral("treeView"))) {
         details->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
     }

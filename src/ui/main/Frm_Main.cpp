@@ -74,12 +74,12 @@ void Frm_Main::wire() {
         connect(form_->opt_rescv[index], &QRadioButton::toggled, this, [this, i](bool chosen) {
             if (!chosen) return;
             choose_reset_cv(i);
-            say_outcome({});
+            say_of_choice();
         });
         connect(form_->opt_dec[index], &QRadioButton::toggled, this, [this, i](bool chosen) {
             if (!chosen) return;
             choose_decoder_family(i);
-            if (i == 1) say_outcome({}); // the list was filled anew
+            if (i == 1) say_of_choice(); // the list was filled anew
         });
     }
 }
@@ -156,7 +156,7 @@ void Frm_Main::set_selected() {
 
 void Frm_Main::set_chosen() {
     set_selected();
-    say_outcome({});
+    say_of_choice();
     // the list is still working on the key or click, and must not be filled anew under it
     const std::int32_t SetID = form_->lst_sets->selected_key();
     if (SetID != 0 && database_.set_gone(SetID))
@@ -255,6 +255,12 @@ void Frm_Main::say_outcome(const QString& done) {
     const QString sentence = with_left_out(done);
     if (!sentence.isEmpty()) say(sentence);
     say_trouble();
+}
+
+// What was said before may be about the set that was left.
+void Frm_Main::say_of_choice() {
+    status_->forget();
+    say_outcome({});
 }
 
 bool Frm_Main::expect_library() {

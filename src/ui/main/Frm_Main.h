@@ -96,6 +96,7 @@ private:
     void say_missing_copy(); ///< that no backup could be made, if so
     /// Says what a command did, what loading has left out, and what was refused.
     void say_outcome(const QString& done);
+    void say_of_choice(); ///< the same, when the user has chosen another set or view
     static QString with_left_out(const QString& sentence);
     /// Whether there are CV sets to work on; says why not.
     bool expect_library();
@@ -117,7 +118,8 @@ private:
     void delete_set_at_once();
     void delete_shown_set(std::int32_t SetID, const QString& shown);
     QString with_cut(const QString& sentence, const frm_get_2_string& dialog) const;
-    QString shown_set() const;             ///< the selected entry of the set list
+    QString shown_set() const; ///< the selected entry of the set list, as sentences quote it
+    int stored_number(std::int32_t SetID); ///< of the selected set
     void say_set_gone(const QString& set); ///< @param set as it was shown
     /// Takes a set out of view that another copy of the program has deleted, and says so.
     /// @param shown as it was shown
@@ -166,6 +168,10 @@ private:
     void say_opening();
     void append_protection(QStringList& parts, const store::Opening& opening) const;
     bool make_database(const QString& path);
+    /// Why a file at this path can be neither read nor made, where the name alone tells it.
+    files::Failure true_reason(const QString& path, files::Failure told);
+    QString why_not_opened(const QString& path, const store::Trouble& trouble);
+    void say_not_made(const QString& path, files::Error reason);
 
     desktop::Desktop& desktop_;
     files::Disk& disk_;

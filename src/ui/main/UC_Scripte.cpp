@@ -1,5 +1,6 @@
 #include "ui/main/UC_Scripte.h"
 
+#include "app/one_line.h"
 #include "scripts/cls_script_coll.h"
 #include "ui/main/texts.h"
 
@@ -51,7 +52,7 @@ void UC_Scripte::refill() {
     lvw_Scripts->clear();
     for (const auto& script : scripts::AktScripts()) {
         auto* row = new QTreeWidgetItem(lvw_Scripts);
-        row->setText(name_column, script->ScriptName);
+        row->setText(name_column, app::in_one_line(script->ScriptName));
         row->setText(lines_column, QString::number(script->StateCount));
         row->setTextAlignment(lines_column, Qt::AlignRight | Qt::AlignVCenter);
     }

@@ -1,7 +1,7 @@
 #include "ui/main/entry_list.h"
 
+#include "app/one_line.h"
 #include "ui/main/text_rows.h"
-#include "ui/main/texts.h"
 
 #include <QContextMenuEvent>
 #include <QHelpEvent>
@@ -28,7 +28,7 @@ struct Collector final : store::List_Filler {
     std::vector<Entry_Model::Entry> entries;
     void clear() override { entries.clear(); }
     void add(const QString& text, std::int32_t key) override {
-        entries.push_back({in_one_line(text), key});
+        entries.push_back({app::in_one_line(text), key});
     }
 };
 

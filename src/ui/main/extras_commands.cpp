@@ -1,6 +1,7 @@
 // Settings, and the ways back: undo, redo and copies of the library.
 
 #include "app/mod_fileverwaltung.h"
+#include "app/one_line.h"
 #include "app/ui/frm_Settings.h"
 #include "ui/main/Frm_Main.h"
 #include "ui/main/frm_Backups.h"
@@ -57,7 +58,7 @@ void Frm_Main::name_steps(bool menu_open) {
     const auto name = [&](QAction* action, const std::optional<store::Undo_Name>& next) {
         QString caption = action->data().toString();
         if (menu_open && next)
-            caption += u": "_qs + in_one_line(sentence(*next)).replace(u'&', u"&&"_qs);
+            caption += u": "_qs + app::in_one_line(sentence(*next)).replace(u'&', u"&&"_qs);
         action->setText(caption);
         action->setEnabled(!menu_open || next);
     };
@@ -77,7 +78,7 @@ void Frm_Main::restore_backup() {
     const QString file = app::current_database();
     const std::vector<store::Backup> copies = backups().copies_of(file);
     if (copies.empty()) {
-        if (!say_trouble()) say(text(Text::backups_none).arg(app::FileOf(file)));
+        if (!say_trouble()) say(text(Text::backups_none).arg(shortened(app::FileOf(file))));
         return;
     }
     const std::optional<store::Backup> chosen = frm_Backups(this, file, copies).choose();

@@ -54,10 +54,34 @@ void Frm_Main::Open_Database() {
     if (database_.Connection_Active() && (database_.is_library() || of_another_kind || cut_off))
         say_opening();
     else if (trouble)
-        say(sentence(*trouble));
+        say(why_not_opened(path, *trouble));
     say_and_log(status_->last_sentence(), trouble ? path + u": "_qs + trouble->detail : path);
     database_.take_trouble(); // a database of another kind has no sets to count; that is said
     shown_state_ = database_.foreign_changes().value_or(0);
+}
+
+// The floors below know the file only by what the medium says of it.
+files::Failure Frm_Main::true_reason(const QString& path, files::Failure told) {
+    const std::string name = path.toStdString();
+    try {
+        if (const std::optional<files::Look> look = disk_.look(disk_.resolve(name)))
+            return look->is_file ? told : files::Failure::no_file;
+        disk_.open(name, files::Access::read); // for its refusal: nothing stands there
+    } catch (const files::Error& error) {
+        if (error.kind == files::Failure::name_too_long) return error.kind;
+    }
+    return told;
+}
+
+QString Frm_Main::why_not_opened(const QString& path, const store::Trouble& trouble) {
+    switch (true_reason(path, files::Failure::device)) {
+    case files::Failure::no_file:
+        return text(Text::opens_no_file).arg(shortened(app::FileOf(path)));
+    case files::Failure::name_too_long:
+        return text(Text::opens_too_long).arg(shortened(app::FileOf(path)));
+    default:
+        return sentence(trouble);
+    }
 }
 
 void Frm_Main::default_database_made() { backups().made_now(app::current_database()); }
@@ -65,16 +89,15 @@ void Frm_Main::default_database_made() { backups().made_now(app::current_databas
 void Frm_Main::say_opening() {
     const store::Opening opening = database_.opening();
     const bool cut_off = opening.blocked == store::Blocked::cut_off;
+    const QString file = shortened(app::globals.Database_File);
     QStringList parts;
     if (database_.is_library()) {
         const int sets = database_.Get_Anz_CVSets();
-        parts.append(
-            sets_unreadable()
-                ? text(Text::opened_unreadable).arg(app::globals.Database_File)
-                : text(Text::opened).arg(app::globals.Database_File, QString::number(sets)));
+        parts.append(sets_unreadable() ? text(Text::opened_unreadable).arg(file)
+                                       : text(Text::opened).arg(file, QString::number(sets)));
     } else {
         const Text form = cut_off ? Text::opened_sets_lost : Text::opened_without_sets;
-        parts.append(text(form).arg(app::globals.Database_File));
+        parts.append(text(form).arg(file));
     }
     if (database_.is_library() || cut_off) append_protection(parts, opening);
     if (opening.recovered) parts.append(text(Text::recovered));
@@ -117,7 +140,7 @@ void Frm_Main::open_database() {
 void Frm_Main::reopen(int entry) {
     const QString path = mnu_open_last_->actions().at(entry)->data().toString();
     if (!app::is_database_name(path)) {
-        say(text(Text::not_a_database_name).arg(app::FileOf(path)));
+        say(text(Text::not_a_database_name).arg(shortened(app::FileOf(path))));
         return;
     }
     app::set_current_database(path);
@@ -146,14 +169,18 @@ bool Frm_Main::make_database(const QString& path) {
         return true;
     } catch (const files::Error& error) {
         if (over_itself) Open_Database();
-        say_and_log(sentence(error, app::FileOf(path), app::globals.EmptyDBTemplate),
-                    QString::fromUtf8(error.what()));
+        say_not_made(path, error);
         return false;
     }
 }
 
 void Frm_Main::no_default_database(const files::Error& reason) {
-    say_and_log(sentence(reason, app::globals.Database_File, app::globals.EmptyDBTemplate),
+    say_not_made(app::current_database(), reason);
+}
+
+void Frm_Main::say_not_made(const QString& path, files::Error reason) {
+    reason.kind = true_reason(path, reason.kind);
+    say_and_log(sentence(reason, app::FileOf(path), app::globals.EmptyDBTemplate),
                 QString::fromUtf8(reason.what()));
 }
 
@@ -186,8 +213,9 @@ void Frm_Main::write_project(const QString& path, vqx_export::File_Type type) {
     database_.Fill_Sets_in_SetObj(store::SetsObj());
     database_.Fill_Scripts_in_ScriptsObj(script_sets);
     if (say_trouble()) return;
-    const vqx_export::Report report =
+    vqx_export::Report report =
         vqx_export::export_project(store::SetsObj(), script_sets, type, disk_, path.toStdString());
+    if (report.failure) report.failure->kind = true_reason(path, report.failure->kind);
     say_and_log(sentence(app::FileOf(path), report),
                 report.failure ? QString::fromUtf8(report.failure->what()) : path);
     if (report.refusals.empty()) return;

@@ -1,6 +1,6 @@
 #include "ui/main/frm_get_2_string.h"
 
-#include "store/set_name.h"
+#include "ui/main/name_field.h"
 #include "ui/main/number_field.h"
 #include "ui/main/texts.h"
 
@@ -11,10 +11,10 @@ namespace ui_main {
 
 frm_get_2_string::frm_get_2_string(QWidget* parent, int name_width)
     : QDialog(parent), Label1(new QLabel(text(Text::new_set_name), this)),
-      Label2(new QLabel(text(Text::set_number), this)), Text1(new QLineEdit(this)),
+      Label2(new QLabel(text(Text::set_number), this)), Text1(new Name_Field(this, name_width)),
       Text2(new Number_Field(this, highest_set_number)), lab_hint(new QLabel(this)),
       cmd_ok(new QPushButton(text(Text::ok), this)),
-      cmd_cancel(new QPushButton(text(Text::cancel), this)), name_width_(name_width) {
+      cmd_cancel(new QPushButton(text(Text::cancel), this)) {
     setObjectName(QStringLiteral("frm_get_2_string"));
     Label1->setObjectName(QStringLiteral("Label1"));
     Label2->setObjectName(QStringLiteral("Label2"));
@@ -46,29 +46,34 @@ frm_get_2_string::frm_get_2_string(QWidget* parent, int name_width)
 
     connect(cmd_ok, &QPushButton::clicked, this, &QDialog::accept);
     connect(cmd_cancel, &QPushButton::clicked, this, &QDialog::reject);
-    connect(Text1, &QLineEdit::textChanged, this, &frm_get_2_string::keep_width);
-    connect(Text2, &Number_Field::too_high, this,
-            [this](int highest) { lab_hint->setText(text(Text::number_too_high).arg(highest)); });
+    const QString name_cut = text(Text::name_cut).arg(name_width);
+    const QString name_full = text(Text::name_full).arg(name_width);
+    const QString too_high = text(Text::number_too_high).arg(highest_set_number);
+    connect(Text1, &QLineEdit::textChanged, this,
+            [=, this] { hint(name_hint_, Text1->was_cut() ? name_cut : QString()); });
+    connect(Text1, &Name_Field::cut, this, [=, this] { hint(name_hint_, name_cut); });
+    connect(Text1, &Name_Field::full, this, [=, this] { hint(name_hint_, name_full); });
+    connect(Text2, &QLineEdit::textChanged, this, [this] { hint(number_hint_, {}); });
+    connect(Text2, &Number_Field::too_high, this, [=, this] { hint(number_hint_, too_high); });
 }
 
 void frm_get_2_string::set_texts(const QString& caption, const QString& name,
                                  std::optional<int> number) {
     setWindowTitle(caption);
     Text1->setText(name);
+    given_ = {name, Text1->text()};
     if (number) Text2->set_number(*number);
 }
 
-void frm_get_2_string::keep_width() {
-    const QString given = Text1->text();
-    const QString name = store::fitted_name(given, name_width_);
-    if (name == given) return;
-    const int cursor = Text1->cursorPosition();
-    if (name.size() < given.size()) {
-        cut_ = true;
-        lab_hint->setText(text(Text::name_cut).arg(name_width_));
-    }
-    Text1->setText(name);
-    Text1->setCursorPosition(cursor);
+bool frm_get_2_string::name_was_cut() const {
+    return Text1->was_cut() && Text1->text() != given_.second;
+}
+
+void frm_get_2_string::hint(QString& of_field, const QString& sentence) {
+    of_field = sentence;
+    QStringList hints{name_hint_, number_hint_};
+    hints.removeAll({});
+    lab_hint->setText(hints.join(u'\n'));
 }
 
 // A dialog that is shown before the desktop has activated it tells its first field that Tab has led
@@ -82,7 +87,8 @@ void frm_get_2_string::setVisible(bool visible) {
 
 Two_Strings frm_get_2_string::Get_2_Strings() {
     if (exec() != QDialog::Accepted) return {};
-    return {Text1->text(), Text2->text()};
+    const QString name = Text1->text();
+    return {name == given_.second ? given_.first : name, Text2->text()};
 }
 
 } // namespace ui_main

@@ -2,12 +2,12 @@
 
 #include <QDialog>
 #include <QLabel>
-#include <QLineEdit>
 #include <QPushButton>
 #include <optional>
 
 namespace ui_main {
 
+class Name_Field;
 class Number_Field;
 
 /// The two texts that frm_get_2_string hands back, both empty when it was cancelled.
@@ -22,29 +22,33 @@ class frm_get_2_string final : public QDialog {
 public:
     static constexpr int highest_set_number = 32767;
 
-    /// @param name_width longest name in characters; a longer one is cut, which the dialog says
+    /// @param name_width longest name in characters; of a longer text the rest is not taken, which
+    /// the dialog says
     frm_get_2_string(QWidget* parent, int name_width);
 
-    /// @param number of the set as it is stored; nothing for a set that has none yet
+    /// @param name as it is stored; it comes back as it is, whatever is shown of it, unless it is
+    /// changed
+    /// @param number as it is stored; nothing for a set that has none yet
     void set_texts(const QString& caption, const QString& name, std::optional<int> number);
     /// Shows the dialog until it is closed.
     Two_Strings Get_2_Strings();
-    bool name_was_cut() const { return cut_; }
+    bool name_was_cut() const;
 
     void setVisible(bool visible) override;
 
 private:
-    void keep_width();
+    void hint(QString& of_field, const QString& sentence);
 
     QLabel* Label1;
     QLabel* Label2;
-    QLineEdit* Text1;
+    Name_Field* Text1;
     Number_Field* Text2;
     QLabel* lab_hint;
     QPushButton* cmd_ok;
     QPushButton* cmd_cancel;
-    int name_width_;
-    bool cut_ = false;
+    QString name_hint_; ///< of the last change of the name, else empty
+    QString number_hint_;
+    Two_Strings given_; ///< the name as it is stored, and as it is shown
 };
 
 } // namespace ui_main

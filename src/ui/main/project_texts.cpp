@@ -1,5 +1,6 @@
 #include "ui/main/project_texts.h"
 
+#include "app/one_line.h"
 #include "ui/main/texts.h"
 
 #include <QStringList>
@@ -52,12 +53,12 @@ std::int64_t count(const vqx_export::Left_Out_CVs& cvs) {
 QString sentence(const Refusal& refusal, const Script_Names& name_of) {
     QString place;
     if (refusal.SetID != 0) {
-        place = u"Set %1 „"_qs.arg(refusal.set_number) + refusal.set_name + u'“';
+        place = u"Set %1 „"_qs.arg(refusal.set_number) + app::in_one_line(refusal.set_name) + u'“';
     }
     if (refusal.script > 0) {
         const QString name = name_of(refusal.ScriptID);
         place += u", Script %1"_qs.arg(refusal.script);
-        if (!name.isEmpty()) place += u" „"_qs + name + u'“';
+        if (!name.isEmpty()) place += u" „"_qs + app::in_one_line(name) + u'“';
     }
     if (refusal.line >= 0) place += u", Zeile %1"_qs.arg(refusal.line);
     return place.isEmpty() ? words(refusal) + u'.' : place + u": "_qs + words(refusal) + u'.';
@@ -77,12 +78,12 @@ QString sentences(const std::vector<Refusal>& refusals, const Script_Names& name
 
 QString sentence(const QString& file, const vqx_export::Report& report) {
     if (report.failure) {
-        return text(Text::project_failed).arg(file, reason(report.failure->kind));
+        return text(Text::project_failed).arg(shortened(file), reason(report.failure->kind));
     }
     if (!report.written) return text(Text::project_refused);
-    QStringList parts{
-        text(Text::project_written)
-            .arg(file, QString::number(report.sets), QString::number(report.sets_with_scripts))};
+    QStringList parts{text(Text::project_written)
+                          .arg(shortened(file), QString::number(report.sets),
+                               QString::number(report.sets_with_scripts))};
     if (const auto cvs = count(report.left_out_cvs); cvs > 0) {
         parts.append(text(Text::project_left_out_cvs).arg(cvs));
     }

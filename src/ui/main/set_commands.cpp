@@ -5,18 +5,22 @@
 #include "ui/main/texts.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace ui_main {
 namespace {
 
-std::int16_t set_number(const QString& shown) {
-    return static_cast<std::int16_t>(
-        std::min(leading_number(shown), frm_get_2_string::highest_set_number));
+using Limits = std::numeric_limits<std::int16_t>;
+
+std::int16_t to_16_bits(int number) {
+    return static_cast<std::int16_t>(std::clamp<int>(number, Limits::min(), Limits::max()));
 }
 
 } // namespace
 
-QString Frm_Main::shown_set() const { return form_->lst_sets->currentIndex().data().toString(); }
+QString Frm_Main::shown_set() const {
+    return shortened(form_->lst_sets->currentIndex().data().toString());
+}
 
 void Frm_Main::say_set_gone(const QString& set) {
     QString said = text(Text::set_gone).arg(set);
@@ -36,6 +40,13 @@ bool Frm_Main::leave_gone_set() {
     return leave_gone_set(form_->lst_sets->selected_key(), shown_set());
 }
 
+// Get_Set_Nummer tells 16 bits; the list shows what is stored.
+int Frm_Main::stored_number(std::int32_t SetID) {
+    const std::int16_t told = database_.Get_Set_Nummer(SetID);
+    const int listed = leading_number(shown_set());
+    return to_16_bits(listed) == told ? listed : told;
+}
+
 // A cut name is the user's text changed: that is said where he looks next, too.
 QString Frm_Main::with_cut(const QString& sentence, const frm_get_2_string& dialog) const {
     if (!dialog.name_was_cut()) return sentence;
@@ -53,7 +64,7 @@ void Frm_Main::add_set() {
     dialog.set_texts(text(Text::new_set), {}, {});
     const Two_Strings given = dialog.Get_2_Strings();
     if (given.first.isEmpty()) return;
-    std::int16_t number = set_number(given.second);
+    std::int16_t number = to_16_bits(leading_number(given.second));
     const std::int32_t SetID = database_.DB_Add_CVSet(given.first, number, app::globals.AktResCV);
     if (SetID == 0) {
         say_trouble();
@@ -78,14 +89,14 @@ void Frm_Main::rename_set() {
     frm_get_2_string dialog(this, name_width);
     const QString shown = shown_set();
     const QString name = database_.Get_Set_Name(SetID);
-    const std::int16_t number = database_.Get_Set_Nummer(SetID);
+    const int number = stored_number(SetID);
     dialog.set_texts(text(Text::rename_set), name, number);
     const Two_Strings given = dialog.Get_2_Strings();
     if (given.first.isEmpty()) return;
-    const std::int16_t wanted = set_number(given.second);
+    const int wanted = leading_number(given.second);
     database_.AktCVSetID(SetID); // the lists may have been filled anew behind the dialog
-    const bool renamed =
-        database_.DB_Rename_CVSet(given.first, wanted == number ? std::int16_t{0} : wanted);
+    const bool renamed = database_.DB_Rename_CVSet(
+        given.first, wanted == number ? std::int16_t{0} : to_16_bits(wanted));
     if (!renamed && leave_gone_set(SetID, shown)) return;
     refill_sets(SetID);
     say_outcome(renamed ? with_cut(text(Text::set_renamed).arg(shown_set()), dialog) : QString());

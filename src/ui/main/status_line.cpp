@@ -1,6 +1,6 @@
 #include "ui/main/status_line.h"
 
-#include "ui/main/texts.h"
+#include "app/one_line.h"
 
 #include <QPainter>
 #include <QStyle>
@@ -15,10 +15,21 @@ Status_Line::Status_Line(QWidget* parent) : QLabel(parent) {
 }
 
 void Status_Line::say(const QString& said) {
-    const QString sentence = in_one_line(said);
+    const QString sentence = app::in_one_line(said);
     if (commands_ == 0 || !std::exchange(spoken_, true)) message_.clear();
     if (!message_.contains(sentence)) message_.append(sentence);
     last_ = sentence;
+    show_message();
+}
+
+void Status_Line::forget() {
+    if (commands_ > 0 && spoken_) return;
+    message_.clear();
+    last_.clear();
+    show_message();
+}
+
+void Status_Line::show_message() {
     setText(message_.join(u' '));
     setToolTip(text().toHtmlEscaped());
 }

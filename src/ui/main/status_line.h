@@ -12,6 +12,8 @@ public:
     explicit Status_Line(QWidget* parent);
     /// Takes the place of what was said before, except within the same command.
     void say(const QString& sentence);
+    /// Forgets what was said before, except within the same command.
+    void forget();
     const QString& last_sentence() const { return last_; }
 
     /// What is said while one of these lives is one message, every sentence once and none in the
@@ -34,6 +36,8 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void show_message();
+
     QStringList message_;
     QString last_;
     int commands_ = 0;    ///< that run now, one within the other

@@ -1,6 +1,7 @@
 #include "ui/main/texts.h"
 
 #include "app/mod_fileverwaltung.h"
+#include "store/set_name.h"
 
 #include <QHash>
 
@@ -53,6 +54,7 @@ constexpr Entry table[] = {
     {Text::ok, u"OK"},
     {Text::cancel, u"Cancel"},
     {Text::name_cut, u"Der Name wurde auf %1 Zeichen gekürzt."},
+    {Text::name_full, u"Der Name hat höchstens %1 Zeichen."},
     {Text::number_too_high, u"Die Set-Nummer geht bis %1."},
 
     {Text::opened, u"„%1“ geöffnet, CV-Sets: %2."},
@@ -60,6 +62,11 @@ constexpr Entry table[] = {
      u"„%1“ geöffnet; die Datei enthält keine CV-Sets (andere Art von Datenbank)."},
     {Text::opened_sets_lost, u"„%1“ geöffnet; die CV-Sets fehlen."},
     {Text::opened_unreadable, u"„%1“ geöffnet; die CV-Sets sind nicht lesbar."},
+    {Text::opens_no_file,
+     u"„%1“ ist keine Datei, sondern ein Ordner oder etwas anderes; bitte eine "
+     u"Datenbank (.mdb) öffnen."},
+    {Text::opens_too_long, u"„%1“: So lang kann ein Dateiname nicht sein; bitte eine Datenbank "
+                           u"(.mdb) öffnen."},
     {Text::lost_end, u"Es fehlen mindestens %1 von %2 KB."},
     {Text::lost_of, u"Davon betroffen: %1."},
     {Text::lost_sets, u"CV-Sets"},
@@ -120,6 +127,10 @@ constexpr Entry table[] = {
     {Text::database_not_made, u"„%1“ konnte nicht angelegt werden: %2"},
     {Text::reason_denied, u"In diesem Ordner darf nicht geschrieben werden."},
     {Text::reason_full, u"Der Datenträger ist voll."},
+    {Text::reason_no_file,
+     u"Unter diesem Namen liegt ein Ordner oder etwas anderes, das keine Datei "
+     u"ist; bitte einen anderen Namen wählen."},
+    {Text::reason_name_too_long, u"Der Name ist zu lang; bitte einen kürzeren wählen."},
     {Text::reason_other, u"Der Ordner ist nicht benutzbar."},
 
     {Text::nothing_selected_to_copy, u"Es ist keine CV gewählt; nichts kopiert."},
@@ -140,8 +151,8 @@ constexpr Entry table[] = {
     {Text::cvs_without_set, u"Ausgelassene CVs, weil kein CV-Set gewählt ist: %1."},
     {Text::names_cut, u"Auf die Spaltenbreite gekürzte Namen: %1."},
 
-    {Text::step_undone, u"Rückgängig: %1"},
-    {Text::step_redone, u"Wiederholt: %1"},
+    {Text::step_undone, u"Rückgängig: %1."},
+    {Text::step_redone, u"Wiederholt: %1."},
     {Text::nothing_to_undo, u"Es gibt nichts rückgängig zu machen."},
     {Text::nothing_to_redo, u"Es gibt nichts zu wiederholen."},
     {Text::step_changed_elsewhere, u"„%1“ lässt sich nicht mehr umkehren: Ein anderes Programm hat "
@@ -283,7 +294,7 @@ QString sentence(const store::Trouble& trouble) {
     for (const Trouble_Entry& entry : troubles) {
         if (entry.kind != trouble.kind) continue;
         const QString form = QString::fromUtf16(entry.german);
-        return form.contains(u"%1") ? form.arg(app::FileOf(trouble.subject)) : form;
+        return form.contains(u"%1") ? form.arg(shortened(app::FileOf(trouble.subject))) : form;
     }
     return trouble.detail;
 }
@@ -294,19 +305,17 @@ QString sentence(const store::Undo_Name& step) {
         if (words.kind != step.kind) continue;
         said = QString::fromUtf16(step.count == 1 ? words.one : words.many);
         if (said.contains(u"%1"))
-            said.replace(u"%1"_qs, step.count == 1 ? step.subject : QString::number(step.count));
+            said.replace(u"%1"_qs,
+                         step.count == 1 ? shortened(step.subject) : QString::number(step.count));
     }
     if (step.cvs == 1) said += u" (mit 1 CV)"_qs;
     if (step.cvs > 1) said += u" (mit %1 CVs)"_qs.arg(step.cvs);
     return said;
 }
 
-QString in_one_line(QString text) {
-    for (QChar& unit : text)
-        if (unit.category() == QChar::Other_Control || unit == QChar::LineSeparator ||
-            unit == QChar::ParagraphSeparator)
-            unit = u' ';
-    return text;
+QString shortened(const QString& name) {
+    constexpr int longest = 60;
+    return name.size() <= longest ? name : store::fitted_name(name, longest - 1) + u'…';
 }
 
 QString reason(files::Failure failure) {
@@ -316,6 +325,10 @@ QString reason(files::Failure failure) {
         return text(Text::reason_denied);
     case files::Failure::disk_full:
         return text(Text::reason_full);
+    case files::Failure::no_file:
+        return text(Text::reason_no_file);
+    case files::Failure::name_too_long:
+        return text(Text::reason_name_too_long);
     default:
         return text(Text::reason_other);
     }
@@ -360,9 +373,9 @@ QString reason(store::Blocked blocked, const QString& journal_owner) {
 QString sentence(const files::Error& error, const QString& database, const QString& template_path) {
     const QString subject = QString::fromStdString(error.subject);
     if (error.kind == files::Failure::not_found && subject == template_path) {
-        return text(Text::template_missing).arg(app::FileOf(template_path));
+        return text(Text::template_missing).arg(shortened(app::FileOf(template_path)));
     }
-    return text(Text::database_not_made).arg(database, reason(error.kind));
+    return text(Text::database_not_made).arg(shortened(database), reason(error.kind));
 }
 
 } // namespace ui_main

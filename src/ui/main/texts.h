@@ -51,12 +51,15 @@ enum class Text {
     ok,
     cancel,
     name_cut,        ///< %1 characters
+    name_full,       ///< %1 characters
     number_too_high, ///< %1 highest
 
     opened,              ///< %1 file, %2 number of sets
     opened_without_sets, ///< %1 file
     opened_sets_lost,    ///< %1 file, whose end is missing
     opened_unreadable,   ///< %1 file
+    opens_no_file,       ///< %1 name of a folder, or of something else that is no file
+    opens_too_long,      ///< %1 name that no file can have
     lost_end,            ///< %1 missing, %2 whole, in KB
     lost_of,             ///< %1 what the missing end held
     lost_sets,
@@ -103,6 +106,8 @@ enum class Text {
     database_not_made, ///< %1 file, %2 reason
     reason_denied,
     reason_full,
+    reason_no_file,
+    reason_name_too_long,
     reason_other,
 
     nothing_selected_to_copy,
@@ -190,9 +195,9 @@ QString sentence(const store::Trouble& trouble);
 QString sentence(const files::Error& error, const QString& database, const QString& template_path);
 /// What a step has done: "14 CVs gelöscht".
 QString sentence(const store::Undo_Name& step);
+/// A name as sentences and menus quote it: not so long that it hides what else is said.
+QString shortened(const QString& name);
 /// Why a file could not be written, as the end of a sentence.
-/// A text of the library as one line, whatever other programs have put into it.
-QString in_one_line(QString text);
 QString reason(files::Failure failure);
 /// Why a library cannot be changed, as the end of a sentence.
 /// @param journal_owner whose journal stands in the way, if one does

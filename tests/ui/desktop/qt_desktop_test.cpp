@@ -2,27 +2,62 @@
 
 #include "ui/desktop/german.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
+#include <QContextMenuEvent>
 #include <QDialog>
 #include <QFile>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QTranslator>
 #include <QTreeView>
 #include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <set>
 
 namespace {
 
 /// Real dialogs, in German, answered as soon as they are shown.
+/// Asked last, for what nobody has translated.
+struct Untranslated final : QTranslator {
+    QString translate(const char* context, const char* source, const char*, int) const override {
+        const bool parsed = qstrcmp(context, "QShortcut") == 0 || qstrncmp(source, "Alt+", 4) == 0;
+        const bool of_system = qstrcmp(context, "QIODevice") == 0; // for logs
+        if (!parsed && !of_system) texts.insert(std::string(context) + ": " + source);
+        return {};
+    }
+    bool isEmpty() const override { return false; }
+    mutable std::set<std::string> texts;
+} untranslated;
+
+/// Closes whatever comes to the front of a dialog and is waited for.
+struct Closer {
+    Closer() {
+        QObject::connect(&timer, &QTimer::timeout, [] {
+            if (QWidget* menu = QApplication::activePopupWidget()) menu->close();
+            if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget()))
+                box->reject();
+        });
+        timer.start(1);
+    }
+    QTimer timer;
+};
+
 struct Qt_Desktop_Test : testing::Test {
-    static void SetUpTestSuite() { ui_desktop::speak_german(); }
+    static void SetUpTestSuite() {
+        QCoreApplication::installTranslator(&untranslated);
+        ui_desktop::speak_german(QStringLiteral("/nowhere")); // as without Qt's translations
+        untranslated.texts.clear();
+    }
+    static void TearDownTestSuite() { QCoreApplication::removeTranslator(&untranslated); }
 
     void in_dialog(std::function<void(QDialog&)> act) {
         QTimer::singleShot(0, qApp, [act = std::move(act)] {
@@ -105,6 +140,7 @@ TEST_F(Qt_Desktop_Test, sizes_and_dates_are_german_and_sorted_by_their_values) {
         QDateTime changed;
         std::string shown;
     } files[] = {
+        {"ganz klein.mdb", 700, QDateTime({2026, 5, 14}, {9, 7}), "700 Byte; 14.05.26 09:07"},
         {"klein.mdb", 1200, QDateTime({2026, 5, 14}, {9, 7}), "1,17 KiB; 14.05.26 09:07"},
         {"mittel.mdb", 1536, QDateTime({2025, 12, 31}, {18, 30}), "1,50 KiB; 31.12.25 18:30"},
         {"zz gross.mdb", 2'097'152, QDateTime({2026, 1, 2}, {0, 0}), "2,00 MiB; 02.01.26 00:00"},
@@ -122,9 +158,9 @@ TEST_F(Qt_Desktop_Test, sizes_and_dates_are_german_and_sorted_by_their_values) {
             };
             return (cell(1) + QStringLiteral("; ") + cell(3)).toStdString();
         };
-        ASSERT_TRUE(QTest::qWaitFor([&] { return view.model()->rowCount(view.rootIndex()) == 3; }));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return view.model()->rowCount(view.rootIndex()) == 4; }));
         view.sortByColumn(1, Qt::AscendingOrder);
-        for (int row = 0; row < 3; ++row) EXPECT_EQ(shown(row), files[row].shown);
+        for (int row = 0; row < 4; ++row) EXPECT_EQ(shown(row), files[row].shown);
     });
     desktop.ask_open_file(choice(""));
 }
@@ -161,6 +197,50 @@ TEST_F(Qt_Desktop_Test, questions_are_german_and_closing_them_means_no) {
         EXPECT_THAT(button_texts(dialog), testing::Contains("Speichern"));
     });
     desktop.ask_save_file(choice("x.mdb"));
+}
+
+TEST_F(Qt_Desktop_Test, whatever_of_qt_is_met_is_german_without_its_translations) {
+    make("alt.mdb");
+    QDir(folder.path()).mkdir(QStringLiteral("Ordner"));
+    const auto look = [](QDialog& dialog) {
+        const Closer closer;
+        (new QScrollBar(Qt::Horizontal, &dialog))->show();
+        (new QScrollBar(Qt::Vertical, &dialog))->show();
+        for (QWidget* each : dialog.findChildren<QWidget*>()) {
+            if (!each->isVisible()) continue;
+            QContextMenuEvent wanted(QContextMenuEvent::Keyboard, each->rect().center(),
+                                     each->mapToGlobal(each->rect().center()));
+            QApplication::sendEvent(each, &wanted);
+            if (QWidget* menu = QApplication::activePopupWidget()) menu->close();
+            QAccessibleInterface* told = QAccessible::queryAccessibleInterface(each);
+            if (told == nullptr || told->actionInterface() == nullptr) continue;
+            for (const QString& action : told->actionInterface()->actionNames()) {
+                told->actionInterface()->localizedActionName(action);
+                told->actionInterface()->localizedActionDescription(action);
+            }
+        }
+        auto& field = *dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        field.setText(QStringLiteral("gibt es nicht"));
+        QTest::keyClick(&field, Qt::Key_Return);
+    };
+    in_dialog([&](QDialog& dialog) {
+        auto& view = *dialog.findChild<QTreeView*>(QStringLiteral("treeView"));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return view.model()->rowCount(view.rootIndex()) == 2; }));
+        look(dialog);
+        const Closer closer;
+        view.setCurrentIndex(view.model()->index(1, 0, view.rootIndex()));
+        QTest::keyClick(&view, Qt::Key_Delete);
+        EXPECT_EQ(view.model()->index(0, 2, view.rootIndex()).data().toString(),
+                  QStringLiteral("Ordner"));
+    });
+    desktop.ask_open_file(choice(""));
+    in_dialog(look);
+    desktop.ask_save_file(choice(""));
+    for (const auto& [keys, shown] :
+         {std::pair(Qt::CTRL | Qt::SHIFT | Qt::Key_Z, "Strg+Umschalt+Z"),
+          {Qt::CTRL | Qt::Key_Insert, "Strg+Einfg"}})
+        EXPECT_EQ(QKeySequence(keys).toString(QKeySequence::NativeText), QString::fromUtf8(shown));
+    EXPECT_THAT(untranslated.texts, testing::IsEmpty());
 }
 
 TEST_F(Qt_Desktop_Test, the_clipboard_holds_a_form_of_our_own_beside_the_text) {

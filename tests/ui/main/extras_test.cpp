@@ -1,7 +1,9 @@
 #include "main_window.h"
 
+#include "app/one_line.h"
 #include "app/ui/frm_Settings.h"
 #include "store/undo_library.h"
+#include "ui/main/frm_Backups.h"
 
 #include <QComboBox>
 #include <QMenu>
@@ -53,6 +55,23 @@ struct Extras_Test : Main_Window_Test {
         store::clsDBConn other(disk);
         other.Connection_Start(QString::fromUtf8(default_path));
         EXPECT_TRUE(work(other));
+    }
+    /// Both lists are those that another copy of the program would fill now.
+    void expect_lists_of_library() {
+        struct Lines final : store::List_Filler {
+            std::vector<std::string> all;
+            void clear() override { all.clear(); }
+            void add(const QString& text, std::int32_t) override {
+                all.push_back(app::in_one_line(text).toStdString());
+            }
+        } of_sets, of_cvs;
+        elsewhere([&](store::clsDBConn& other) {
+            other.Fill_Sets_in_Listbox(of_sets, app::globals.AktResCV);
+            other.Fill_CVs_in_Listbox(of_cvs, sets().selected_key());
+            return true;
+        });
+        EXPECT_EQ(rows(sets()), of_sets.all);
+        EXPECT_EQ(rows(cvs()), of_cvs.all);
     }
     void delete_elsewhere(std::int32_t SetID) {
         elsewhere([&](store::clsDBConn& other) { return other.DB_Del_CVSet(SetID); });
@@ -118,8 +137,9 @@ TEST_F(Extras_Test, every_command_goes_back_and_forth) {
         SCOPED_TRACE(std::string("undo ") + commands[i].name);
         undo();
         EXPECT_EQ(undo::difference(content(), states[i]), "");
-        EXPECT_EQ(status(), std::string("Rückgängig: ") + commands[i].step);
+        EXPECT_EQ(status(), std::string("Rückgängig: ") + commands[i].step + ".");
         EXPECT_FALSE(selected(sets()).empty());
+        expect_lists_of_library();
     }
     undo();
     EXPECT_EQ(status(), "Es gibt nichts rückgängig zu machen.");
@@ -128,6 +148,7 @@ TEST_F(Extras_Test, every_command_goes_back_and_forth) {
         redo();
         EXPECT_EQ(undo::difference(content(), states[i + 1]), "");
         EXPECT_THAT(status(), HasSubstr("Wiederholt: "));
+        expect_lists_of_library();
     }
     redo();
     EXPECT_EQ(status(), "Es gibt nichts zu wiederholen.");
@@ -151,7 +172,7 @@ TEST_F(Extras_Test, a_field_keeps_the_keys_only_for_what_was_typed_into_it) {
     EXPECT_EQ(rows(cvs()), stored);
     undo();
     EXPECT_NE(rows(cvs()), stored);
-    EXPECT_EQ(status(), "Rückgängig: CV 3 gespeichert");
+    EXPECT_EQ(status(), "Rückgängig: CV 3 gespeichert.");
     redo();
     redo();
     EXPECT_EQ(rows(cvs()), after);
@@ -159,12 +180,13 @@ TEST_F(Extras_Test, a_field_keeps_the_keys_only_for_what_was_typed_into_it) {
 
 TEST_F(Extras_Test, the_menu_names_the_steps) {
     EXPECT_EQ(caption("mnu_undo"), "&Rückgängig");
-    answer_set_dialog("S&W", "50");
+    answer_set_dialog("S&W\trot", "50");
     choose("mnu_cvset_hinzu");
-    EXPECT_EQ(caption("mnu_undo"), "&Rückgängig: CV-Set „S&&W“ hinzugefügt");
+    EXPECT_EQ(caption("mnu_undo"), "&Rückgängig: CV-Set „S&&W rot“ hinzugefügt");
     choose("mnu_undo");
+    EXPECT_EQ(status(), "Rückgängig: CV-Set „S&W rot“ hinzugefügt.");
     EXPECT_EQ(caption("mnu_undo"), "&Rückgängig");
-    EXPECT_EQ(caption("mnu_redo"), "&Wiederholen: CV-Set „S&&W“ hinzugefügt");
+    EXPECT_EQ(caption("mnu_redo"), "&Wiederholen: CV-Set „S&&W rot“ hinzugefügt");
 }
 
 TEST_F(Extras_Test, undo_shows_the_set_that_it_brings_back) {
@@ -263,6 +285,7 @@ TEST_F(Extras_Test, a_set_that_another_copy_has_deleted_leaves_the_view_when_it_
         {"store a CV", 3, [&] { store_cv("900", "7"); }},
         {"paste CVs", 3, [&] { paste_cvs("900;7"); }},
         {"click a CV", 3, [&] { click_row(cvs(), 0); }},
+        {"delete a CV", 3, [&] { cvs().select_row(0), cvs().setFocus(), press(Qt::Key_Delete); }},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
@@ -332,14 +355,24 @@ TEST_F(Extras_Test, a_spoiled_copy_is_not_proposed_and_says_what_it_is) {
             auto& list = *dialog.findChild<QTreeWidget*>();
             EXPECT_EQ(list.currentIndex().row(), proposed);
             EXPECT_EQ(list.topLevelItem(0)->text(1), QString::fromUtf8(sets));
+            list.setCurrentItem(list.topLevelItem(0));
             press_button(dialog, button);
         });
         choose("mnu_restore");
     };
     look(1, "45 (unvollständig)", "cmd_cancel");
+    EXPECT_EQ(frm_Backups(window.get(), QStringLiteral("/b[*].mdb"), {}).windowTitle(),
+              QStringLiteral("Sicherungen von „b[*][*].mdb“"))
+        << "Qt shows the half of it";
     disk.remove(folder + copies().at(0));
     look(0, "45 (unvollständig)", "cmd_restore");
     EXPECT_THAT(status(), HasSubstr("wiederhergestellt. Sie ist unvollständig."));
+    auto damaged = whole;
+    damaged.back() ^= std::byte{0x55};
+    damaged.at(damaged.size() - 4096 + 2) ^= std::byte{0x55};
+    disk.set_bytes(folder + "CV-Sets 2099-01-01 00-00-00.mdb", damaged);
+    look(1, "45 (beschädigt)", "cmd_restore");
+    EXPECT_THAT(status(), HasSubstr("wiederhergestellt. Sie ist beschädigt."));
 }
 
 TEST_F(Extras_Test, a_copy_is_kept_before_the_first_change_and_can_be_brought_back) {

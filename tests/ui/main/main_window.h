@@ -3,6 +3,7 @@
 #include "app/mod_main.h"
 #include "platform/files/memory_disk.h"
 #include "platform/files/replace.h"
+#include "platform/jet/database.h"
 #include "scripts/cls_script_coll.h"
 #include "store/clsDBConn.h"
 #include "support/scripted_desktop.h"
@@ -22,6 +23,7 @@
 #include <QTimer>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <map>
 #include <memory>
 
 namespace ui_main {
@@ -76,6 +78,15 @@ protected:
         window->show();
         QApplication::setActiveWindow(window.get());
         ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    }
+
+    /// Adds a row behind the back of the program. @return its key
+    std::int32_t put_row(const char16_t* table, const std::map<const char16_t*, jet::Value>& row) {
+        auto library = jet::Database::open(disk, default_path, jet::Mode::read_write);
+        const jet::Table stored = library.table(table).value();
+        std::vector<jet::Cell> cells;
+        for (const auto& [name, value] : row) cells.push_back({stored.column(name).value(), value});
+        return stored.insert(cells).auto_number;
     }
 
     template <class Kind>

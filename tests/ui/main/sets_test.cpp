@@ -2,6 +2,8 @@
 
 #include "ui/main/frm_get_2_string.h"
 
+#include <limits>
+
 using namespace ui_main;
 using testing::Contains;
 using testing::ElementsAre;
@@ -106,20 +108,27 @@ TEST_F(Sets_Test, renaming_keeps_the_number_unless_another_is_given) {
     QTest::mouseDClick(sets().viewport(), Qt::LeftButton, {}, place);
 }
 
-TEST_F(Sets_Test, a_negative_number_is_kept_unless_it_is_changed) {
-    std::int16_t number = -5;
-    const std::int32_t set = database.DB_Add_CVSet(QStringLiteral("Fremd"), number, 8);
-    window->Refresh_Sets();
-    sets().select_row(*sets().row_of(set));
-    for (const char* changed : {"", "7"}) {
-        in_set_dialog([changed](QDialog& dialog) {
-            EXPECT_EQ(dialog_field(dialog, "Text2").text(), QStringLiteral("-5"));
-            dialog_field(dialog, "Text2").selectAll();
-            QTest::keyClicks(&dialog_field(dialog, "Text2"), QString::fromUtf8(changed));
-            press_button(dialog, "cmd_ok");
-        });
-        choose("mnu_cvset_rename");
-        EXPECT_THAT(selected(sets()), ElementsAre(*changed == 0 ? "-5 - Fremd" : "7 - Fremd"));
+TEST_F(Sets_Test, a_number_that_nobody_could_enter_is_kept_unless_it_is_changed) {
+    const QString name = QStringLiteral("Fremd\nund alt");
+    for (const int stored : {-5, 40'000, std::numeric_limits<int>::min()}) {
+        const std::int32_t set = put_row(
+            u"Sets", {{u"Name", name.toStdU16String()}, {u"Nummer", stored}, {u"ResCV", 8}});
+        window->Refresh_Sets();
+        sets().select_row(*sets().row_of(set));
+        const std::string number = std::to_string(stored);
+        for (const char* changed : {"", "32767"}) {
+            in_set_dialog([&](QDialog& dialog) {
+                QLineEdit& field = dialog_field(dialog, "Text2");
+                EXPECT_EQ(field.text().toStdString(), number);
+                field.selectAll();
+                QTest::keyClicks(&field, QString::fromUtf8(changed));
+                press_button(dialog, "cmd_ok");
+            });
+            choose("mnu_cvset_rename");
+            EXPECT_THAT(selected(sets()),
+                        ElementsAre((*changed == 0 ? number : changed) + " - Fremd und alt"));
+            EXPECT_EQ(database.Get_Set_Name(set), name) << "nobody has changed it";
+        }
     }
 }
 
@@ -200,7 +209,74 @@ TEST_F(Sets_Test, names_and_numbers_keep_within_the_column) {
     });
     choose("mnu_cvset_hinzu");
     EXPECT_THAT(selected(sets()), ElementsAre("32767 - " + std::string(99, 'a')));
-    EXPECT_THAT(status(), HasSubstr("auf 100 Zeichen gekürzt"));
+    EXPECT_EQ(status(), "CV-Set „32767 - " + std::string(51, 'a') +
+                            "…“ hinzugefügt. Der Name wurde auf 100 Zeichen gekürzt.");
+    choose("mnu_undo");
+    EXPECT_EQ(status(), "Rückgängig: CV-Set „" + std::string(59, 'a') + "…“ hinzugefügt.");
+}
+
+TEST_F(Sets_Test, what_has_no_room_in_the_name_is_refused_and_moves_nothing) {
+    frm_get_2_string dialog(window.get(), 6);
+    dialog.set_texts({}, QStringLiteral("Lok"), 11);
+    dialog.show();
+    QLineEdit& name = dialog_field(dialog, "Text1");
+    QLineEdit& number = dialog_field(dialog, "Text2");
+    const auto paste = [&](const char* text) {
+        QApplication::clipboard()->setText(QString::fromUtf8(text));
+        QTest::keyClick(&name, Qt::Key_V, Qt::ControlModifier);
+    };
+    const auto undo = [&] { QTest::keyClick(&name, Qt::Key_Z, Qt::ControlModifier); };
+    const char *full = "höchstens 6", *cut = "auf 6 Zeichen gekürzt";
+    const struct {
+        const char* what;
+        std::function<void()> act;
+        const char *name, *hint;
+        bool was_cut = false;
+    } steps[] = {
+        {"typing",
+         [&] { name.setCursorPosition(0), QTest::keyClicks(&name, QStringLiteral("ab")); }, "abLok",
+         ""},
+        {"half of one", [&] { paste("\U0001F682"); }, "abLok", full},
+        {"the last room", [&] { QTest::keyClicks(&name, QStringLiteral("c")); }, "abcLok", ""},
+        {"a full field", [&] { QTest::keyClicks(&name, QStringLiteral("x")); }, "abcLok", full},
+        {"paste", [&] { name.setSelection(1, 2), paste("12345"); }, "a12Lok", cut, true},
+        {"number", [&] { number.selectAll(), QTest::keyClicks(&number, QStringLiteral("99999")); },
+         "a12Lok", "auf 6 Zeichen gekürzt.\nDie Set-Nummer geht bis 32767.", true},
+        {"right again", [&] { QTest::keyClick(&number, Qt::Key_Backspace); }, "a12Lok", cut, true},
+        {"change", [&] { QTest::keyClick(&name, Qt::Key_Backspace); }, "a1Lok", ""},
+        {"undo", undo, "a12Lok", ""},
+        {"undo more", undo, "abcLok", ""},
+        {"lines", [&] { name.selectAll(), paste("1\r2\r\n"); }, "1 2", ""},
+        {"undo lines", undo, "abcLok", ""},
+    };
+    for (const auto& step : steps) {
+        SCOPED_TRACE(step.what);
+        step.act();
+        EXPECT_EQ(name.text().toStdString(), step.name);
+        const std::string hint =
+            dialog.findChild<QLabel*>(QStringLiteral("lab_hint"))->text().toStdString();
+        EXPECT_THAT(hint, *step.hint == 0 ? testing::Matcher<std::string>(IsEmpty())
+                                          : HasSubstr(step.hint));
+        EXPECT_EQ(dialog.name_was_cut(), step.was_cut);
+    }
+}
+
+TEST_F(Sets_Test, what_was_said_of_a_set_goes_when_another_is_chosen) {
+    const struct {
+        const char* what;
+        std::function<void()> choose_other;
+    } ways[] = {{"click", [&] { click_row(sets(), 1); }},
+                {"key", [&] { sets().setFocus(), press(Qt::Key_Down); }},
+                {"view", [&] { click_option("opt_rescv_1"); }},
+                {"family", [&] { click_option("opt_dec_1"); }}};
+    for (const auto& way : ways) {
+        SCOPED_TRACE(way.what);
+        sets().setFocus();
+        press(Qt::Key_Delete); // which chooses the first by itself
+        EXPECT_THAT(status(), HasSubstr("gelöscht"));
+        way.choose_other();
+        EXPECT_EQ(status(), "");
+    }
 }
 
 TEST_F(Sets_Test, the_menu_asks_before_deleting_and_the_key_does_not) {
