@@ -32,15 +32,21 @@
 //     with one name (hard link), opened without following a link, its owner being us, the
 //     administrator, the owner of the database or somebody whom the mode of the database lets write
 //     (members of its group by the list of users), and itself writable by nobody who may not write
-//     the database. One that is not and holds an operation is neither applied nor renamed nor
+//     the database. Where a file has a POSIX access list, this says who may write, and the group
+//     bits of the mode, which are its mask then, say nothing; a journal has exactly the list that
+//     J12 gives to one of its owner and group, and none where the database has none. One that is
+//     not believed and holds an operation is neither applied nor renamed nor
 //     emptied: the database is not written. Where the medium shows one owner for all files, and
 //     wherever the inode is not that of the database, something of the operation must be found in
 //     the database before anything is taken back.
 // J12 Nobody begins an operation on a journal that somebody else who may write the database would
 //     not believe or could not open for writing, or that lets more people read than the database. It
 //     is made private, then gets group and mode of the database (from the administrator the owner,
-//     too) by its descriptor; what it then shows counts, not what was refused. An empty one that
-//     does not serve is mended or made anew. A database with a second name is not written, because
+//     too) by its descriptor, and its access list: what the folder gave it goes before it is opened
+//     to anybody; where owner or group differ, they are named in the list as far as they may open
+//     the database. What it then shows counts, not what was refused. An empty one that does not
+//     serve is mended or made anew; one that was too open is always made anew, since somebody may
+//     still have it open. A database with a second name is not written, because
 //     nobody would find the journal from there.
 // J13 What is shown in place of pages, where a journal cannot be rolled back, ends with the lock
 //     under which it was read.
@@ -168,7 +174,7 @@ std::optional<Journal_Unusable> Journal::bar() {
 }
 
 std::string Journal::owner() {
-    return disk_.user_name(file_ ? file_->standing().owner : found_.standing.owner);
+    return disk_.user_name(file_ ? file_->standing().owner : found_.owner);
 }
 
 void Journal::read_head() {
@@ -237,7 +243,8 @@ void Journal::make(std::size_t page_size, files::File& database) {
     const files::Standing library = database.standing();
     const bool empty = state_ == State::empty || state_ == State::blank;
     if (empty && !serves(library)) {
-        give_standing(disk_, *file_, library);
+        // Who has opened one that was too open still has it open when it is not.
+        if (opens_no_more(file_->standing(), library, 06)) give_standing(disk_, *file_, library);
         if (!serves(library)) drop();
     }
     // One that its maker had not yet opened to others when he crashed.
