@@ -13,7 +13,9 @@
 //     that by J1 its operation has not touched the database, or it was spoiled since, and then a
 //     change may be half written; a head that is damaged or cut off likewise. Nothing tells which,
 //     so such a journal is kept and reported. Only a file of zeros, or one shorter than a head whose
-//     bytes name no operation, was never used.
+//     bytes name no operation, was never used. One that somebody empties or removes after a crash
+//     takes what it knew with it: nothing in the database tells that an operation had begun, and
+//     only the look at the whole file before the first change finds what is half written.
 // J5  A journal is written, emptied and rolled back only under the exclusive lock on the database.
 // J6  A journal is applied only if every sector of every page that it names is as before the
 //     operation or as after it, and size and page 0 fit. Any other is renamed and reported, never
@@ -47,7 +49,7 @@
 //     the database. What it then shows counts, not what was refused. An empty one that does not
 //     serve is mended or made anew; one that was too open is always made anew, since somebody may
 //     still have it open. A database with a second name is not written, because
-//     nobody would find the journal from there.
+//     nobody would find the journal from there, and who reads it is told.
 // J13 What is shown in place of pages, where a journal cannot be rolled back, ends with the lock
 //     under which it was read.
 // J14 Every number in a journal is bounded before it is used: sizes are whole pages and at most
@@ -216,9 +218,10 @@ Journal::Trust Journal::trust(files::File& database) { // J11
 bool Journal::owners_tell() {
     if (owners_tell_) return *owners_tell_;
     if (!writable_) return true; // who looks only leaves nothing behind
-    const std::string probe = path_ + "-probe";
+    // A name of nobody else's, as short as any, made new or not at all.
+    const std::string probe =
+        path_.substr(0, path_.find_last_of('/') + 1) + ".cv-sets-" + std::to_string(new_salt());
     try {
-        if (disk_.look(probe)) disk_.remove(probe);
         owners_tell_ =
             disk_.open(probe, files::Access::create_private)->standing().owner == disk_.user();
         disk_.remove(probe);

@@ -239,7 +239,7 @@ TEST(Journal, a_spoiled_one_is_kept_and_told) {
          }},
         {"end cut off", [](Page_Bytes& journal) { journal.resize(journal.size() - 1); }},
         {"table cut off", [](Page_Bytes& journal) { journal.resize(600); }},
-        {"head", [](Page_Bytes& journal) { journal[20] = std::byte{0xEE}; }},
+        {"head", [](Page_Bytes& journal) { journal[20] ^= std::byte{0xEE}; }},
         {"state", [](Page_Bytes& journal) { journal[jet::journal_state_at] = std::byte{3}; }},
         {"head cut off", [](Page_Bytes& journal) { journal.resize(300); }},
         {"head cut off behind the entries", [](Page_Bytes& journal) { journal.resize(20); }},
@@ -356,8 +356,11 @@ TEST(Journal, one_that_a_stranger_can_have_made_is_not_believed) {
         c.prepare(disk);
         const auto file = disk.bytes(name);
         const auto journal = disk.bytes(journal_name);
+        disk.set_bytes(journal_name + "-probe", {}); // somebody's
+        const auto others = disk.paths();
         {
             const auto pager = open_pager(disk, name, Open_Mode::read_write);
+            EXPECT_EQ(disk.paths(), others);
             ASSERT_EQ(pager->report().recovery == Recovery::rolled_back, c.believed);
             EXPECT_EQ(!pager->report().refusal, c.believed);
             EXPECT_EQ(content(*pager), c.believed ? old_state() : file);
@@ -561,7 +564,11 @@ TEST(Journal, follows_the_rights_and_names_of_a_library_that_is_open) {
     disk.set_standing(name, {1000, 1000, 0600});
     put(*pager, {1}, 2);
     EXPECT_EQ(standing_of(disk, journal_name).mode, 0600U);
+    const auto reader = open_pager(disk, name, Open_Mode::read_only);
+    EXPECT_EQ(reader->report().refusal->blocked, jet::Blocked::write_protected);
     disk.link(name, "second.mdb");
+    content(*reader); // half an operation, for all that can be known
+    EXPECT_EQ(reader->report().refusal->blocked, jet::Blocked::second_name);
     EXPECT_THROW(pager->begin_write(), jet::Error);
     EXPECT_EQ(pager->report().refusal->blocked, jet::Blocked::second_name);
 }
