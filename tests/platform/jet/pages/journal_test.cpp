@@ -562,7 +562,9 @@ TEST(Journal, follows_the_rights_and_names_of_a_library_that_is_open) {
     const auto pager = open_pager(disk, name, Open_Mode::read_write);
     put(*pager, {1}, 1);
     disk.set_standing(name, {1000, 1000, 0600});
+    const auto too_open = disk.identity(journal_name); // by somebody already, perhaps
     put(*pager, {1}, 2);
+    EXPECT_NE(disk.identity(journal_name), too_open);
     EXPECT_EQ(standing_of(disk, journal_name).mode, 0600U);
     const auto reader = open_pager(disk, name, Open_Mode::read_only);
     EXPECT_EQ(reader->report().refusal->blocked, jet::Blocked::write_protected);
