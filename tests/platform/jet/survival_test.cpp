@@ -282,6 +282,13 @@ TEST(Damage, a_missing_end_of_a_file_made_here_is_told_at_opening) {
         grow(pages);
         EXPECT_EQ(disk.bytes(path).size() / 4096, pages);
         EXPECT_EQ(silent_cuts(disk, 4096, pages - 20), 0);
+        const auto whole = disk.bytes(path);
+        for (const std::size_t at : {0U, 4U}) { // kind and owner of the last page
+            disk.open(path, files::Access::read_write)
+                ->write_at(whole.size() - 4096 + at, std::array{std::byte{0x77}});
+            EXPECT_EQ(open(disk).status().blocked, jet::Blocked::damaged);
+            disk.set_bytes(path, whole);
+        }
     }
     with_table([&](const jet::Table& table) {
         for (std::size_t i = rows.size() - 20; i < rows.size(); ++i) table.erase(rows[i]);
