@@ -42,6 +42,7 @@ private:
             below_->set_owner(owner, group);
         }
         void set_mode(std::uint32_t mode) noexcept override { below_->set_mode(mode); }
+        void set_acl(const files::Acl& acl) noexcept override { below_->set_acl(acl); }
         bool counts_short_names() override { return below_->counts_short_names(); }
 
     private:

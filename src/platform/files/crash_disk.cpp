@@ -37,6 +37,7 @@ public:
     Standing standing() override { return live_->standing(); }
     void set_owner(User owner, Group group) noexcept override { live_->set_owner(owner, group); }
     void set_mode(std::uint32_t mode) noexcept override { live_->set_mode(mode); }
+    void set_acl(const Acl& acl) noexcept override { live_->set_acl(acl); }
     bool counts_short_names() override { return live_->counts_short_names(); }
 
 private:

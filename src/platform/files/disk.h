@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/files/acl.h"
+
 #include <chrono>
 #include <cstddef>
 #include <cstdint>
@@ -60,8 +62,10 @@ using Group = std::uint32_t;
 struct Standing {
     User owner = 0;
     Group group = 0;
-    std::uint32_t mode = 0; ///< rwxrwxrwx: for the owner, members of the group, all others
+    /// rwxrwxrwx: for the owner, members of the group (where there is a list: its mask), all others
+    std::uint32_t mode = 0;
     std::uint64_t names = 1;
+    Acl acl = {};
     bool operator==(const Standing&) const = default;
 };
 
@@ -70,7 +74,7 @@ struct Look {
     Identity identity;
     bool is_file = true; ///< no folder, pipe or link
     std::uint64_t size = 0;
-    Standing standing;
+    User owner = 0;
 };
 
 /// One open file description; closing it drops its lock.
@@ -95,10 +99,11 @@ public:
     /// number proves a change, the same one proves nothing.
     virtual std::uint64_t stamp() = 0;
     virtual Standing standing() = 0;
-    /// Changes owner, group and mode as far as the system allows; what came of it is seen by asking
-    /// again.
+    /// Changes owner, group, mode and list as far as the system allows; what came of it is seen by
+    /// asking again. A list changes the mode, too, and an empty one is none.
     virtual void set_owner(User owner, Group group) noexcept = 0;
     virtual void set_mode(std::uint32_t mode) noexcept = 0;
+    virtual void set_acl(const Acl& acl) noexcept = 0;
     /// Whether the medium may count a short name that it keeps beside the real one as a second
     /// name.
     virtual bool counts_short_names() = 0;
@@ -144,10 +149,16 @@ std::string folder_of(const std::string& path);
 
 constexpr User administrator = 0;
 
-/// Whether the mode of a file lets the user write, or makes the file his to change.
+/// What mode or list of a file give to somebody who is not its owner: rwx.
+std::uint32_t granted(Disk& disk, User user, const Standing& file);
+/// Whether mode or list of a file let the user write, or make the file his to change.
 bool may_write(Disk& disk, User user, const Standing& file);
-/// Gives a file that was just made the group and mode of another, and the owner too where we may.
-/// Where the group is refused, the file's own gets no more than everybody.
+/// The list by which a file of this owner and group is open to the same people, with the same
+/// rights, as the other file by its list; none where that one has none.
+Acl acl_for(User owner, Group group, const Standing& of);
+/// Gives a file that was just made the group, mode and list of another, and the owner too where we
+/// may; a list that it got from its folder goes. Where group or list are refused, fewer people may
+/// open it, never more.
 void give_standing(Disk& disk, File& file, const Standing& of);
 /// Whether the open file, found at this path, has no second name. A short name is none.
 bool has_one_name(Disk& disk, File& file, const std::string& path);

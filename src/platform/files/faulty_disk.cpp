@@ -49,6 +49,7 @@ public:
     Standing standing() override { return below_->standing(); }
     void set_owner(User owner, Group group) noexcept override { below_->set_owner(owner, group); }
     void set_mode(std::uint32_t mode) noexcept override { below_->set_mode(mode); }
+    void set_acl(const Acl& acl) noexcept override { below_->set_acl(acl); }
     bool counts_short_names() override { return below_->counts_short_names(); }
 
 private:

@@ -64,11 +64,35 @@ public:
         if (disk_.user_ == administrator || allowed) node_->standing.group = group;
     }
     void set_mode(std::uint32_t mode) noexcept override {
-        if (may_change()) node_->standing.mode = mode;
+        if (!may_change()) return;
+        node_->standing.mode = mode;
+        for (Acl_Entry& entry : node_->standing.acl) // as the system does
+            if (const auto shift = place_in_mode(entry))
+                entry.rights = static_cast<std::uint16_t>(mode >> *shift & 07);
+    }
+    void set_acl(const Acl& acl) noexcept override {
+        if (!may_change() || !disk_.lists_) return;
+        node_->standing.acl = acl;
+        for (const Acl_Entry& entry : acl)
+            if (const auto shift = place_in_mode(entry))
+                node_->standing.mode = (node_->standing.mode & ~(07U << *shift)) |
+                                       std::uint32_t{entry.rights} << *shift;
     }
     bool counts_short_names() override { return disk_.short_names_; }
 
 private:
+    static std::optional<unsigned> place_in_mode(const Acl_Entry& entry) {
+        switch (entry.of) {
+        case Acl_Entry::Of::owner:
+            return 6;
+        case Acl_Entry::Of::mask:
+            return 3;
+        case Acl_Entry::Of::others:
+            return 0;
+        default:
+            return std::nullopt;
+        }
+    }
     bool may_change() const {
         if (disk_.shown_) return !disk_.shown_->mode;
         return disk_.user_ == administrator || disk_.user_ == node_->standing.owner;
@@ -110,10 +134,10 @@ void Memory_Disk::allow(const Node& node, Access access, const std::string& path
     if (node.special) throw Error(Failure::no_file, path, "not a file");
     if (user_ == administrator || shown_) return;
     const Standing& standing = node.standing;
-    const unsigned shift = user_ == standing.owner ? 6 : is_member(user_, standing.group) ? 3 : 0;
+    const unsigned rights =
+        user_ == standing.owner ? standing.mode >> 6 : granted(*this, user_, standing);
     const unsigned wanted = access == Access::read ? 4 : 6;
-    if ((standing.mode >> shift & wanted) != wanted)
-        throw Error(Failure::denied, path, "no rights");
+    if ((rights & wanted) != wanted) throw Error(Failure::denied, path, "no rights");
 }
 
 std::unique_ptr<File> Memory_Disk::open(const std::string& path, Access access) {
@@ -149,9 +173,9 @@ std::unique_ptr<File> Memory_Disk::open_no_link(const std::string& path, Access 
 std::optional<Look> Memory_Disk::look(const std::string& path) {
     const auto found = files_.find(path);
     if (found == files_.end())
-        return folders_.contains(path) ? std::optional(Look{{}, false, 0, {}}) : std::nullopt;
+        return folders_.contains(path) ? std::optional(Look{{}, false, 0, 0}) : std::nullopt;
     const Node& node = *found->second;
-    return Look{{1, node.inode}, !node.special, node.bytes.size(), standing(node)};
+    return Look{{1, node.inode}, !node.special, node.bytes.size(), node.standing.owner};
 }
 
 std::optional<Identity> Memory_Disk::identity(const std::string& path) {

@@ -63,6 +63,7 @@ public:
     void show_owner(User owner, std::optional<std::uint32_t> mode = std::nullopt) {
         shown_ = {owner, mode};
     }
+    void keep_no_lists() { lists_ = false; }          ///< setting one is refused
     void count_short_names() { short_names_ = true; } ///< each file has one
     std::vector<std::string> paths() const;           ///< of all files
     const std::set<std::string>& folders() const { return folders_; }
@@ -88,6 +89,7 @@ private:
     std::optional<Shown> shown_;
     User user_ = 1000;
     bool short_names_ = false;
+    bool lists_ = true;
     std::uint64_t last_inode_ = 0;
 };
 

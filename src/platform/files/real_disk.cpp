@@ -11,6 +11,7 @@
 #include <pwd.h>
 #include <sys/stat.h>
 #include <sys/statfs.h>
+#include <sys/xattr.h>
 #include <system_error>
 #include <thread>
 #include <unistd.h>
@@ -52,9 +53,23 @@ Identity identity_of(const struct stat& status) {
     return {static_cast<std::uint64_t>(status.st_dev), static_cast<std::uint64_t>(status.st_ino)};
 }
 
-Standing standing_of(const struct stat& status) {
-    return {status.st_uid, status.st_gid, status.st_mode & 0777,
-            static_cast<std::uint64_t>(status.st_nlink)};
+constexpr const char* acl_name = "system.posix_acl_access";
+
+/// The list of an open file, where it has one and the file system knows such.
+Acl acl_of(int handle, const std::string& path) {
+    std::vector<std::byte> bytes(512);
+    ssize_t count = 0;
+    while ((count = ::fgetxattr(handle, acl_name, bytes.data(), bytes.size())) < 0 &&
+           errno == ERANGE && bytes.size() < std::size_t{1} << 20)
+        bytes.resize(2 * bytes.size());
+    if (count < 0 && (errno == ENODATA || errno == ENOTSUP || errno == ENOSYS)) return {};
+    if (count < 0) fail(path);
+    bytes.resize(static_cast<std::size_t>(count));
+    try {
+        return decode_acl(bytes);
+    } catch (const std::runtime_error& error) {
+        throw Error(Failure::device, path, error.what());
+    }
 }
 
 class Real_File final : public File {
@@ -76,13 +91,25 @@ public:
     bool lock(Lock wanted, std::chrono::milliseconds patience) override;
     Identity identity() override { return identity_of(status()); }
     std::uint64_t stamp() override;
-    Standing standing() override { return standing_of(status()); }
+    Standing standing() override {
+        const struct stat found = status();
+        return {found.st_uid, found.st_gid, found.st_mode & 0777,
+                static_cast<std::uint64_t>(found.st_nlink), acl_of(handle_, path_)};
+    }
     void set_owner(User owner, Group group) noexcept override {
         if (::fchown(handle_, owner, group) == 0) return;
         static_cast<void>(::fchown(handle_, static_cast<uid_t>(-1), group) + 0);
     }
     void set_mode(std::uint32_t mode) noexcept override {
         static_cast<void>(::fchmod(handle_, mode));
+    }
+    void set_acl(const Acl& acl) noexcept override {
+        if (acl.empty()) {
+            static_cast<void>(::fremovexattr(handle_, acl_name) + 0);
+            return;
+        }
+        const std::vector<std::byte> bytes = encode(acl);
+        static_cast<void>(::fsetxattr(handle_, acl_name, bytes.data(), bytes.size(), 0) + 0);
     }
     bool counts_short_names() override;
     struct stat status() {
@@ -174,7 +201,7 @@ public:
         const auto found = status_of(path, AT_SYMLINK_NOFOLLOW);
         if (!found) return std::nullopt;
         return Look{identity_of(*found), S_ISREG(found->st_mode),
-                    static_cast<std::uint64_t>(found->st_size), standing_of(*found)};
+                    static_cast<std::uint64_t>(found->st_size), found->st_uid};
     }
     std::optional<Identity> identity(const std::string& path) override {
         const auto found = status_of(path);

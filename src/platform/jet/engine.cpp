@@ -58,6 +58,9 @@ Status Engine::status() const {
 /// there looks like a whole file with fewer rows.
 void Engine::check_tables() {
     const auto& all = objects();
+    arrived_ = pager_->page_count();
+    Pages_Claim claim;
+    bool filled = false; // the last page in use was never written, which alone is no proof
     const auto look = [&](auto at) {
         try {
             at();
@@ -65,36 +68,46 @@ void Engine::check_tables() {
         } catch (const Error& error) {
             if (error.kind != Failure::damaged) throw;
             note_damage(error);
+            if (filled) note_end(claim.pages);
             return false;
         }
     };
-    Pages_Claim claim;
+    const auto look_at_end = [&](const Definition& definition) {
+        const std::uint64_t needed = pages_needed(*pager_, definition);
+        note_end(needed);
+        check_last_pages(*pager_, definition);
+        return needed;
+    };
     look([&] { claim = pages_in_use(*pager_); });
-    if (claim.sure) note_end(claim.pages);
-    const bool doubtful = !claim.sure && claim.pages > pager_->page_count();
-    look([&] { note_end(pages_needed(*pager_, *objects_definition_)); });
+    const bool ends_early = claim.pages > arrived_;
+    if (claim.sure && ends_early) note_end(claim.pages);
+    filled = !ends_early && pages_before_filling(*pager_, claim.pages) < claim.pages;
+    const bool doubtful = filled || (!claim.sure && ends_early);
+    look([&] { look_at_end(*objects_definition_); });
     for (const auto& object : all) {
         if (!object.table() || (object.system() && !doubtful)) continue;
         std::uint64_t needed = std::uint64_t{object.page()} + 1;
         const bool readable = look([&] {
             note_end(needed);
-            needed = pages_needed(*pager_, *table(object.page()).definition);
-            note_end(needed);
+            needed = look_at_end(*table(object.page()).definition);
         });
-        if (lost_end_ && !object.system() && (!readable || needed > pager_->page_count()))
+        if (lost_end_ && !object.system() && (!readable || needed > arrived_))
             lost_end_->tables.push_back(object.name);
     }
 }
 
 /// @param pages that the file must have
 void Engine::note_end(std::uint64_t pages) {
-    const auto present = pager_->page_count();
-    if (pages <= present) return;
+    if (pages <= arrived_) {
+        const std::uint64_t before = pages_before_filling(*pager_, pages);
+        if (before == pages) return;
+        arrived_ = before;
+    }
     if (!lost_end_) lost_end_.emplace();
     lost_end_->whole = std::max(lost_end_->whole, pages * pager_->page_size());
-    lost_end_->bytes = lost_end_->whole - std::uint64_t{present} * pager_->page_size();
+    lost_end_->bytes = lost_end_->whole - arrived_ * pager_->page_size();
     blocked_ = Blocked::cut_off;
-    blocked_detail_ = "the file ends after " + std::to_string(present) + " of at least " +
+    blocked_detail_ = "the file ends after " + std::to_string(arrived_) + " of at least " +
                       std::to_string(lost_end_->whole / pager_->page_size()) + " pages";
 }
 

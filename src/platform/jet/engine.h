@@ -138,6 +138,7 @@ private:
     Blocked blocked_ = Blocked::no;
     std::string blocked_detail_;
     std::optional<Lost_End> lost_end_;
+    std::uint64_t arrived_ = 0; ///< pages at opening, without a filling at the end
     int read_depth_ = 0;
     int write_depth_ = 0;
     std::optional<Error> unfit_; ///< why the open transaction can only be rolled back

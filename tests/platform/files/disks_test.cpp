@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <gmock/gmock.h>
+#include <sys/xattr.h>
 #include <thread>
 #include <unistd.h>
 
@@ -200,7 +201,8 @@ TEST(Real_Disk, tells_whose_a_file_is_and_gives_it) {
     fs::create_hard_link(folder / "file", folder / "second");
     fs::create_symlink("file", folder / "link");
     give_standing(disk, *file, {made.owner, made.group, 0640});
-    EXPECT_EQ(disk.look(folder / "second")->standing, (Standing{made.owner, made.group, 0640, 2}));
+    EXPECT_EQ(file->standing(), (Standing{made.owner, made.group, 0640, 2}));
+    EXPECT_EQ(disk.look(folder / "second")->owner, made.owner);
     EXPECT_FALSE(has_one_name(disk, *file, folder / "file"));
     EXPECT_FALSE(disk.look(folder / "link")->is_file);
     EXPECT_FALSE(disk.look(folder / std::string(256, 'a')));
@@ -215,6 +217,82 @@ TEST(Real_Disk, tells_whose_a_file_is_and_gives_it) {
     if (disk.user() != administrator) return;
     give_standing(disk, *file, {65534, 65534, 0600});
     EXPECT_EQ(file->standing(), (Standing{65534, 65534, 0600, 2}));
+}
+
+/// The folder lets a stranger into every new file; the file itself lets another one in.
+TEST(Real_Disk, files_with_the_rights_of_another_get_its_list_and_not_that_of_the_folder) {
+    using Of = Acl_Entry::Of;
+    const support::Temporary_Folder folder;
+    const auto list = [](User user, std::uint16_t others) {
+        return Acl{{Of::owner, 6},
+                   {Of::user, 6, user},
+                   {Of::group, 0},
+                   {Of::mask, 6},
+                   {Of::others, others}};
+    };
+    const auto put = [&](const std::string& path, const char* kind, const Acl& acl) {
+        const auto raw = encode(acl);
+        return ::setxattr(path.c_str(), kind, raw.data(), raw.size(), 0) == 0;
+    };
+    Disk& disk = real_disk();
+    const auto standing = [&](const char* name) {
+        return disk.open(folder / name, Access::read)->standing();
+    };
+    for (const char* name : {"plain", "listed"}) replace_file(disk, folder / name, bytes("old"));
+    std::filesystem::permissions(folder / "plain", std::filesystem::perms(0640));
+    if (!put(folder / "listed", "system.posix_acl_access", list(65534, 0)) ||
+        !put(folder.path(), "system.posix_acl_default", list(65533, 6)))
+        GTEST_SKIP() << "the file system of the temporary folder keeps no access lists";
+    replace_file(disk, folder / "new", bytes("new"));
+    EXPECT_EQ(granted(disk, 65533, standing("new")), 6U) << "as any file that the user makes";
+    for (const char* name : {"plain", "listed"}) {
+        SCOPED_TRACE(name);
+        const Standing before = standing(name);
+        EXPECT_EQ(before.acl.size(), name == std::string("listed") ? 5U : 0U);
+        replace_file(disk, folder / name, bytes("new"));
+        EXPECT_EQ(standing(name), before);
+        copy_file(disk, folder / name, folder / "copy", Rights::of_source);
+        EXPECT_EQ(standing("copy"), before);
+        disk.remove(folder / "copy");
+    }
+}
+
+/// Owner 1 in group 10; a list of others beside them.
+TEST(Rights, are_those_of_the_list_where_there_is_one) {
+    using Of = Acl_Entry::Of;
+    Memory_Disk disk;
+    disk.enter(4, 10);
+    disk.enter(5, 11);
+    disk.enter(6, 10);
+    disk.enter(6, 11);
+    const Standing listed{1,
+                          10,
+                          0664,
+                          1,
+                          {{Of::owner, 6},
+                           {Of::user, 6, 2},
+                           {Of::user, 0, 3},
+                           {Of::group, 4},
+                           {Of::named_group, 7, 11},
+                           {Of::mask, 6},
+                           {Of::others, 4}}};
+    EXPECT_EQ(decode_acl(encode(listed.acl)), listed.acl);
+    EXPECT_EQ(acl_for(1, 10, listed), listed.acl);
+    EXPECT_THROW(decode_acl({}), std::runtime_error);
+    constexpr unsigned expected[] = {6, 0, 4, 6, 6, 4}; // for the users 2 to 7
+    for (const auto& [owner, group] :
+         {std::pair{1U, 10U}, {1U, 7U}, {8U, 10U}, {8U, 8U}, {2U, 11U}}) {
+        SCOPED_TRACE(std::to_string(owner) + " in " + std::to_string(group));
+        const Standing same{owner, group, 0664, 1, acl_for(owner, group, listed)};
+        for (User user = 2; user < 8; ++user)
+            EXPECT_TRUE(user == owner || granted(disk, user, same) == expected[user - 2]) << user;
+        EXPECT_TRUE(may_write(disk, 1, same));
+    }
+    // Where no list can be kept, nobody whom it names gets more than by it.
+    disk.keep_no_lists();
+    const auto copy = disk.open("copy", Access::create_private);
+    give_standing(disk, *copy, listed);
+    EXPECT_EQ(copy->standing().mode, 0600U);
 }
 
 TEST(Real_Disk, a_file_that_nobody_may_write_is_not_opened_for_writing) {

@@ -204,7 +204,9 @@ void edit_damaged(const std::vector<std::byte>& bytes) {
 
 /// Cuts a file at every page down to the `least`. Opening refuses what is left or says that the end
 /// is missing, unless nothing but free pages went. @return how many cuts told nobody
-int silent_cuts(files::Memory_Disk& disk, std::size_t page_size, std::size_t least = 0) {
+/// @param filling what stands where the rest was
+int silent_cuts(files::Memory_Disk& disk, std::size_t page_size, std::size_t least = 0,
+                std::optional<std::byte> filling = std::nullopt) {
     const auto whole = disk.bytes(path);
     const auto before = [&] {
         auto database = open(disk);
@@ -216,12 +218,17 @@ int silent_cuts(files::Memory_Disk& disk, std::size_t page_size, std::size_t lea
     for (auto size = whole.size(); size > least * page_size;) {
         size -= page_size;
         SCOPED_TRACE(size / page_size);
-        disk.open(path, files::Access::read_write)->resize(size);
+        const auto cut = disk.open(path, files::Access::read_write);
+        cut->resize(size);
+        if (filling) cut->write_at(size, jet::Page_Bytes(whole.size() - size, *filling));
         try {
             auto database = open(disk);
             const auto status = database.status();
             if (status.blocked == jet::Blocked::cut_off) {
-                EXPECT_EQ(status.lost_end->bytes, status.lost_end->whole - size);
+                // a free page of the same filling before the cut is counted, too
+                const auto missing = status.lost_end->whole - size;
+                EXPECT_TRUE(filling ? status.lost_end->bytes >= missing
+                                    : status.lost_end->bytes == missing);
                 EXPECT_LE(status.lost_end->whole, whole.size());
                 continue;
             }
@@ -244,6 +251,10 @@ TEST(Damage, a_missing_end_is_told_at_opening) {
         load(disk, sample.path().string());
         const bool jet3 = disk.bytes(path).at(0x14) == std::byte{0};
         EXPECT_EQ(silent_cuts(disk, jet3 ? 2048 : 4096), 0);
+        for (const int filling : {0, 0xFF}) {
+            SCOPED_TRACE(filling);
+            EXPECT_EQ(silent_cuts(disk, jet3 ? 2048 : 4096, 0, static_cast<std::byte>(filling)), 0);
+        }
     }
 }
 
@@ -271,6 +282,13 @@ TEST(Damage, a_missing_end_of_a_file_made_here_is_told_at_opening) {
         grow(pages);
         EXPECT_EQ(disk.bytes(path).size() / 4096, pages);
         EXPECT_EQ(silent_cuts(disk, 4096, pages - 20), 0);
+        const auto whole = disk.bytes(path);
+        for (const std::size_t at : {0U, 4U}) { // kind and owner of the last page
+            disk.open(path, files::Access::read_write)
+                ->write_at(whole.size() - 4096 + at, std::array{std::byte{0x77}});
+            EXPECT_EQ(open(disk).status().blocked, jet::Blocked::damaged);
+            disk.set_bytes(path, whole);
+        }
     }
     with_table([&](const jet::Table& table) {
         for (std::size_t i = rows.size() - 20; i < rows.size(); ++i) table.erase(rows[i]);

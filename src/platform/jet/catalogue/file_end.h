@@ -19,4 +19,12 @@ Pages_Claim pages_in_use(Pager& pager);
 /// maps names or where one of its trees begins. Free pages at the end are nobody's.
 std::uint64_t pages_needed(Pager& pager, const Definition& definition);
 
+/// A copy that was broken off may have the old length all the same, filled with zeros or 0xFF.
+/// @param pages that the file must have, and has. @return as many, or how many lie before the filling
+/// that the last of them belongs to
+std::uint64_t pages_before_filling(Pager& pager, std::uint64_t pages);
+
+/// Throws Error (damaged) where the last page of one of the table's maps is not one of the table.
+void check_last_pages(Pager& pager, const Definition& definition);
+
 } // namespace jet

@@ -13,7 +13,9 @@
 //     that by J1 its operation has not touched the database, or it was spoiled since, and then a
 //     change may be half written; a head that is damaged or cut off likewise. Nothing tells which,
 //     so such a journal is kept and reported. Only a file of zeros, or one shorter than a head whose
-//     bytes name no operation, was never used.
+//     bytes name no operation, was never used. One that somebody empties or removes after a crash
+//     takes what it knew with it: nothing in the database tells that an operation had begun, and
+//     only the look at the whole file before the first change finds what is half written.
 // J5  A journal is written, emptied and rolled back only under the exclusive lock on the database.
 // J6  A journal is applied only if every sector of every page that it names is as before the
 //     operation or as after it, and size and page 0 fit. Any other is renamed and reported, never
@@ -32,16 +34,22 @@
 //     with one name (hard link), opened without following a link, its owner being us, the
 //     administrator, the owner of the database or somebody whom the mode of the database lets write
 //     (members of its group by the list of users), and itself writable by nobody who may not write
-//     the database. One that is not and holds an operation is neither applied nor renamed nor
+//     the database. Where a file has a POSIX access list, this says who may write, and the group
+//     bits of the mode, which are its mask then, say nothing; a journal has exactly the list that
+//     J12 gives to one of its owner and group, and none where the database has none. One that is
+//     not believed and holds an operation is neither applied nor renamed nor
 //     emptied: the database is not written. Where the medium shows one owner for all files, and
 //     wherever the inode is not that of the database, something of the operation must be found in
 //     the database before anything is taken back.
 // J12 Nobody begins an operation on a journal that somebody else who may write the database would
 //     not believe or could not open for writing, or that lets more people read than the database. It
 //     is made private, then gets group and mode of the database (from the administrator the owner,
-//     too) by its descriptor; what it then shows counts, not what was refused. An empty one that
-//     does not serve is mended or made anew. A database with a second name is not written, because
-//     nobody would find the journal from there.
+//     too) by its descriptor, and its access list: what the folder gave it goes before it is opened
+//     to anybody; where owner or group differ, they are named in the list as far as they may open
+//     the database. What it then shows counts, not what was refused. An empty one that does not
+//     serve is mended or made anew; one that was too open is always made anew, since somebody may
+//     still have it open. A database with a second name is not written, because
+//     nobody would find the journal from there, and who reads it is told.
 // J13 What is shown in place of pages, where a journal cannot be rolled back, ends with the lock
 //     under which it was read.
 // J14 Every number in a journal is bounded before it is used: sizes are whole pages and at most
@@ -168,7 +176,7 @@ std::optional<Journal_Unusable> Journal::bar() {
 }
 
 std::string Journal::owner() {
-    return disk_.user_name(file_ ? file_->standing().owner : found_.standing.owner);
+    return disk_.user_name(file_ ? file_->standing().owner : found_.owner);
 }
 
 void Journal::read_head() {
@@ -210,9 +218,10 @@ Journal::Trust Journal::trust(files::File& database) { // J11
 bool Journal::owners_tell() {
     if (owners_tell_) return *owners_tell_;
     if (!writable_) return true; // who looks only leaves nothing behind
-    const std::string probe = path_ + "-probe";
+    // A name of nobody else's, as short as any, made new or not at all.
+    const std::string probe =
+        path_.substr(0, path_.find_last_of('/') + 1) + ".cv-sets-" + std::to_string(new_salt());
     try {
-        if (disk_.look(probe)) disk_.remove(probe);
         owners_tell_ =
             disk_.open(probe, files::Access::create_private)->standing().owner == disk_.user();
         disk_.remove(probe);
@@ -237,7 +246,8 @@ void Journal::make(std::size_t page_size, files::File& database) {
     const files::Standing library = database.standing();
     const bool empty = state_ == State::empty || state_ == State::blank;
     if (empty && !serves(library)) {
-        give_standing(disk_, *file_, library);
+        // Who has opened one that was too open still has it open when it is not.
+        if (opens_no_more(file_->standing(), library, 06)) give_standing(disk_, *file_, library);
         if (!serves(library)) drop();
     }
     // One that its maker had not yet opened to others when he crashed.

@@ -94,7 +94,8 @@ void File_Pager::begin_read() {
 }
 
 void File_Pager::enter_reading() {
-    shown_.reset(); // J13
+    shown_.reset();  // J13
+    look_at_names(); // J12
     if (still_named())
         journal_.attach(file_writable_, *file_);
     else

@@ -239,7 +239,7 @@ TEST(Journal, a_spoiled_one_is_kept_and_told) {
          }},
         {"end cut off", [](Page_Bytes& journal) { journal.resize(journal.size() - 1); }},
         {"table cut off", [](Page_Bytes& journal) { journal.resize(600); }},
-        {"head", [](Page_Bytes& journal) { journal[20] = std::byte{0xEE}; }},
+        {"head", [](Page_Bytes& journal) { journal[20] ^= std::byte{0xEE}; }},
         {"state", [](Page_Bytes& journal) { journal[jet::journal_state_at] = std::byte{3}; }},
         {"head cut off", [](Page_Bytes& journal) { journal.resize(300); }},
         {"head cut off behind the entries", [](Page_Bytes& journal) { journal.resize(20); }},
@@ -273,6 +273,20 @@ TEST(Journal, a_spoiled_one_is_kept_and_told) {
 
 using files::Standing;
 
+Standing standing_of(Memory_Disk& disk, const std::string& path) {
+    return disk.open(path, files::Access::read)->standing();
+}
+
+/// Lets one user more in; the mask is what the list gives to him.
+files::Acl list_for(files::User user, std::uint16_t rights, std::uint16_t group = 4) {
+    using Of = files::Acl_Entry::Of;
+    return {{Of::owner, 6},
+            {Of::user, rights, user},
+            {Of::group, group},
+            {Of::mask, 6},
+            {Of::others, 4}};
+}
+
 /// Three users are members of group 50; user 1000 is none.
 void enter_members(Memory_Disk& disk) {
     for (const files::User user : {2000U, 2001U, 2002U}) disk.enter(user, 50);
@@ -301,6 +315,28 @@ TEST(Journal, one_that_a_stranger_can_have_made_is_not_believed) {
         {"a member's where the group may not write", {1000, 50, 0644}, {2000, 50, 0644}},
         {"open to anybody", usual, {1000, 1000, 0646}},
         {"open to another group", shared, {1000, 60, 0664}},
+        {"open to members who may only read", {1000, 50, 0646}, {1000, 1000, 0666}},
+        {"with a list", usual, {1000, 1000, 0664, 1, list_for(3000, 6)}},
+        {"with another list",
+         {1000, 1000, 0664, 1, list_for(3000, 4)},
+         {1000, 1000, 0664, 1, list_for(3000, 6)}},
+        {"without the list", {1000, 1000, 0664, 1, list_for(3000, 4)}, {1000, 1000, 0664}},
+        {"with the list",
+         {1000, 1000, 0664, 1, list_for(3000, 4)},
+         {1000, 1000, 0664, 1, list_for(3000, 4)},
+         1000,
+         true},
+        {"by one whom the list lets read",
+         {1000, 1000, 0664, 1, list_for(3000, 4)},
+         {3000, 1000, 0664, 1, list_for(1000, 6)}},
+        {"by one whom the list lets write",
+         {1000, 1000, 0664, 1, list_for(3000, 6)},
+         {3000, 1000, 0664, 1, list_for(1000, 6)},
+         1000,
+         true},
+        {"a member's where the group bits are the mask",
+         {1000, 50, 0664, 1, list_for(3000, 6)},
+         {2000, 50, 0664, 1, list_for(1000, 6)}},
         {"with a second name", usual, usual, 1000, false,
          [](Memory_Disk& d) { d.link(journal_name, "elsewhere"); }},
         {"on a server that shows one owner",
@@ -320,8 +356,11 @@ TEST(Journal, one_that_a_stranger_can_have_made_is_not_believed) {
         c.prepare(disk);
         const auto file = disk.bytes(name);
         const auto journal = disk.bytes(journal_name);
+        disk.set_bytes(journal_name + "-probe", {}); // somebody's
+        const auto others = disk.paths();
         {
             const auto pager = open_pager(disk, name, Open_Mode::read_write);
+            EXPECT_EQ(disk.paths(), others);
             ASSERT_EQ(pager->report().recovery == Recovery::rolled_back, c.believed);
             EXPECT_EQ(!pager->report().refusal, c.believed);
             EXPECT_EQ(content(*pager), c.believed ? old_state() : file);
@@ -386,6 +425,10 @@ TEST(Journal, serves_all_who_may_write_the_library) {
     };
     const Standing usual{1000, 1000, 0644};
     const Standing shared{1000, 50, 0664};
+    using Of = files::Acl_Entry::Of;
+    const files::Acl list_of_3000{{Of::owner, 6}, {Of::user, 6, 1000},
+                                  {Of::group, 0}, {Of::named_group, 0, 1000},
+                                  {Of::mask, 6},  {Of::others, 4}};
     const Case cases[] = {
         {"private", 1000, {1000, 1000, 0600}, nothing, Blocked::no, {1000, 1000, 0600}},
         {"a member's", 2000, shared, nothing, Blocked::journal_rights},
@@ -455,6 +498,25 @@ TEST(Journal, serves_all_who_may_write_the_library) {
          [](Memory_Disk& d) { d.count_short_names(); },
          Blocked::no,
          {1000, 1000, 0644, 2}},
+        {"a list",
+         1000,
+         {1000, 1000, 0664, 1, list_for(3000, 6)},
+         nothing,
+         Blocked::no,
+         {1000, 1000, 0664, 1, list_for(3000, 6)}},
+        {"one whom the list lets write",
+         3000,
+         {1000, 1000, 0664, 1, list_for(3000, 6, 0)},
+         nothing,
+         Blocked::no,
+         {3000, 3000, 0664, 1, list_of_3000}},
+        {"a list in place that the library has not", 1000, usual,
+         in_place({1000, 1000, 0664, 1, list_for(3000, 6)}, 512), Blocked::no, usual},
+        {"a list that the medium does not keep",
+         1000,
+         {1000, 1000, 0664, 1, list_for(3000, 6)},
+         [](Memory_Disk& d) { d.keep_no_lists(); },
+         Blocked::journal_rights},
         {"both", 1000, usual,
          [](Memory_Disk& d) {
              d.count_short_names();
@@ -478,7 +540,7 @@ TEST(Journal, serves_all_who_may_write_the_library) {
             continue;
         }
         put(*pager, {1}, 1);
-        EXPECT_EQ(disk.look(journal_name)->standing, c.journal);
+        EXPECT_EQ(standing_of(disk, journal_name), c.journal);
     }
 }
 
@@ -500,9 +562,15 @@ TEST(Journal, follows_the_rights_and_names_of_a_library_that_is_open) {
     const auto pager = open_pager(disk, name, Open_Mode::read_write);
     put(*pager, {1}, 1);
     disk.set_standing(name, {1000, 1000, 0600});
+    const auto too_open = disk.identity(journal_name); // by somebody already, perhaps
     put(*pager, {1}, 2);
-    EXPECT_EQ(disk.look(journal_name)->standing.mode, 0600U);
+    EXPECT_NE(disk.identity(journal_name), too_open);
+    EXPECT_EQ(standing_of(disk, journal_name).mode, 0600U);
+    const auto reader = open_pager(disk, name, Open_Mode::read_only);
+    EXPECT_EQ(reader->report().refusal->blocked, jet::Blocked::write_protected);
     disk.link(name, "second.mdb");
+    content(*reader); // half an operation, for all that can be known
+    EXPECT_EQ(reader->report().refusal->blocked, jet::Blocked::second_name);
     EXPECT_THROW(pager->begin_write(), jet::Error);
     EXPECT_EQ(pager->report().refusal->blocked, jet::Blocked::second_name);
 }
