@@ -21,6 +21,11 @@ bool is_back(const ado::Row& row, const ado::Row& wanted) {
            std::equal(wanted.begin(), wanted.end(), row.begin(), ado::same_cell);
 }
 
+/// A row of another program that was changed may have followed one of ours, and follows it again.
+bool may_follow(const Row_Change& change) {
+    return change.table == Table::other && !change.before.empty() && !change.after.empty();
+}
+
 void restore(Library_Operation& operation, const Row_Change& change) {
     ado::Session& session = operation.file().connection().session();
     const QString table = table_name(change);
@@ -29,6 +34,9 @@ void restore(Library_Operation& operation, const Row_Change& change) {
                        ado::Origin::restored);
     } else {
         const ado::Found_Rows found = session.rows_equal(table, change.before);
+        if (found.order.empty() && may_follow(change) &&
+            !session.rows_equal(table, change.after).order.empty())
+            return;
         if (found.order.empty()) throw differs(table, change.key);
         if (change.after.empty())
             session.erase(table, *found.block, found.order.front());
@@ -49,7 +57,9 @@ Replayed restore_rows(Library_Operation& operation, const std::vector<Row_Change
     if (!operation.begin()) return Replayed::failed;
     Replayed result = Replayed::done;
     try {
-        for (const Row_Change& change : changes) restore(operation, change);
+        for (const bool following : {false, true})
+            for (const Row_Change& change : changes)
+                if (may_follow(change) == following) restore(operation, change);
         Row_Surroundings(operation.file()).check(all, doubles);
     } catch (const ado::Error& error) {
         operation.file().note(error);

@@ -295,7 +295,7 @@ TEST_F(Copies, a_spoiled_one_is_known_by_its_rows_and_its_end) {
     const std::vector<std::byte> whole = disk.bytes(copy);
     const auto told = [&](std::size_t page, std::size_t pages) {
         auto bytes = whole;
-        if (page != 0) std::fill_n(&bytes[page * 4096], 4096, std::byte{0xFF});
+        if (page != 0) std::fill_n(&bytes[page * 4096], 4096, std::byte{0x5A});
         bytes.resize(pages * 4096);
         disk.set_bytes(copy, bytes);
         Program run(disk, time);

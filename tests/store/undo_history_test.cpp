@@ -182,6 +182,51 @@ TEST_F(Undo, rows_of_other_programs_that_go_with_a_set_come_back) {
     EXPECT_EQ(library::faults(disk, "a.mdb"), std::vector<std::string>());
 }
 
+TEST_F(Undo, rows_of_other_programs_that_follow_a_name_are_part_of_the_step) {
+    if (library::names().empty()) GTEST_SKIP() << "no samples";
+    library::put(disk, "library_2000", "a.mdb");
+    const auto followers = [&](auto act) {
+        auto file = jet::Database::open(disk, "a.mdb", jet::Mode::read_write);
+        act(file);
+    };
+    followers([](jet::Database& file) {
+        jet::Column id, name;
+        id.name = u"ID";
+        name.name = u"Name";
+        name.type = jet::Column_Type::text;
+        name.length = 100;
+        jet::Index unique;
+        unique.name = u"Einmalig";
+        unique.columns = {{u"Name"}};
+        unique.unique = true;
+        file.add_index(u"Sets", unique);
+        const jet::Table made =
+            file.create_table(u"Loks", std::array{id, name}, std::array<jet::Index, 0>{});
+        jet::Relation relation{u"Heisst", u"Sets", {u"Name"}, u"Loks", {u"Name"}};
+        relation.cascade_update = true;
+        file.add_relation(relation);
+        auto set = file.table(u"Sets")->find({{*file.table(u"Sets")->column(u"SetID"), 3}});
+        ASSERT_TRUE(set.next());
+        made.insert({{0, 1}, {1, set.value(*file.table(u"Sets")->column(u"Name"))}});
+    });
+    db.Connection_Start(u"a.mdb"_s);
+    const Content before = content(disk);
+    ASSERT_TRUE(Person(db).rename(3, u"Neu"_s)) << shown();
+    const Content after = content(disk);
+    for (int round = 0; round < 2; ++round) {
+        ASSERT_EQ(history.undo().outcome, Outcome::done) << shown();
+        EXPECT_EQ(difference(content(disk), before), "");
+        ASSERT_EQ(history.redo().outcome, Outcome::done) << shown();
+        EXPECT_EQ(difference(content(disk), after), "");
+    }
+    followers([](jet::Database& file) { // somebody else has touched what has followed
+        auto row = file.table(u"Loks")->rows();
+        ASSERT_TRUE(row.next());
+        file.table(u"Loks")->update(row.id(), {{1, jet::Null{}}});
+    });
+    EXPECT_EQ(history.undo().outcome, Outcome::changed_elsewhere);
+}
+
 /// Cells as other programs store them, by the bytes that stand for a name of ours in the file.
 std::vector<std::pair<std::string, std::string>> foreign_names() {
     return {{"half a surrogate", std::string("A\0\x00\xD8"
