@@ -99,8 +99,10 @@ void Engine::check_tables() {
 /// @param pages that the file must have
 void Engine::note_end(std::uint64_t pages) {
     if (pages <= arrived_) {
-        const std::uint64_t before = pages_before_filling(*pager_, pages);
-        if (before == pages) return;
+        if (pages_before_filling(*pager_, pages) == pages) return;
+        // one spoiled page with good ones behind it is damage, not an end
+        const std::uint64_t before = pages_before_filling(*pager_, pager_->page_count());
+        if (before >= pages) return;
         arrived_ = before;
     }
     if (!lost_end_) lost_end_.emplace();
