@@ -35,12 +35,15 @@ int main(int argc, char** argv) {
     ui_desktop::Qt_Desktop desktop;
     ui_main::Frm_Main window(desktop, files::real_disk(), store::DBConn());
     const desktop::End_Signals signals([&window] {
-        window.close();
+        window.unload();
         QCoreApplication::quit();
     });
-    // Logging off ends the program without closing its windows.
+    // Logging off ends the program without closing its windows, or it may be called off.
     QObject::connect(&application, &QCoreApplication::aboutToQuit, &window,
                      &ui_main::Frm_Main::unload);
+    QObject::connect(
+        &application, &QGuiApplication::commitDataRequest, &window,
+        [&window] { window.gate().pass_at_once(); }, Qt::DirectConnection);
     window.load();
     window.show();
     return QApplication::exec();

@@ -24,6 +24,8 @@ public:
     void add(Work_Holder& holder) { holders_.push_back(&holder); }
     void remove(Work_Holder& holder) { std::erase(holders_, &holder); }
 
+    /// Whether passing may end with somebody being asked.
+    bool somebody_may_stay() const { return !holders_.empty(); }
     /// Asks each holder once, the latest first; when all agree, a job that runs is ended: it never
     /// refuses. @return whether the way is free; not while it is being asked already, so that two
     /// closings at once are one

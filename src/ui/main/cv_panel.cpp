@@ -1,7 +1,7 @@
 #include "ui/main/cv_panel.h"
 
+#include "ui/main/library_view.h"
 #include "ui/main/main_form.h"
-#include "ui/main/status_line.h"
 #include "ui/main/texts.h"
 
 #include <QKeyEvent>
@@ -16,10 +16,11 @@ constexpr int last_cv = 1024;
 
 } // namespace
 
-Cv_Panel::Cv_Panel(Main_Form& form, store::clsDBConn& database, Cv_Panel_Owner& owner)
-    : form_(form), database_(database), owner_(owner) {
-    const auto enter_leads = [this](Number_Field* from, Number_Field* to) {
-        connect(from, &QLineEdit::returnPressed, to, &Number_Field::take_focus);
+Cv_Panel::Cv_Panel(Main_Form& form, store::clsDBConn& database, Library_View& view,
+                   Messages& messages)
+    : form_(form), database_(database), view_(view), messages_(messages) {
+    const auto enter_leads = [this](ui_parts::Number_Field* from, ui_parts::Number_Field* to) {
+        connect(from, &QLineEdit::returnPressed, to, &ui_parts::Number_Field::take_focus);
     };
     enter_leads(form.txt_cv_page[0], form.txt_cv_page[1]);
     enter_leads(form.txt_cv_page[1], form.txt_cv_nummer);
@@ -40,7 +41,7 @@ void Cv_Panel::load_selected() {
     if (key == 0) return;
     const store::CVRec cv = database_.DB_Get_CV(key);
     if (cv.CVID == 0) { // the fields stay: no CV has the zeros of a row that is not there
-        if (!owner_.say_trouble()) leave_gone_cvs(1);
+        if (!messages_.say_trouble()) leave_gone_cvs(1);
         return;
     }
     form_.txt_cv_nummer->set_number(cv.CVNr);
@@ -52,18 +53,18 @@ void Cv_Panel::load_selected() {
 // The neighbour of the one that the keyboard was at gets its place, and nothing is selected: what
 // the fields show is none of those in the list.
 void Cv_Panel::leave_gone_cvs(int count) {
-    const Status_Line::One_Command one(owner_.status_line());
-    if (owner_.leave_gone_set()) return;
+    const auto one = messages_.one_command();
+    if (view_.leave_gone_set()) return;
     Entry_List& list = *form_.lst_CVs;
     const std::vector<std::int32_t> around = list.keys_around(list.current_row());
-    owner_.Show_CVs(0);
+    view_.Show_CVs(0);
     for (const std::int32_t key : around) {
         const auto row = list.row_of(key);
         if (row) list.go_to_row(*row);
         if (row) break;
     }
-    owner_.say(text(Text::cvs_gone).arg(count));
-    owner_.say_trouble();
+    messages_.say(text(Text::cvs_gone).arg(count));
+    messages_.say_trouble();
 }
 
 void Cv_Panel::chosen() {
@@ -110,10 +111,10 @@ void Cv_Panel::delete_selected() {
     Entry_List& list = *form_.lst_CVs;
     const std::vector<int> rows = list.selected_rows();
     if (rows.empty()) {
-        owner_.say(text(Text::no_cv_selected));
+        messages_.say(text(Text::no_cv_selected));
         return;
     }
-    const Status_Line::One_Command one(owner_.status_line());
+    const auto one = messages_.one_command();
     store::Operation operation(database_);
     int deleted = 0;
     int gone = 0;
@@ -127,27 +128,27 @@ void Cv_Panel::delete_selected() {
         }
     }
     const bool kept = operation.keep();
-    if (gone > 0 && owner_.leave_gone_set()) return;
-    owner_.Show_CVs(0);
+    if (gone > 0 && view_.leave_gone_set()) return;
+    view_.Show_CVs(0);
     if (list.count() > 0) {
         list.select_row(std::min(rows.front(), list.count() - 1));
         load_selected();
     }
     form_.txt_cv_wert->selectAll();
-    if (owner_.say_trouble() || !kept) return;
-    if (deleted > 0) owner_.say(text(Text::cvs_deleted).arg(deleted));
-    if (gone > 0) owner_.say(text(Text::cvs_gone).arg(gone));
+    if (messages_.say_trouble() || !kept) return;
+    if (deleted > 0) messages_.say(text(Text::cvs_deleted).arg(deleted));
+    if (gone > 0) messages_.say(text(Text::cvs_gone).arg(gone));
 }
 
 bool Cv_Panel::fields_in_range() {
     if (form_.txt_cv_nummer->number() > largest_number ||
         form_.txt_cv_wert->number() > largest_number) {
-        owner_.say(text(Text::number_beyond));
+        messages_.say(text(Text::number_beyond));
         return false;
     }
     if (form_.txt_cv_page[0]->number() > largest_byte ||
         form_.txt_cv_page[1]->number() > largest_byte) {
-        owner_.say(text(Text::page_beyond));
+        messages_.say(text(Text::page_beyond));
         return false;
     }
     return true;
@@ -168,7 +169,7 @@ store::CVRec Cv_Panel::record(int number) const {
 }
 
 void Cv_Panel::Save_CV() {
-    const Status_Line::One_Command one(owner_.status_line());
+    const auto one = messages_.one_command();
     if (!fields_in_range()) {
         form_.txt_cv_wert->selectAll();
         return;
@@ -176,9 +177,9 @@ void Cv_Panel::Save_CV() {
     store::CVRec cv = record(form_.txt_cv_nummer->number());
     cv.CVWert = static_cast<std::int16_t>(form_.txt_cv_wert->number());
     if (cv.CVNr < 1 || cv.CVNr > last_cv) {
-        owner_.say(text(Text::cv_number_beyond));
+        messages_.say(text(Text::cv_number_beyond));
     } else if (cv.CVWert > largest_byte) {
-        owner_.say(text(Text::cv_value_beyond));
+        messages_.say(text(Text::cv_value_beyond));
     } else {
         store_record(cv);
     }
@@ -188,11 +189,11 @@ void Cv_Panel::Save_CV() {
 
 void Cv_Panel::store_record(store::CVRec cv) {
     const bool stored = database_.DB_Write_CV(cv);
-    if (!stored && owner_.leave_gone_set()) return;
-    owner_.Show_CVs(0);
+    if (!stored && view_.leave_gone_set()) return;
+    view_.Show_CVs(0);
     if (const auto row = Find_CV_Index(cv.CVID)) form_.lst_CVs->go_to_row(*row);
-    if (!owner_.say_trouble() && stored) {
-        owner_.say(text(Text::cv_stored).arg(cv.CVNr).arg(cv.CVWert));
+    if (!messages_.say_trouble() && stored) {
+        messages_.say(text(Text::cv_stored).arg(cv.CVNr).arg(cv.CVWert));
     }
 }
 

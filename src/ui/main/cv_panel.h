@@ -9,28 +9,14 @@
 namespace ui_main {
 
 class Main_Form;
-class Status_Line;
-
-/// What the CV panel asks of the window around it.
-class Cv_Panel_Owner {
-public:
-    virtual ~Cv_Panel_Owner() = default;
-    /// Refills the CV list of a set, 0 for the current one, with its count.
-    virtual void Show_CVs(std::int32_t SetID) = 0;
-    virtual void say(const QString& sentence) = 0;
-    /// Says what kept the database from the last operation, if anything did. @return whether so
-    virtual bool say_trouble() = 0;
-    /// Takes the selected set out of view if it has been deleted elsewhere, and says so. @return
-    /// whether so
-    virtual bool leave_gone_set() = 0;
-    virtual Status_Line& status_line() = 0;
-};
+class Library_View;
+class Messages;
 
 /// Entering, walking and deleting CVs with the keyboard, in the list and the four fields.
 class Cv_Panel final : public QObject {
     Q_OBJECT
 public:
-    Cv_Panel(Main_Form& form, store::clsDBConn& database, Cv_Panel_Owner& owner);
+    Cv_Panel(Main_Form& form, store::clsDBConn& database, Library_View& view, Messages& messages);
 
     /// Stores the CV of the fields and offers the next one.
     void Save_CV();
@@ -55,7 +41,8 @@ private:
 
     Main_Form& form_;
     store::clsDBConn& database_;
-    Cv_Panel_Owner& owner_;
+    Library_View& view_;
+    Messages& messages_;
 };
 
 } // namespace ui_main

@@ -1,8 +1,8 @@
 #include "ui/main/frm_get_2_string.h"
 
-#include "ui/main/name_field.h"
-#include "ui/main/number_field.h"
 #include "ui/main/texts.h"
+#include "ui/parts/name_field.h"
+#include "ui/parts/number_field.h"
 
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -11,8 +11,9 @@ namespace ui_main {
 
 frm_get_2_string::frm_get_2_string(QWidget* parent, int name_width)
     : QDialog(parent), Label1(new QLabel(text(Text::new_set_name), this)),
-      Label2(new QLabel(text(Text::set_number), this)), Text1(new Name_Field(this, name_width)),
-      Text2(new Number_Field(this, highest_set_number)), lab_hint(new QLabel(this)),
+      Label2(new QLabel(text(Text::set_number), this)),
+      Text1(new ui_parts::Name_Field(this, name_width)),
+      Text2(new ui_parts::Number_Field(this, highest_set_number)), lab_hint(new QLabel(this)),
       cmd_ok(new QPushButton(text(Text::ok), this)),
       cmd_cancel(new QPushButton(text(Text::cancel), this)) {
     setObjectName(QStringLiteral("frm_get_2_string"));
@@ -51,10 +52,11 @@ frm_get_2_string::frm_get_2_string(QWidget* parent, int name_width)
     const QString too_high = text(Text::number_too_high).arg(highest_set_number);
     connect(Text1, &QLineEdit::textChanged, this,
             [=, this] { hint(name_hint_, Text1->was_cut() ? name_cut : QString()); });
-    connect(Text1, &Name_Field::cut, this, [=, this] { hint(name_hint_, name_cut); });
-    connect(Text1, &Name_Field::full, this, [=, this] { hint(name_hint_, name_full); });
+    connect(Text1, &ui_parts::Name_Field::cut, this, [=, this] { hint(name_hint_, name_cut); });
+    connect(Text1, &ui_parts::Name_Field::full, this, [=, this] { hint(name_hint_, name_full); });
     connect(Text2, &QLineEdit::textChanged, this, [this] { hint(number_hint_, {}); });
-    connect(Text2, &Number_Field::too_high, this, [=, this] { hint(number_hint_, too_high); });
+    connect(Text2, &ui_parts::Number_Field::too_high, this,
+            [=, this] { hint(number_hint_, too_high); });
 }
 
 void frm_get_2_string::set_texts(const QString& caption, const QString& name,

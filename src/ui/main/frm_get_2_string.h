@@ -5,10 +5,12 @@
 #include <QPushButton>
 #include <optional>
 
-namespace ui_main {
-
+namespace ui_parts {
 class Name_Field;
 class Number_Field;
+} // namespace ui_parts
+
+namespace ui_main {
 
 /// The two texts that frm_get_2_string hands back, both empty when it was cancelled.
 struct Two_Strings {
@@ -41,8 +43,8 @@ private:
 
     QLabel* Label1;
     QLabel* Label2;
-    Name_Field* Text1;
-    Number_Field* Text2;
+    ui_parts::Name_Field* Text1;
+    ui_parts::Number_Field* Text2;
     QLabel* lab_hint;
     QPushButton* cmd_ok;
     QPushButton* cmd_cancel;

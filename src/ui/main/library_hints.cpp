@@ -1,15 +1,15 @@
 // What empty lists say: what to do first, as far as it can be done.
 
-#include "ui/main/Frm_Main.h"
 #include "ui/main/UC_Scripte.h"
+#include "ui/main/library_view.h"
 #include "ui/main/main_form.h"
 #include "ui/main/texts.h"
 
 namespace ui_main {
 
-void Frm_Main::show_hints() {
-    const bool chosen = form_->lst_sets->selected_key() != 0;
-    const bool sets_there = form_->lst_sets->count() > 0;
+void Library_View::show_hints() {
+    const bool chosen = form_.lst_sets->selected_key() != 0;
+    const bool sets_there = form_.lst_sets->count() > 0;
     Text cvs = sets_there ? Text::hint_choose_set : Text::hint_cvs;
     if (chosen) cvs = database_.writable() ? Text::hint_no_cvs : Text::hint_no_cvs_here;
     Text scripts = chosen ? Text::hint_no_scripts : Text::hint_scripts;
@@ -18,20 +18,20 @@ void Frm_Main::show_hints() {
         cvs = Text::hint_cvs_unreadable;
         if (why != store::Blocked::no_cvs) scripts = Text::hint_scripts_unreadable;
     }
-    form_->sets_hint->set_text(sets_there ? QString() : text(hint_for_sets()));
-    form_->cvs_hint->set_text(text(cvs));
-    form_->UC_Scripte1->set_hint(text(scripts));
+    form_.sets_hint->set_text(sets_there ? QString() : text(hint_for_sets()));
+    form_.cvs_hint->set_text(text(cvs));
+    form_.UC_Scripte1->set_hint(text(scripts));
 }
 
 // That nothing was found in a damaged library, or in one without its end, does not prove that
 // nothing was there.
-bool Frm_Main::sets_unreadable() {
+bool Library_View::sets_unreadable() {
     const store::Blocked why = database_.opening().blocked;
     return (why == store::Blocked::damaged || why == store::Blocked::cut_off) &&
            database_.Get_Anz_CVSets() == 0;
 }
 
-Text Frm_Main::hint_for_sets() {
+Text Library_View::hint_for_sets() {
     if (!database_.Connection_Active()) return Text::hint_no_database;
     if (sets_unreadable() || database_.opening().lost_end.sets) return Text::hint_sets_unreadable;
     if (!database_.is_library()) return Text::hint_no_sets_here;

@@ -64,8 +64,8 @@ Entry_List* list(const char* name, Text spoken, QWidget* parent) {
     return made;
 }
 
-Number_Field* field(const char* name, QLabel* caption, QWidget* parent) {
-    auto* made = new Number_Field(parent);
+ui_parts::Number_Field* field(const char* name, QLabel* caption, QWidget* parent) {
+    auto* made = new ui_parts::Number_Field(parent);
     made->setObjectName(QString::fromLatin1(name));
     made->setAccessibleName(caption->text());
     caption->setBuddy(made);

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "ui/main/entry_list.h"
-#include "ui/main/number_field.h"
 #include "ui/parts/empty_hint.h"
+#include "ui/parts/number_field.h"
 
 #include <QGroupBox>
 #include <QLabel>
@@ -39,9 +39,9 @@ public:
     QLabel* lab_cv_page_lo;
     QLabel* lab_anz_cvs_txt;
     QLabel* lab_Anz_CVs;
-    Number_Field* txt_cv_nummer;
-    Number_Field* txt_cv_wert;
-    std::array<Number_Field*, 2> txt_cv_page{};
+    ui_parts::Number_Field* txt_cv_nummer;
+    ui_parts::Number_Field* txt_cv_wert;
+    std::array<ui_parts::Number_Field*, 2> txt_cv_page{};
     UC_Scripte* UC_Scripte1;
     std::unique_ptr<ui_parts::Empty_Hint> sets_hint;
     std::unique_ptr<ui_parts::Empty_Hint> cvs_hint;

@@ -1,138 +1,146 @@
 #include "ui/main/menus.h"
 
-#include "app/mod_fileverwaltung.h"
-#include "ui/main/status_line.h"
-
+#include <QAction>
 #include <QMenu>
 #include <QMenuBar>
+#include <algorithm>
+#include <iterator>
 
 namespace ui_main {
 namespace {
 
-struct Menu {
+enum class Kind {
+    command,
+    separator,
+    menu, ///< stands in a menu or, without the name of one, in the menu bar
+    popup ///< a menu that stands nowhere
+};
+
+struct Menu_Row {
+    const char* menu; ///< name of the menu that holds it; empty for the menu bar itself
     const char* name;
     const char16_t* caption;
-    bool in_bar;
+    Kind kind = Kind::command;
 };
 
-constexpr Menu menus[] = {
-    {"mnu_datei", u"&Datei", true},
-    {"mnu_cv_set", u"&CV Set", true},
-    {"mxu_FENTO", u"&FENTO", true},
-    {"mnu_copymenu", u"Copy", false},  // pops up on the CV list only
-    {"mnu_extras", u"E&xtras", false}, // comes last into the bar
+/// Names and captions are those under which people and manuals know the entries.
+constexpr Menu_Row menu_rows[] = {
+    {"", "mnu_datei", u"&Datei", Kind::menu},
+    {"mnu_datei", "mnu_export_oem", u"CV-Sets als vqx speichern (&oem)"},
+    {"mnu_datei", "mnu_export_user", u"CV-Sets als vqx speichern (&user)"},
+    {"mnu_datei", "nix1", u"", Kind::separator},
+    {"mnu_datei", "mnu_open_database", u"Datenbank ö&ffnen"},
+    {"mnu_datei", "mnu_open_last", u"Datenbank öffnen &letzte Datei", Kind::menu},
+    {"mnu_datei", "mnu_create_database", u"Datenbank &erstellen"},
+    {"mnu_datei", "nix2", u"", Kind::separator},
+    {"mnu_datei", "mnu_datei_beenden", u"&Beenden"},
+
+    {"", "mnu_cv_set", u"&CV Set", Kind::menu},
+    {"mnu_cv_set", "mnu_cvset_hinzu", u"&Hinzufügen"},
+    {"mnu_cv_set", "mnu_cvset_rename", u"&Umbenennen (Doppelklick)"},
+    {"mnu_cv_set", "mnu_cvset_del", u"&Löschen (Entf)"},
+    {"mnu_cv_set", "mnu_cvset_copy", u"&Kopieren"},
+    {"mnu_cv_set", "mnu_cvset_paste", u"&Einfügen"},
+    {"mnu_cv_set", "mnu_cvset_export_txt", u"In &Zwischenablage"},
+
+    {"", "mxu_FENTO", u"&FENTO", Kind::menu},
+    {"mxu_FENTO", "mnu_CVSet_Laden", u"&Gewähltes CV-Set in QD-Decoder laden"},
+    {"mxu_FENTO", "mnu_get_decodertyp", u"&Decodertyp abfragen"},
+
+    {"", "mnu_copymenu", u"Copy", Kind::popup},
+    {"mnu_copymenu", "mnu_copy", u"&Kopieren"},
+    {"mnu_copymenu", "mnu_paste", u"&Einfügen"},
+
+    {"", "mnu_einstellungen", u"&Einstellungen"},
+
+    {"", "mnu_extras", u"E&xtras", Kind::menu},
+    {"mnu_extras", "mnu_undo", u"&Rückgängig"},
+    {"mnu_extras", "mnu_redo", u"&Wiederholen"},
+    {"mnu_extras", "nix3", u"", Kind::separator},
+    {"mnu_extras", "mnu_restore", u"&Sicherung wiederherstellen"},
 };
 
-// A menu with its name on both faces: the menu itself and the entry that opens it.
-QMenu* named_menu(const char* name, const char16_t* caption, QWidget* parent) {
-    auto* menu = new QMenu(QString::fromUtf16(caption), parent);
-    menu->setObjectName(QString::fromLatin1(name));
-    menu->menuAction()->setObjectName(menu->objectName());
-    return menu;
+bool is_menu(const Menu_Row& entry) {
+    return entry.kind == Kind::menu || entry.kind == Kind::popup;
 }
-
-// The path as a caption: "&" is no mnemonic in it.
-QString caption_of(QString path) { return path.replace(u'&', QStringLiteral("&&")); }
 
 } // namespace
 
-const std::vector<Menu_Entry>& Frm_Main::menu_entries() {
-    using Family = Menu_Entry::Family;
-    static const std::vector<Menu_Entry> entries{
-        {"mnu_datei", "mnu_export_oem", u"CV-Sets als vqx speichern (&oem)", &Frm_Main::export_oem,
-         Family::qr},
-        {"mnu_datei", "mnu_export_user", u"CV-Sets als vqx speichern (&user)",
-         &Frm_Main::export_user, Family::qr},
-        {"mnu_datei", "nix1", u""},
-        {"mnu_datei", "mnu_open_database", u"Datenbank ö&ffnen", &Frm_Main::open_database},
-        {"mnu_datei", "mnu_open_last", u"Datenbank öffnen &letzte Datei"},
-        {"mnu_datei", "mnu_create_database", u"Datenbank &erstellen", &Frm_Main::create_database},
-        {"mnu_datei", "nix2", u""},
-        {"mnu_datei", "mnu_datei_beenden", u"&Beenden", &Frm_Main::end_program},
-        {"mnu_cv_set", "mnu_cvset_hinzu", u"&Hinzufügen", &Frm_Main::add_set},
-        {"mnu_cv_set", "mnu_cvset_rename", u"&Umbenennen (Doppelklick)", &Frm_Main::rename_set},
-        {"mnu_cv_set", "mnu_cvset_del", u"&Löschen (Entf)", &Frm_Main::delete_set},
-        {"mnu_cv_set", "mnu_cvset_copy", u"&Kopieren", &Frm_Main::copy_set},
-        {"mnu_cv_set", "mnu_cvset_paste", u"&Einfügen", &Frm_Main::paste_set},
-        {"mnu_cv_set", "mnu_cvset_export_txt", u"In &Zwischenablage", &Frm_Main::copy_listing},
-        {"mxu_FENTO", "mnu_CVSet_Laden", u"&Gewähltes CV-Set in QD-Decoder laden", nullptr,
-         Family::qd},
-        {"mxu_FENTO", "mnu_get_decodertyp", u"&Decodertyp abfragen", nullptr, Family::qd},
-        {"mnu_copymenu", "mnu_copy", u"&Kopieren", &Frm_Main::copy_cvs},
-        {"mnu_copymenu", "mnu_paste", u"&Einfügen", &Frm_Main::paste_cvs},
-        {"", "mnu_einstellungen", u"&Einstellungen", &Frm_Main::settings},
-        {"mnu_extras", "mnu_undo", u"&Rückgängig", &Frm_Main::undo},
-        {"mnu_extras", "mnu_redo", u"&Wiederholen", &Frm_Main::redo},
-        {"mnu_extras", "nix3", u""},
-        {"mnu_extras", "mnu_restore", u"&Sicherung wiederherstellen", &Frm_Main::restore_backup},
-    };
-    return entries;
+Menus::Menus(QMainWindow& window, const app::Job_State& job) : window_(window), job_(job) {
+    build();
+    connect(&job, &app::Job_State::changed, this, &Menus::enable);
+    enable();
 }
 
-void Frm_Main::build_menus() {
-    for (const Menu& each : menus) {
-        QMenu* menu = named_menu(each.name, each.caption, this);
-        if (each.in_bar) menuBar()->addMenu(menu);
-    }
-    for (const Menu_Entry& entry : menu_entries()) {
-        QWidget* place = menuBar();
-        if (*entry.menu != 0) place = findChild<QMenu*>(QString::fromLatin1(entry.menu));
-        if (qstrcmp(entry.name, "mnu_open_last") == 0) {
-            mnu_open_last_ = named_menu(entry.name, entry.caption, this);
-            place->addAction(mnu_open_last_->menuAction());
-            continue;
+// A menu has its name on both faces: itself and the entry that opens it.
+void Menus::build() {
+    for (const Menu_Row& each : menu_rows) {
+        QAction* action = nullptr;
+        if (is_menu(each)) {
+            auto* made = new QMenu(QString::fromUtf16(each.caption), &window_);
+            made->setObjectName(QString::fromLatin1(each.name));
+            connect(made, &QMenu::aboutToShow, this,
+                    [this, made] { tell_what_is_possible(*made); });
+            connect(made, &QMenu::aboutToHide, this, &Menus::enable);
+            action = made->menuAction();
+        } else {
+            action = new QAction(QString::fromUtf16(each.caption), &window_);
+            action->setSeparator(each.kind == Kind::separator);
         }
-        auto* action = new QAction(QString::fromUtf16(entry.caption), this);
-        action->setObjectName(QString::fromLatin1(entry.name));
-        action->setSeparator(action->text().isEmpty());
-        action->setData(action->text()); // for entries that change theirs
-        if (entry.run != nullptr) connect(action, &QAction::triggered, this, command(entry.run));
+        action->setObjectName(QString::fromLatin1(each.name));
+        actions_.push_back(action);
+        if (each.kind == Kind::popup) continue;
+        QWidget* place = window_.menuBar();
+        if (*each.menu != 0) place = &menu(each.menu);
         place->addAction(action);
     }
-    mnu_cv_set_ = findChild<QMenu*>(QStringLiteral("mnu_cv_set"));
-    mnu_copymenu_ = findChild<QMenu*>(QStringLiteral("mnu_copymenu"));
-    build_extras();
-    Fill_Last_Files_Menu();
-    enable_commands();
 }
 
-void Frm_Main::build_extras() {
-    menu_extras_ = findChild<QMenu*>(QStringLiteral("mnu_extras"));
-    menuBar()->addMenu(menu_extras_);
-    mnu_undo_ = findChild<QAction*>(QStringLiteral("mnu_undo"));
-    mnu_redo_ = findChild<QAction*>(QStringLiteral("mnu_redo"));
-    mnu_undo_->setShortcut(Qt::CTRL | Qt::Key_Z);
-    mnu_redo_->setShortcut(Qt::CTRL | Qt::SHIFT | Qt::Key_Z);
-    connect(menu_extras_, &QMenu::aboutToShow, this, [this] { name_steps(true); });
-    connect(menu_extras_, &QMenu::aboutToHide, this, [this] { name_steps(false); });
+QMenu& Menus::menu(const char* name) const { return *entry(name).menu<QMenu*>(); }
+
+QAction& Menus::entry(const char* name) const {
+    const auto* found = std::ranges::find_if(
+        menu_rows, [&](const Menu_Row& each) { return qstrcmp(each.name, name) == 0; });
+    return *actions_.at(static_cast<std::size_t>(found - std::begin(menu_rows)));
 }
 
-void Frm_Main::enable_commands() {
-    const auto own = family_ == 0 ? Menu_Entry::Family::qr : Menu_Entry::Family::qd;
-    for (const Menu_Entry& entry : menu_entries()) {
-        auto* action = findChild<QAction*>(QString::fromLatin1(entry.name));
-        if (action == nullptr || action->menu() != nullptr) continue;
-        action->setEnabled(entry.run != nullptr &&
-                           (entry.family == Menu_Entry::Family::any || entry.family == own));
+void Menus::bring(std::vector<Command> commands) {
+    for (const Command& command : commands) {
+        QAction& action = entry(command.name);
+        action.setShortcut(command.keys);
+        connect(&action, &QAction::triggered, this, command.run);
+    }
+    std::ranges::move(commands, std::back_inserter(commands_));
+    enable();
+}
+
+void Menus::choose_family(Family family) {
+    family_ = family;
+    enable();
+}
+
+// As long as no menu is open.
+void Menus::enable() {
+    for (const Menu_Row& each : menu_rows) {
+        if (each.kind == Kind::menu && *each.menu != 0) entry(each.name).setEnabled(!job_.runs());
+        if (each.kind != Kind::command) continue;
+        const auto brought = std::ranges::find_if(
+            commands_, [&](const Command& one) { return qstrcmp(one.name, each.name) == 0; });
+        QAction& action = entry(each.name);
+        action.setText(QString::fromUtf16(each.caption));
+        action.setEnabled(brought != commands_.end() &&
+                          (brought->family == Family::any || brought->family == family_) &&
+                          (brought->during_job || !job_.runs()));
     }
 }
 
-// Entries beyond the list stay as they are; one without a path says so by its dashes.
-void Frm_Main::Fill_Last_Files_Menu() {
-    QStringList paths = app::last_files_newest_first();
-    if (paths.isEmpty() && mnu_open_last_->isEmpty()) paths.append(QStringLiteral("---"));
-    for (int i = 0; i < paths.size(); ++i) {
-        if (i == mnu_open_last_->actions().size()) {
-            QAction* action = mnu_open_last_->addAction(QString());
-            action->setObjectName(QStringLiteral("mnu_last_files_%1").arg(i));
-            connect(action, &QAction::triggered, this, [this, i] {
-                const Status_Line::One_Command one(*status_);
-                reopen(i);
-            });
-        }
-        QAction* entry = mnu_open_last_->actions().at(i);
-        entry->setText(caption_of(paths[i]));
-        entry->setData(paths[i]);
+void Menus::tell_what_is_possible(const QMenu& menu) {
+    for (const Command& command : commands_) {
+        QAction& action = entry(command.name);
+        if (!command.now || !menu.actions().contains(&action)) continue;
+        const Command::Now now = command.now();
+        if (!now.more.isEmpty()) action.setText(action.text() + u": "_qs + now.more);
+        action.setEnabled(action.isEnabled() && now.possible);
     }
 }
 

@@ -1,19 +1,61 @@
 #pragma once
 
-#include "ui/main/Frm_Main.h"
+#include "app/job_state.h"
+
+#include <QKeySequence>
+#include <QMainWindow>
+#include <functional>
+#include <vector>
+
+class QAction;
+class QMenu;
 
 namespace ui_main {
 
-/// One command of the window: everything that menus need to know about it. Its caption and name
-/// are those under which people and manuals know it.
-struct Menu_Entry {
-    enum class Family { any, qr, qd }; ///< decoder family that has the command
+/// Decoder family that has a command.
+enum class Family { any, qr, qd };
 
-    const char* menu; ///< name of the menu that holds it; empty for the menu bar itself
-    const char* name; ///< objectName; an empty caption makes a separator
-    const char16_t* caption;
-    void (Frm_Main::*run)() = nullptr; ///< a command without it is shown and cannot be chosen
+/// One command that somebody brings for an entry of the menus.
+struct Command {
+    /// Whether it can be chosen now, and what its caption says beyond its own words.
+    struct Now {
+        bool possible = true;
+        QString more;
+    };
+
+    const char* name; ///< of the entry
+    std::function<void()> run;
     Family family = Family::any;
+    /// Asked whenever its menu opens. While the menu is closed its keys work, and it says itself
+    /// what there is to say.
+    std::function<Now()> now = {};
+    QKeySequence keys = {};
+    bool during_job = false; ///< can be chosen while a job runs
+};
+
+/// The described menus. They are there from the start; what each entry does, somebody brings.
+class Menus final : public QObject {
+    Q_OBJECT
+public:
+    Menus(QMainWindow& window, const app::Job_State& job);
+
+    /// An entry without a command is shown and cannot be chosen. Each name is in the menus, and no
+    /// two commands come for one.
+    void bring(std::vector<Command> commands);
+    QMenu& menu(const char* name) const;
+    void choose_family(Family family);
+
+private:
+    void build();
+    void enable();
+    void tell_what_is_possible(const QMenu& menu);
+    QAction& entry(const char* name) const;
+
+    QMainWindow& window_;
+    const app::Job_State& job_;
+    std::vector<QAction*> actions_; ///< of all entries, in their order
+    std::vector<Command> commands_;
+    Family family_ = Family::qr;
 };
 
 } // namespace ui_main

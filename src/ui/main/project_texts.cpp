@@ -2,6 +2,7 @@
 
 #include "app/one_line.h"
 #include "ui/main/texts.h"
+#include "ui/parts/trouble_texts.h"
 
 #include <QStringList>
 #include <algorithm>
@@ -78,11 +79,12 @@ QString sentences(const std::vector<Refusal>& refusals, const Script_Names& name
 
 QString sentence(const QString& file, const vqx_export::Report& report) {
     if (report.failure) {
-        return text(Text::project_failed).arg(shortened(file), reason(report.failure->kind));
+        return text(Text::project_failed)
+            .arg(ui_parts::shortened(file), ui_parts::reason(report.failure->kind));
     }
     if (!report.written) return text(Text::project_refused);
     QStringList parts{text(Text::project_written)
-                          .arg(shortened(file), QString::number(report.sets),
+                          .arg(ui_parts::shortened(file), QString::number(report.sets),
                                QString::number(report.sets_with_scripts))};
     if (const auto cvs = count(report.left_out_cvs); cvs > 0) {
         parts.append(text(Text::project_left_out_cvs).arg(cvs));

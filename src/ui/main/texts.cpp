@@ -1,7 +1,6 @@
 #include "ui/main/texts.h"
 
-#include "app/mod_fileverwaltung.h"
-#include "store/set_name.h"
+#include "ui/parts/trouble_texts.h"
 
 #include <QHash>
 
@@ -82,32 +81,6 @@ constexpr Entry table[] = {
     {Text::sets_completed, u"Nur in der Anzeige ergänzte Nummern oder Reset-CVs: %1."},
     {Text::script_states_left_out, u"Script-Zeilen außerhalb 0 bis 255, nicht geladen: %1."},
     {Text::write_protected, u"schreibgeschützt"},
-    {Text::blocked_write_protected, u"Datei oder Ordner erlauben kein Schreiben."},
-    {Text::blocked_jet3, u"Das Format von Access 97 wird nur gelesen."},
-    {Text::blocked_damaged,
-     u"Die Datei ist beschädigt; bitte eine Sicherung oder eine neue Kopie benutzen."},
-    {Text::blocked_cut_off, u"Der Datei fehlt das Ende; bitte eine vollständige Kopie holen."},
-    {Text::blocked_no_cvs, u"In der Datei fehlen die CVs; bitte eine Sicherung benutzen."},
-    {Text::blocked_foreign_index, u"Eine Tabelle hat einen Index, den wir nicht pflegen können."},
-    {Text::blocked_replaced, u"Die Datei wurde von außen ersetzt; bitte neu öffnen."},
-    {Text::blocked_second_name,
-     u"Die Datei hat noch einen Namen (harter Link). Bitte im Dateimanager kopieren und mit der "
-     u"Kopie arbeiten."},
-    {Text::blocked_journal_doubted,
-     u"Neben der Datei liegt ein Änderungsprotokoll (-journal) von „%1“, der sie nicht schreiben "
-     u"darf. Es wurde nicht benutzt; erst wenn es von dort weg ist, kann geschrieben werden."},
-    {Text::blocked_journal_barred,
-     u"Das Änderungsprotokoll (-journal) neben der Datei gehört „%1“ und lässt sich weder "
-     u"benutzen noch ersetzen."},
-    {Text::blocked_journal_no_file,
-     u"Am Platz des Änderungsprotokolls (-journal) liegt ein Ordner, ein Link oder eine Pipe."},
-    {Text::blocked_journal_name,
-     u"Der Dateiname ist zu lang, um daneben ein Änderungsprotokoll (-journal) zu führen."},
-    {Text::blocked_journal_rights,
-     u"Das Änderungsprotokoll kann nicht die Rechte bekommen, die alle Benutzer der Datei brauchen "
-     u"(Gruppe)."},
-    {Text::blocked_folder_hidden,
-     u"Der Ordner lässt sich nicht öffnen; Änderungen wären dort nicht sicher."},
 
     {Text::no_set_selected, u"Es ist kein CV-Set gewählt."},
     {Text::set_added, u"CV-Set „%1“ hinzugefügt."},
@@ -121,17 +94,6 @@ constexpr Entry table[] = {
     {Text::cvs_deleted, u"Gelöschte CVs: %1."},
     {Text::no_cv_selected, u"Es ist keine CV gewählt."},
     {Text::not_a_database_name, u"„%1“ ist keine Datenbank (.mdb)."},
-
-    {Text::template_missing,
-     u"Die leere Datenbank „%1“ fehlt; bitte das Programm neu installieren."},
-    {Text::database_not_made, u"„%1“ konnte nicht angelegt werden: %2"},
-    {Text::reason_denied, u"In diesem Ordner darf nicht geschrieben werden."},
-    {Text::reason_full, u"Der Datenträger ist voll."},
-    {Text::reason_no_file,
-     u"Unter diesem Namen liegt ein Ordner oder etwas anderes, das keine Datei "
-     u"ist; bitte einen anderen Namen wählen."},
-    {Text::reason_name_too_long, u"Der Name ist zu lang; bitte einen kürzeren wählen."},
-    {Text::reason_other, u"Der Ordner ist nicht benutzbar."},
 
     {Text::nothing_selected_to_copy, u"Es ist keine CV gewählt; nichts kopiert."},
     {Text::nothing_copied, u"Es wurde nichts kopiert."},
@@ -219,40 +181,6 @@ constexpr Entry table[] = {
                      u"Byte, 0 bis 255."},
 };
 
-struct Trouble_Entry {
-    store::Failure kind;
-    const char16_t* german; ///< %1 file or other subject
-};
-
-constexpr Trouble_Entry troubles[] = {
-    {store::Failure::not_open, u"Es ist keine Datenbank geöffnet."},
-    {store::Failure::no_set, u"Es ist kein CV-Set gewählt."},
-    {store::Failure::not_found, u"„%1“ ist nicht (mehr) vorhanden."},
-    {store::Failure::denied, u"„%1“ darf nicht gelesen werden: Die Rechte fehlen."},
-    {store::Failure::not_a_database, u"„%1“ ist keine Datenbank."},
-    {store::Failure::no_library, u"„%1“ enthält keine CV-Sets (andere Art von Datenbank)."},
-    {store::Failure::cut_off, u"Der Datei „%1“ fehlt das Ende mit den CV-Sets; "
-                              u"bitte eine vollständige Kopie holen."},
-    {store::Failure::no_cvs, u"In „%1“ fehlen die CVs; es wurde nichts geändert."},
-    {store::Failure::unsupported,
-     u"„%1“ kann nicht geöffnet werden: Kennwort, Verschlüsselung oder anderes Format."},
-    {store::Failure::damaged, u"„%1“ ist beschädigt und bleibt unverändert; "
-                              u"bitte eine Sicherung oder eine neue Kopie benutzen."},
-    {store::Failure::read_only, u"„%1“ ist schreibgeschützt; es wurde nichts geändert."},
-    {store::Failure::locked_elsewhere,
-     u"„%1“ wird gerade von einem anderen Programm benutzt; bitte noch einmal versuchen."},
-    {store::Failure::replaced, u"„%1“ wurde von außen ersetzt und ist geschlossen; "
-                               u"bitte neu öffnen."},
-    {store::Failure::disk_full, u"Der Datenträger von „%1“ ist voll; es wurde nichts geändert."},
-    {store::Failure::device, u"Der Datenträger von „%1“ meldet einen Fehler; "
-                             u"es wurde nichts geändert."},
-    {store::Failure::gone, u"In „%1“ ist dieser Eintrag nicht mehr vorhanden; "
-                           u"ein anderes Programm hat ihn wohl gelöscht."},
-    {store::Failure::changed, u"In „%1“ wurde dieser Eintrag inzwischen anderswo geändert; "
-                              u"es wurde nichts gespeichert."},
-    {store::Failure::refused, u"Die Datenbank nimmt diese Angaben nicht an („%1“)."},
-};
-
 struct Step_Words {
     store::Undo_Kind kind;
     const char16_t* one;  ///< %1 name or number
@@ -290,92 +218,18 @@ void append_count(QStringList& sentences, Text form, int count) {
     if (count > 0) sentences.append(text(form).arg(count));
 }
 
-QString sentence(const store::Trouble& trouble) {
-    for (const Trouble_Entry& entry : troubles) {
-        if (entry.kind != trouble.kind) continue;
-        const QString form = QString::fromUtf16(entry.german);
-        return form.contains(u"%1") ? form.arg(shortened(app::FileOf(trouble.subject))) : form;
-    }
-    return trouble.detail;
-}
-
 QString sentence(const store::Undo_Name& step) {
     QString said;
     for (const Step_Words& words : steps) {
         if (words.kind != step.kind) continue;
         said = QString::fromUtf16(step.count == 1 ? words.one : words.many);
         if (said.contains(u"%1"))
-            said.replace(u"%1"_qs,
-                         step.count == 1 ? shortened(step.subject) : QString::number(step.count));
+            said.replace(u"%1"_qs, step.count == 1 ? ui_parts::shortened(step.subject)
+                                                   : QString::number(step.count));
     }
     if (step.cvs == 1) said += u" (mit 1 CV)"_qs;
     if (step.cvs > 1) said += u" (mit %1 CVs)"_qs.arg(step.cvs);
     return said;
-}
-
-QString shortened(const QString& name) {
-    constexpr int longest = 60;
-    return name.size() <= longest ? name : store::fitted_name(name, longest - 1) + u'…';
-}
-
-QString reason(files::Failure failure) {
-    switch (failure) {
-    case files::Failure::denied:
-    case files::Failure::read_only:
-        return text(Text::reason_denied);
-    case files::Failure::disk_full:
-        return text(Text::reason_full);
-    case files::Failure::no_file:
-        return text(Text::reason_no_file);
-    case files::Failure::name_too_long:
-        return text(Text::reason_name_too_long);
-    default:
-        return text(Text::reason_other);
-    }
-}
-
-QString reason(store::Blocked blocked, const QString& journal_owner) {
-    switch (blocked) {
-    case store::Blocked::no:
-        return {};
-    case store::Blocked::write_protected:
-        return text(Text::blocked_write_protected);
-    case store::Blocked::jet3:
-        return text(Text::blocked_jet3);
-    case store::Blocked::damaged:
-        return text(Text::blocked_damaged);
-    case store::Blocked::cut_off:
-        return text(Text::blocked_cut_off);
-    case store::Blocked::no_cvs:
-        return text(Text::blocked_no_cvs);
-    case store::Blocked::foreign_index:
-        return text(Text::blocked_foreign_index);
-    case store::Blocked::replaced:
-        return text(Text::blocked_replaced);
-    case store::Blocked::second_name:
-        return text(Text::blocked_second_name);
-    case store::Blocked::journal_doubted:
-        return text(Text::blocked_journal_doubted).arg(journal_owner);
-    case store::Blocked::journal_barred:
-        return text(Text::blocked_journal_barred).arg(journal_owner);
-    case store::Blocked::journal_no_file:
-        return text(Text::blocked_journal_no_file);
-    case store::Blocked::journal_name:
-        return text(Text::blocked_journal_name);
-    case store::Blocked::journal_rights:
-        return text(Text::blocked_journal_rights);
-    case store::Blocked::folder_hidden:
-        return text(Text::blocked_folder_hidden);
-    }
-    return {};
-}
-
-QString sentence(const files::Error& error, const QString& database, const QString& template_path) {
-    const QString subject = QString::fromStdString(error.subject);
-    if (error.kind == files::Failure::not_found && subject == template_path) {
-        return text(Text::template_missing).arg(shortened(app::FileOf(template_path)));
-    }
-    return text(Text::database_not_made).arg(shortened(database), reason(error.kind));
 }
 
 } // namespace ui_main

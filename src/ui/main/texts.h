@@ -74,20 +74,6 @@ enum class Text {
     sets_completed,         ///< %1 sets
     script_states_left_out, ///< %1 states
     write_protected,
-    blocked_write_protected,
-    blocked_jet3,
-    blocked_damaged,
-    blocked_cut_off,
-    blocked_no_cvs,
-    blocked_foreign_index,
-    blocked_replaced,
-    blocked_second_name,
-    blocked_journal_doubted, ///< %1 whose it is
-    blocked_journal_barred,  ///< %1 whose it is
-    blocked_journal_no_file,
-    blocked_journal_name,
-    blocked_journal_rights,
-    blocked_folder_hidden,
 
     no_set_selected,
     set_added,        ///< %1 number and name
@@ -101,14 +87,6 @@ enum class Text {
     cvs_deleted, ///< %1 CVs
     no_cv_selected,
     not_a_database_name, ///< %1 path
-
-    template_missing,  ///< %1 path
-    database_not_made, ///< %1 file, %2 reason
-    reason_denied,
-    reason_full,
-    reason_no_file,
-    reason_name_too_long,
-    reason_other,
 
     nothing_selected_to_copy,
     nothing_copied,
@@ -188,19 +166,6 @@ QString text(Text which);
 /// Adds the sentence that counts something, if there is any of it.
 void append_count(QStringList& sentences, Text form, int count);
 
-/// The sentence about what kept an operation from its work.
-QString sentence(const store::Trouble& trouble);
-/// The sentence about a default or new database that could not be made.
-/// @param template_path an error about this file is about a missing template
-QString sentence(const files::Error& error, const QString& database, const QString& template_path);
 /// What a step has done: "14 CVs gelöscht".
 QString sentence(const store::Undo_Name& step);
-/// A name as sentences and menus quote it: not so long that it hides what else is said.
-QString shortened(const QString& name);
-/// Why a file could not be written, as the end of a sentence.
-QString reason(files::Failure failure);
-/// Why a library cannot be changed, as the end of a sentence.
-/// @param journal_owner whose journal stands in the way, if one does
-QString reason(store::Blocked blocked, const QString& journal_owner);
-
 } // namespace ui_main

@@ -1,4 +1,4 @@
-#include "ui/main/guarded_field.h"
+#include "ui/parts/guarded_field.h"
 
 #include <QGuiApplication>
 #include <QInputMethodEvent>
@@ -7,7 +7,7 @@
 #include <QMouseEvent>
 #include <algorithm>
 
-namespace ui_main {
+namespace ui_parts {
 namespace {
 
 // Whether a line edit would insert the text of the key: its own rule.
@@ -135,4 +135,4 @@ void Guarded_Field::dropEvent(QDropEvent* event) {
         event->ignore();
 }
 
-} // namespace ui_main
+} // namespace ui_parts

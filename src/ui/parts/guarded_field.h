@@ -3,7 +3,7 @@
 #include <QClipboard>
 #include <QLineEdit>
 
-namespace ui_main {
+namespace ui_parts {
 
 /// A field that judges every text before it arrives, by whatever way it comes: keys, clipboard,
 /// input method, drop. What is refused changes nothing, neither the selection nor what can be taken
@@ -48,4 +48,4 @@ private:
     void judge_drag(QDropEvent* event);
 };
 
-} // namespace ui_main
+} // namespace ui_parts

@@ -1,10 +1,10 @@
-#include "ui/main/name_field.h"
+#include "ui/parts/name_field.h"
 
 #include "store/set_name.h"
 
 #include <algorithm>
 
-namespace ui_main {
+namespace ui_parts {
 namespace {
 
 // Lists and tables hand over the end of a line behind its text.
@@ -44,4 +44,4 @@ void Name_Field::fit() {
     answered(whole, name);
 }
 
-} // namespace ui_main
+} // namespace ui_parts

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "ui/main/guarded_field.h"
+#include "ui/parts/guarded_field.h"
 
-namespace ui_main {
+namespace ui_parts {
 
 /// A field for a name of one line. What has no room is not taken: what stands never moves for it.
 class Name_Field final : public Guarded_Field {
@@ -29,4 +29,4 @@ private:
     bool cut_ = false;
 };
 
-} // namespace ui_main
+} // namespace ui_parts

@@ -1,4 +1,4 @@
-#include "ui/main/number_field.h"
+#include "ui/parts/number_field.h"
 
 #include <QFocusEvent>
 #include <QKeyEvent>
@@ -9,7 +9,7 @@
 #include <limits>
 #include <utility>
 
-namespace ui_main {
+namespace ui_parts {
 namespace {
 
 bool is_digit(QChar c) { return c >= u'0' && c <= u'9'; } // not the digits of other scripts
@@ -113,4 +113,4 @@ void Number_Field::mouseReleaseEvent(QMouseEvent* event) {
     if (std::exchange(clicked_into_, false) || select_on_click_) selectAll();
 }
 
-} // namespace ui_main
+} // namespace ui_parts

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "ui/main/guarded_field.h"
+#include "ui/parts/guarded_field.h"
 
-namespace ui_main {
+namespace ui_parts {
 
 /// A field for a whole number. It takes digits only, and only up to a highest number.
 class Number_Field final : public Guarded_Field {
@@ -41,4 +41,4 @@ private:
 /// The number at the beginning of a text, with its sign; the nearest int where it is beyond.
 int leading_number(const QString& text);
 
-} // namespace ui_main
+} // namespace ui_parts

@@ -1,4 +1,4 @@
-#include "ui/main/status_line.h"
+#include "ui/parts/status_line.h"
 
 #include "app/one_line.h"
 
@@ -6,7 +6,7 @@
 #include <QStyle>
 #include <utility>
 
-namespace ui_main {
+namespace ui_parts {
 
 Status_Line::Status_Line(QWidget* parent) : QLabel(parent) {
     setTextFormat(Qt::PlainText);
@@ -42,4 +42,4 @@ void Status_Line::paintEvent(QPaintEvent* /*event*/) {
                           shown, foregroundRole());
 }
 
-} // namespace ui_main
+} // namespace ui_parts

@@ -2,7 +2,7 @@
 
 #include <QLabel>
 
-namespace ui_main {
+namespace ui_parts {
 
 /// What happened to the last command, at the foot of the window; what has no room is elided and
 /// shown as a tooltip.
@@ -44,4 +44,4 @@ private:
     bool spoken_ = false; ///< the outermost of them has said something
 };
 
-} // namespace ui_main
+} // namespace ui_parts

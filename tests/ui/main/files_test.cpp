@@ -1,4 +1,5 @@
 #include "main_window.h"
+#include "ui/parts/status_line.h"
 
 #include <QMenu>
 #include <algorithm>
@@ -110,7 +111,7 @@ TEST_F(Files_Test, a_database_of_another_kind_says_so_whatever_is_tried) {
                 desktop.clipboard = {QStringLiteral("SetName,x\r\nObj,Set\r\n"), {}};
                 if (std::string(command) == "mnu_paste")
                     desktop.clipboard.text = QStringLiteral("1;3");
-                window->say({});
+                get<ui_parts::Status_Line>("lab_status").say({});
                 choose(command);
                 EXPECT_THAT(status(), HasSubstr("enthält keine CV-Sets")) << command;
             }
@@ -330,7 +331,7 @@ TEST_F(Files_Test, script_lines_that_have_no_place_are_told_wherever_they_are_lo
     answer_set_dialog("Anders", "");
     choose("mnu_cvset_rename");
     EXPECT_THAT(status(), testing::AllOf(HasSubstr("umbenannt"), left_out));
-    window->say(QStringLiteral("bleibt"));
+    get<ui_parts::Status_Line>("lab_status").say(QStringLiteral("bleibt"));
     leave_and_return([&] { line(2, 0); }); // loaded again, and nothing new is left out
     EXPECT_EQ(status(), "bleibt");
     desktop.expect_save(QStringLiteral("/home/anna/a.vqx"));
