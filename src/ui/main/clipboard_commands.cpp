@@ -10,6 +10,8 @@
 #include "ui/main/texts.h"
 #include "ui/parts/trouble_texts.h"
 
+#include <algorithm>
+
 namespace ui_main {
 namespace {
 
@@ -147,6 +149,10 @@ void Clipboard_Commands::paste(const store::Pasted& pasted) {
         at_.messages.say(text(Text::nothing_to_paste));
         return;
     }
+    const auto is_set = [](const auto& object) {
+        return std::holds_alternative<store::Pasted_Set>(object);
+    };
+    if (std::ranges::any_of(pasted.objects, is_set) && !at_.gate.pass()) return;
     const store::Paste_Report report = store::paste(at_.database, pasted, app::globals.AktResCV);
     if (report.sets == 0 && at_.view.leave_gone_set()) return;
     if (report.sets > 0) {

@@ -58,11 +58,13 @@ void Library_View::fill_sets() {
 
 // What kept the set from being loaded is the caller's to say, among what else he has to say.
 void Library_View::select_set(std::int32_t SetID) {
-    {
-        const QSignalBlocker quiet(form_.lst_sets);
-        if (const auto row = form_.lst_sets->row_of(SetID)) form_.lst_sets->select_row(*row);
-    }
+    mark(SetID);
     show_selected();
+}
+
+void Library_View::mark(std::int32_t SetID) {
+    const QSignalBlocker quiet(form_.lst_sets);
+    if (const auto row = form_.lst_sets->row_of(SetID)) form_.lst_sets->select_row(*row);
 }
 
 // Where the set is gone, the one that was next to the selection is chosen, or the first.
@@ -134,9 +136,11 @@ void Library_View::user_selected() {
 void Library_View::leave_for_selected() {
     const std::int32_t chosen = selected_set();
     if (chosen == set_) return;
-    const bool free = gate_.pass();
-    select_set(free ? chosen : set_);
-    if (!free) return;
+    if (!gate_.pass()) {
+        mark(set_);
+        return;
+    }
+    select_set(chosen);
     say_of_choice();
     if (set_ != 0) leave_gone_set();
 }

@@ -65,6 +65,7 @@ private:
     void wire();
     void fill_sets();
     void select_set(std::int32_t SetID);
+    void mark(std::int32_t SetID); ///< in the list, as selected; nothing more is shown
     void show_selected();
     void user_selected(); ///< another entry of the set list
     void leave_for_selected();
