@@ -55,11 +55,13 @@ Rectangle Keep_Form_On_Monitor(const Rectangle& window) {
     return globals.MonitorAreas.empty() ? window : kept_in(window, area_of(window));
 }
 
-Window_Place place_on_screen(Window_Place wanted, const Frame& frame, Twips least_height) {
+Window_Place place_on_screen(Window_Place wanted, const Frame& frame, const Inner_Size& least) {
     if (globals.MonitorAreas.empty()) return wanted;
     const auto cut_to = [&](const Rectangle& room) {
         const Twips highest = room.height() - frame.top - frame.bottom;
-        wanted.height = std::max(least_height, std::min(wanted.height, highest));
+        const Twips widest = room.width() - frame.left - frame.right;
+        wanted.height = std::max(least.height, std::min(wanted.height, highest));
+        wanted.width = std::max(least.width, std::min(wanted.width, widest));
     };
     const Rectangle& desktop = globals.VirtualScreen;
     cut_to(desktop);
@@ -67,6 +69,7 @@ Window_Place place_on_screen(Window_Place wanted, const Frame& frame, Twips leas
     if (!seen_in_full(window)) {
         const Rectangle& area = area_of(window);
         cut_to(area);
+        window.right = window.left + frame.left + wanted.width + frame.right;
         window.bottom = window.top + frame.top + wanted.height + frame.bottom;
         window = kept_in(window, area);
     }

@@ -86,6 +86,7 @@ TEST_F(Window_Places, the_whole_window_is_seen_with_its_frame_and_beside_the_pan
         const Screens& screens;
         int left, top, height;
         int left_then, top_then, height_then;
+        int width = 1063, width_then = 1063;
     } cases[] = {
         {"inside", one, 100, 200, 600, 100, 200, 600},
         {"left and top of a far place", one, 2000, 2000, 600, 1920 - 1071, 1080 - 628, 600},
@@ -99,7 +100,9 @@ TEST_F(Window_Places, the_whole_window_is_seen_with_its_frame_and_beside_the_pan
         {"across two monitors", two, 1500, 100, 700, 1500, 100, 700},
         {"across, below the lower of them", two, 1500, 440, 612, 1920, 1024 - 640, 612},
         {"a first start on a small screen", laptop, 108, 0, 720, 108, 0, 680 - 28},
-        {"no room at all", tiny, 50, 50, 700, 0, 20, 504},
+        {"wider than the monitor", laptop, 9, 0, 600, 0, 0, 600, 5000, 1280 - 8},
+        {"no width", laptop, 9, 0, 600, 9, 0, 600, 0, 300},
+        {"no room at all", tiny, 50, 50, 700, 0, 20, 504, 1063, 1016},
     };
     const Frame frame{from_pixels(4), from_pixels(24), from_pixels(4), from_pixels(4)};
     for (const auto& c : cases) {
@@ -107,14 +110,15 @@ TEST_F(Window_Places, the_whole_window_is_seen_with_its_frame_and_beside_the_pan
         support::Scripted_Desktop desktop;
         desktop.screens = c.screens;
         Get_Monitors(desktop);
-        const Window_Place wanted{from_pixels(c.height), from_pixels(1063), from_pixels(c.left),
+        const Window_Place wanted{from_pixels(c.height), from_pixels(c.width), from_pixels(c.left),
                                   from_pixels(c.top)};
-        const Window_Place place = place_on_screen(wanted, frame, from_pixels(504));
+        const Inner_Size least{from_pixels(504), from_pixels(300)};
+        const Window_Place place = place_on_screen(wanted, frame, least);
         EXPECT_EQ(to_pixels(place.left), c.left_then);
         EXPECT_EQ(to_pixels(place.top), c.top_then);
         EXPECT_EQ(to_pixels(place.height), c.height_then);
-        EXPECT_EQ(place.width, wanted.width);
-        EXPECT_EQ(place_on_screen(place, frame, from_pixels(504)), place) << "again";
+        EXPECT_EQ(to_pixels(place.width), c.width_then);
+        EXPECT_EQ(place_on_screen(place, frame, least), place) << "again";
     }
     reset_globals();
     const Window_Place wanted{{9000}, {15945}, {-9}, {-9}};

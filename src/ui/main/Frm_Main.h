@@ -82,7 +82,7 @@ private:
     QLabel* write_protected_; ///< stays in the status bar while the library cannot be changed
     QLabel* settings_lost_;   ///< stays there while nothing can be kept for the next run
     std::unique_ptr<Inside> inside_;
-    ui_parts::Window_Placer placer_{*this};
+    ui_parts::Window_Placer placer_{*this, desktop_};
     QPointer<QWidget> focus_before_job_;
     bool unloaded_ = false;
 };

@@ -1,9 +1,12 @@
 #include "ui/parts/window_placer.h"
 
+#include "app/mod_main.h"
+
 #include <QEvent>
 #include <QGuiApplication>
 #include <QWindow>
 #include <algorithm>
+#include <utility>
 
 namespace ui_parts {
 namespace {
@@ -34,9 +37,13 @@ bool has_no_place_now(const QWidget& window) {
 
 } // namespace
 
-Window_Placer::Window_Placer(QWidget& window) : window_(window) { window.installEventFilter(this); }
+Window_Placer::Window_Placer(QWidget& window, desktop::Desktop& desktop)
+    : window_(window), desktop_(desktop) {
+    window.installEventFilter(this);
+}
 
 void Window_Placer::bring_to(const app::Window_Place& wanted) {
+    app::Get_Monitors(desktop_);
     wanted_ = wanted;
     wanted_.width = from_pixels(
         std::clamp(to_pixels(wanted.width), window_.minimumWidth(), window_.maximumWidth()));
@@ -44,7 +51,9 @@ void Window_Placer::bring_to(const app::Window_Place& wanted) {
 }
 
 app::Window_Place Window_Placer::fitted(const app::Frame& frame) const {
-    return app::place_on_screen(wanted_, frame, from_pixels(window_.minimumHeight()));
+    return app::place_on_screen(
+        wanted_, frame,
+        {from_pixels(window_.minimumHeight()), from_pixels(window_.minimumWidth())});
 }
 
 void Window_Placer::apply(const app::Frame& frame) {
@@ -67,7 +76,7 @@ app::Window_Place Window_Placer::place() const {
 
 bool Window_Placer::eventFilter(QObject* watched, QEvent* event) {
     if (watched == &window_) {
-        if (event->type() == QEvent::Show) await_frame();
+        if (event->type() == QEvent::Show && !event->spontaneous()) await_frame();
     } else if (frame_known()) {
         watched->removeEventFilter(this);
         QMetaObject::invokeMethod(this, &Window_Placer::put_right, Qt::QueuedConnection);
@@ -76,6 +85,10 @@ bool Window_Placer::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void Window_Placer::await_frame() {
+    if (applied_ && !std::exchange(shown_, true))
+        bring_to(wanted_);
+    else
+        applied_.reset(); // where it is shown is the desktop's choice or, the next time, the user's
     seen_.invalidate();
     window_.windowHandle()->installEventFilter(this);
 }
@@ -90,7 +103,10 @@ bool Window_Placer::frame_known() {
 void Window_Placer::put_right() {
     const app::Frame frame = frame_of(margins_of(window_));
     if (seen_.hasExpired(longest_wait) || has_no_place_now(window_)) return;
-    if (applied_ && fitted(frame) != *applied_) apply(frame);
+    if (!applied_)
+        bring_to(place());
+    else if (fitted(frame) != *applied_)
+        apply(frame);
 }
 
 } // namespace ui_parts

@@ -4,6 +4,7 @@
 #include "app/ui/frm_Settings.h"
 #include "store/undo_library.h"
 #include "ui/main/frm_Backups.h"
+#include "ui/parts/window_placer.h"
 
 #include <QComboBox>
 #include <QMenu>
@@ -537,5 +538,19 @@ TEST_F(Extras_Test, a_window_from_a_larger_desktop_comes_onto_this_one) {
         EXPECT_EQ(window->frameGeometry().topLeft(), c.at);
         EXPECT_EQ(window->height(), c.height);
         EXPECT_EQ(window->width(), 1063);
+    }
+}
+
+TEST_F(Extras_Test, further_windows_come_onto_a_monitor_whenever_they_are_shown) {
+    desktop.screens = {{{0, 0, 1280, 720}, {0, 0, 1280, 680}}}; // since the start of the program
+    QWidget further;
+    const ui_parts::Window_Placer placer(further, desktop);
+    further.setGeometry(1000, 600, 1500, 900);
+    for (int time = 0; time < 2; ++time) {
+        further.show();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return further.height() < 900; }));
+        EXPECT_EQ(further.frameGeometry(), QRect(0, 0, 1280, 680));
+        further.hide();
+        further.setGeometry(-100, 600, 1500, 900);
     }
 }
