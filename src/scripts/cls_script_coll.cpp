@@ -82,7 +82,7 @@ std::shared_ptr<cls_script> cls_script_coll::add_named_script() {
 
 std::shared_ptr<cls_script> cls_script_coll::Item(std::int32_t position) const {
     if (!exists(position))
-        throw Error(Failure::missing, "script " + std::to_string(position), "no such position");
+        throw Error(Failure::not_found, "script " + std::to_string(position), "no such position");
     return scripts_[static_cast<std::size_t>(position - 1)];
 }
 

@@ -56,9 +56,9 @@ void Library_Operation::tell_left() {
     tell([](Change_Listener& listener) { listener.library_left(); });
 }
 
-bool Library_Operation::is_refusal(ado::Failure kind) {
-    return kind == ado::Failure::refused || kind == ado::Failure::not_found ||
-           kind == ado::Failure::changed || kind == ado::Failure::statement;
+bool Library_Operation::is_refusal(Failure kind) {
+    return kind == Failure::refused || kind == Failure::not_found || kind == Failure::changed ||
+           kind == Failure::statement;
 }
 
 bool Library_Operation::begin() {

@@ -21,8 +21,8 @@ Key_Set coming_back(const std::vector<Row_Change>& changes, Table table, const Q
 } // namespace
 
 ado::Error differs(const QString& table, std::int32_t key) {
-    return {ado::Failure::changed, table + QLatin1Char(' ') + QString::number(key),
-            u"somebody else has changed it or what it hangs on"_s};
+    return {Failure::changed, row_name(table, key),
+            "somebody else has changed it or what it hangs on"};
 }
 
 std::vector<Row_Change> net(const std::vector<Row_Change>& changes) {

@@ -11,7 +11,7 @@
 
 namespace ado {
 
-using Blocked = jet::Blocked;
+using failure::Blocked;
 using Status = jet::Status;
 
 enum class State { closed = 0, open = 1 };
@@ -38,7 +38,7 @@ public:
     /// Told of every changed row from now on, also of connections opened later; nullptr: nobody.
     void watch(Row_Watcher* watcher);
 
-    /// Throws Error (closed).
+    /// Throws Error (not_open).
     Session& session() const;
 
 private:

@@ -1,13 +1,11 @@
 // Finding rows: conditions, order, and the tables held in memory.
 
+#include "platform/ado/error.h"
 #include "platform/ado/session.h"
-#include "platform/ado/translated.h"
 
 #include <algorithm>
 #include <array>
 #include <set>
-
-using namespace Qt::Literals::StringLiterals;
 
 namespace ado {
 
@@ -99,8 +97,8 @@ Columns Session::chosen(const Shape& shape, const Statement& statement,
     for (const Condition& condition : statement.where) names.push_back(condition.column);
     for (const QString& name : names)
         if (!shape.column(name))
-            throw Error(Failure::not_found, shape.name + QLatin1Char('.') + name,
-                        u"no such column"_s);
+            throw Error(Failure::not_found, (shape.name + u'.' + name).toStdString(),
+                        "no such column");
     if (wanted.empty()) return shape.columns;
     const auto key = shape.table ? shape.table->key() : std::vector<std::size_t>();
     Columns columns;
@@ -113,23 +111,20 @@ Columns Session::chosen(const Shape& shape, const Statement& statement,
 }
 
 Found_Rows Session::select(const Statement& statement, const std::vector<QString>& wanted) {
-    return translated([&] {
-        if (statement.kind == Statement::Kind::select_joined) return select_joined(statement);
-        const Shape table = shape(statement.table);
-        Columns columns = chosen(table, statement, wanted);
-        const bool never =
-            !table.table ||
-            std::any_of(statement.where.begin(), statement.where.end(), [&](const auto& condition) {
-                return !table.columns[*table.column(condition.column)].source;
-            });
-        if (never) return Found_Rows{std::make_shared<Row_Block>(std::move(columns)), {}};
-        Held_Rows* const held = rows_in_memory(table, statement.where, columns);
-        Found_Rows found = held != nullptr
-                               ? select_held(*held, statement.where)
-                               : select_stored(table, statement.where, std::move(columns));
-        sort(table, statement, found);
-        return found;
-    });
+    if (statement.kind == Statement::Kind::select_joined) return select_joined(statement);
+    const Shape table = shape(statement.table);
+    Columns columns = chosen(table, statement, wanted);
+    const bool never =
+        !table.table ||
+        std::any_of(statement.where.begin(), statement.where.end(), [&](const auto& condition) {
+            return !table.columns[*table.column(condition.column)].source;
+        });
+    if (never) return Found_Rows{std::make_shared<Row_Block>(std::move(columns)), {}};
+    Held_Rows* const held = rows_in_memory(table, statement.where, columns);
+    Found_Rows found = held != nullptr ? select_held(*held, statement.where)
+                                       : select_stored(table, statement.where, std::move(columns));
+    sort(table, statement, found);
+    return found;
 }
 
 /// The first condition whose rows an index finds.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/failure/error.h"
 #include "platform/files/acl.h"
 
 #include <chrono>
@@ -8,34 +9,14 @@
 #include <memory>
 #include <optional>
 #include <span>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace files {
 
-/// What went wrong with a file or folder; decides what the program does next.
-enum class Failure {
-    not_found,
-    exists,           ///< create_new on a name that is taken
-    denied,           ///< the rights are missing
-    read_only,        ///< write-protected file or file system
-    locked_elsewhere, ///< another open file description holds the lock
-    no_file,          ///< a folder, a pipe, or a link where none is followed
-    name_too_long,
-    disk_full,
-    device ///< any other failure of the medium
-};
-
-/// Thrown by everything in this folder. `subject` is the path, `detail` the system's own words.
-struct Error : std::runtime_error {
-    Error(Failure kind_, std::string subject_, std::string detail_)
-        : std::runtime_error(subject_ + ": " + detail_), kind(kind_), subject(std::move(subject_)),
-          detail(std::move(detail_)) {}
-    Failure kind;
-    std::string subject;
-    std::string detail;
-};
+/// Thrown by everything in this folder; the subject is the path, the detail the system's own words.
+using failure::Error;
+using Failure = failure::Kind;
 
 enum class Access {
     read,

@@ -291,10 +291,10 @@ std::uint64_t Engine::foreign_changes() {
 }
 
 check::Report Engine::check() {
+    const Reading reading(*this);
     try {
-        const Reading reading(*this);
         return check::check(*disk_.open(path_, files::Access::read));
-    } catch (const files::Error& error) {
+    } catch (const Error& error) { // whatever keeps it from being opened once more
         throw Error(Failure::device, error.subject, error.what());
     }
 }
