@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <exception>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -111,8 +112,8 @@ void add_scripts(store::clsDBConn& library, const Sample_Set& set) {
         }
         script.StateCount = line;
         const std::int32_t position = scripts::AktScripts().Count();
-        library.DB_Add_Script(position);
-        library.DB_Save_Script_States(position);
+        std::ignore = library.DB_Add_Script(position); // make() asks for the latest trouble
+        std::ignore = library.DB_Save_Script_States(position);
     }
 }
 
@@ -128,7 +129,7 @@ void fill(store::clsDBConn& library) {
                              static_cast<std::int16_t>(cv.value),
                              0,
                              false};
-            library.DB_Write_CV(rec);
+            std::ignore = library.DB_Write_CV(rec);
         }
         add_scripts(library, set);
     }

@@ -24,7 +24,7 @@ public:
     cls_script& AddScript();
     /// The new-script command without its database row: an empty script, named by its position and
     /// flagged as new. @return it, or nothing when the set has 16 scripts
-    std::shared_ptr<cls_script> add_named_script();
+    [[nodiscard]] std::shared_ptr<cls_script> add_named_script();
 
     std::int32_t Count() const { return static_cast<std::int32_t>(scripts_.size()); }
     /// The script at a position, 1..Count. Holding it keeps it alive when it is removed meanwhile.

@@ -7,7 +7,7 @@
 #include <QCryptographicHash>
 
 #include <algorithm>
-#include <array>
+#include <tuple>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -162,7 +162,7 @@ bool Backups::keep_copy(const QString& file) {
 }
 
 void Backups::made_now(const QString& file) {
-    noting([&] {
+    std::ignore = noting([&] {
         const std::string path = disk_.resolve(file.toStdString());
         if (const auto identity = disk_.identity(path)) copied_[path] = *identity;
     });
@@ -197,8 +197,8 @@ Soundness Backups::soundness_of(const std::string& path, std::uint64_t& bytes_le
 }
 
 std::vector<Backup> Backups::copies_of(const QString& file) {
-    std::vector<Backup> found;
-    noting([&] {
+    std::vector<Backup> found; // up to where it was refused
+    std::ignore = noting([&] {
         const std::string path = disk_.resolve(file.toStdString());
         for (const Place& place : places(path)) {
             if (!disk_.folder_exists(place.folder)) continue;

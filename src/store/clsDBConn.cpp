@@ -7,6 +7,7 @@
 #include "store/library_sets.h"
 #include "store/row_restore.h"
 
+#include <tuple>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -258,7 +259,7 @@ Operation::Operation(clsDBConn& connection) : running_(connection.operation()) {
 }
 
 Operation::~Operation() {
-    if (open_) running_.end(false);
+    if (open_) std::ignore = running_.end(false);
 }
 
 bool Operation::keep() { return std::exchange(open_, false) && running_.end(true); }

@@ -46,8 +46,8 @@ public:
     };
     void found(Contents contents) { contents_ = std::move(contents); }
     bool is_library() const { return contents_.sets; }
-    bool expect_library();        ///< @return false: it is none, and why is noted
-    Failure without_sets() const; ///< what it is where there are none
+    [[nodiscard]] bool expect_library(); ///< @return false: it is none, and why is noted
+    Failure without_sets() const;        ///< what it is where there are none
     bool is_cut_off() const { return connection_.status().lost_end.has_value(); }
 
     // Troubles

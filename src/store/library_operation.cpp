@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <tuple>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -104,7 +105,7 @@ bool Library_Operation::end(bool keep) {
     if (--depth_ > 0) return !spoiled_;
     bool kept = !std::exchange(spoiled_, false) && transaction_.has_value();
     if (kept && !record_.rows.empty()) {
-        keep_copy();
+        std::ignore = keep_copy();
         note_doubles();
     }
     try {

@@ -42,8 +42,8 @@ public:
     int count();
     std::int16_t free_number(std::int16_t ResCV);
 
-    std::int32_t add(const QString& Name, std::int16_t& Nummer, std::int16_t ResCV);
-    bool rename(std::int32_t SetID, const QString& Name, std::int16_t Nummer);
+    [[nodiscard]] std::int32_t add(const QString& Name, std::int16_t& Nummer, std::int16_t ResCV);
+    [[nodiscard]] bool rename(std::int32_t SetID, const QString& Name, std::int16_t Nummer);
     bool is_gone(std::int32_t SetID);
     /// Throws when rows of other tables forbid to delete a set, before anything is deleted.
     void refuse_if_referred(std::int32_t SetID);

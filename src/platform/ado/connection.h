@@ -49,7 +49,7 @@ private:
 
 /// Several changes as one; an inner transaction joins the outer one, which alone writes to disk.
 /// Rolled back unless committed. Must not outlive the open connection.
-class Transaction {
+class [[nodiscard]] Transaction {
 public:
     explicit Transaction(Connection& connection);
     Transaction(const Transaction&) = delete;
@@ -64,7 +64,7 @@ private:
 };
 
 /// Several reads of one state of the file: nobody else changes it meanwhile.
-class Reading {
+class [[nodiscard]] Reading {
 public:
     explicit Reading(Connection& connection, Extent extent = Extent::some);
     Reading(const Reading&) = delete;

@@ -4,6 +4,7 @@
 #include "platform/jet/pages/pager_file.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace jet {
 namespace {
@@ -20,8 +21,8 @@ void File_Pager::take(files::Lock wanted) {
 
 void File_Pager::release() noexcept {
     try {
-        file_->lock(read_depth_ > 0 ? files::Lock::shared : files::Lock::none, {});
-    } catch (const files::Error&) {
+        std::ignore = file_->lock(read_depth_ > 0 ? files::Lock::shared : files::Lock::none, {});
+    } catch (const Error&) {
         // Closing the file drops it at the latest.
     }
 }
@@ -101,10 +102,10 @@ void File_Pager::enter_reading() {
     if (const auto why = journal_.bar()) refuse(*why);
     if (must_settle() && file_writable_ && journal_.writable()) {
         // Not from shared to exclusive in one step: two copies that try would wait for each other.
-        file_->lock(files::Lock::none, {});
+        std::ignore = file_->lock(files::Lock::none, {});
         take(files::Lock::exclusive);
         enter_writing();
-        file_->lock(files::Lock::shared, {});
+        std::ignore = file_->lock(files::Lock::shared, {}); // if not, the exclusive one stays
         return;
     }
     if (must_settle()) show_settled();
