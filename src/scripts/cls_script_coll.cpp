@@ -1,5 +1,6 @@
 #include "scripts/cls_script_coll.h"
 
+#include "platform/failure/sure.h"
 #include "scripts/error.h"
 
 #include <algorithm>
@@ -111,6 +112,7 @@ void cls_script_coll::Write_Scripts() {
         block[2 * i + 2] = low_byte(block.size());
         Script_Packer(block, static_cast<int>(i + 1)).pack(*scripts_[i]);
     }
+    SURE(block.size() < buffer_size);
     Data = std::move(block);
 }
 

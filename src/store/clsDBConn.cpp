@@ -1,5 +1,6 @@
 #include "store/clsDBConn.h"
 
+#include "platform/failure/sure.h"
 #include "scripts/cls_script_coll.h"
 #include "store/library_cvs.h"
 #include "store/library_schema.h"
@@ -262,7 +263,11 @@ Operation::~Operation() {
     if (open_) std::ignore = running_.end(false);
 }
 
-bool Operation::keep() { return std::exchange(open_, false) && running_.end(true); }
+bool Operation::keep() {
+    SURE(open_);
+    open_ = false;
+    return running_.end(true);
+}
 
 clsDBConn& DBConn() {
     static clsDBConn connection;

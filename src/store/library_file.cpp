@@ -1,5 +1,7 @@
 #include "store/library_file.h"
 
+#include "platform/failure/sure.h"
+
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -28,6 +30,7 @@ Library_File::Library_File(files::Disk& disk)
     : disk_(disk), connection_(disk), catalog_(connection_) {}
 
 void Library_File::open(const QString& path) {
+    SURE(!active_);
     path_ = path;
     try {
         connection_.open(ado::Connection::string_for(path));

@@ -2,6 +2,7 @@
 
 #include "store/library_operation.h"
 
+#include "platform/failure/sure.h"
 #include "store/row_surroundings.h"
 
 #include <algorithm>
@@ -101,6 +102,7 @@ bool Library_Operation::keep_copy() {
 }
 
 bool Library_Operation::end(bool keep) {
+    SURE(depth_ > 0);
     spoiled_ = spoiled_ || !keep;
     if (--depth_ > 0) return !spoiled_;
     bool kept = !std::exchange(spoiled_, false) && transaction_.has_value();
@@ -124,6 +126,7 @@ bool Library_Operation::end(bool keep) {
 
 void Library_Operation::row_changed(const QString& table, const ado::Row& before,
                                     const ado::Row& after) {
+    SURE(depth_ > 0);
     for (const Table_Name& known : table_names) {
         if (table.compare(known.name, Qt::CaseInsensitive) != 0) continue;
         const std::int32_t key = ado::number_in(after.empty() ? before : after, known.key);

@@ -24,6 +24,7 @@ void Session::enter(Extent extent) {
 }
 
 void Session::leave(Extent extent) {
+    SURE(guards_ > 0 && (extent == Extent::some || whole_guards_ > 0));
     if (extent == Extent::whole) --whole_guards_;
     // tables that were held for reading cannot serve what is changed afterwards
     if (--guards_ == 0 || (extent == Extent::whole && whole_guards_ == 0)) held_.clear();

@@ -104,6 +104,7 @@ void Session::row_changed(std::uint32_t table, jet::Row_Place row, const std::ve
 
 Session::Told Session::own_change() {
     std::vector<Told> told = std::exchange(told_, {});
+    SURE(!told.empty());
     Told own = std::move(told.back());
     told.pop_back();
     for (const Told& other : told) let_go(other.table);

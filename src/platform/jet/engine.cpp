@@ -1,5 +1,6 @@
 #include "platform/jet/engine.h"
 
+#include "platform/failure/sure.h"
 #include "platform/jet/catalogue/definition_chain.h"
 #include "platform/jet/catalogue/file_end.h"
 #include "platform/jet/check/check.h"
@@ -125,6 +126,7 @@ void Engine::begin_read() {
 }
 
 void Engine::end_read() noexcept {
+    SURE(read_depth_ > 0);
     if (--read_depth_ == 0) pager_->end_read();
 }
 
@@ -183,6 +185,7 @@ void Engine::begin_write() {
 }
 
 void Engine::commit() {
+    SURE(write_depth_ > 0);
     if (write_depth_ > 1) {
         --write_depth_;
         return;
@@ -204,6 +207,7 @@ void Engine::commit() {
 }
 
 void Engine::rollback() noexcept {
+    SURE(write_depth_ > 0);
     if (--write_depth_ > 0) return;
     pager_->rollback();
     unfit_.reset();

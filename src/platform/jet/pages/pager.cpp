@@ -68,6 +68,7 @@ void File_Pager::read_header() {
 }
 
 void File_Pager::commit() {
+    SURE(write_depth_ > 0);
     if (write_depth_ > 1) {
         --write_depth_;
         return;
@@ -84,6 +85,7 @@ void File_Pager::commit() {
 }
 
 void File_Pager::rollback() noexcept {
+    SURE(write_depth_ > 0);
     forget_changes();
     doomed_ = --write_depth_ > 0;
     if (!doomed_) release();

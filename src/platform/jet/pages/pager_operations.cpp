@@ -211,6 +211,7 @@ void File_Pager::show_settled() {
 }
 
 void File_Pager::end_read() noexcept {
+    SURE(read_depth_ > 0);
     if (--read_depth_ == 0 && write_depth_ == 0) release();
 }
 

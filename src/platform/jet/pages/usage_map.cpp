@@ -1,5 +1,6 @@
 #include "platform/jet/pages/usage_map.h"
 
+#include "platform/failure/sure.h"
 #include "platform/jet/pages/page_space.h"
 #include "platform/jet/pages/usage_map_row.h"
 
@@ -284,6 +285,7 @@ Usage_Map Usage_Map::make(Pager& pager, Page_Space& space, Page_Number near) {
         format_map_page(pager, page);
         place = append_map_row(pager, page, row);
     }
+    SURE(place);
     return {pager, *place};
 }
 
