@@ -123,12 +123,10 @@ void fill(store::clsDBConn& library) {
         library.AktCVSetID(library.DB_Add_CVSet(QString::fromUtf8(set.name), number,
                                                 static_cast<std::int16_t>(set.reset_cv)));
         for (const Sample_Cv& cv : set.cvs) {
-            store::CVRec rec{static_cast<std::uint8_t>(cv.page_hi),
-                             static_cast<std::uint8_t>(cv.page_lo),
-                             static_cast<std::int16_t>(cv.number),
-                             static_cast<std::int16_t>(cv.value),
-                             0,
-                             false};
+            store::CVRec rec{.CVPageHi = static_cast<std::uint8_t>(cv.page_hi),
+                             .CVPageLo = static_cast<std::uint8_t>(cv.page_lo),
+                             .CVNr = static_cast<std::int16_t>(cv.number),
+                             .CVWert = static_cast<std::int16_t>(cv.value)};
             std::ignore = library.DB_Write_CV(rec);
         }
         add_scripts(library, set);

@@ -172,7 +172,7 @@ std::int16_t clsDBConn::DB_Get_Free_SetNr(std::int16_t ResCV) {
 
 std::int32_t clsDBConn::DB_Add_CVSet(const QString& Name, std::int16_t& Nummer,
                                      std::int16_t ResCV) {
-    return parts_->sets.add(Name, Nummer, ResCV);
+    return parts_->sets.add(Name, Nummer, {.number = ResCV});
 }
 
 bool clsDBConn::DB_Rename_CVSet(const QString& Name, std::int16_t Nummer) {
