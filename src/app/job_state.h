@@ -15,7 +15,7 @@ public:
     void end();
 
     /// A job runs while this lives.
-    class Run {
+    class [[nodiscard]] Run {
     public:
         /// @param end cancels the job and waits until this is gone; the event loop may run
         /// meanwhile, and then it may be called again

@@ -2,10 +2,12 @@
 
 #include "store/library_operation.h"
 
+#include "platform/failure/sure.h"
 #include "store/row_surroundings.h"
 
 #include <algorithm>
 #include <array>
+#include <tuple>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -56,9 +58,9 @@ void Library_Operation::tell_left() {
     tell([](Change_Listener& listener) { listener.library_left(); });
 }
 
-bool Library_Operation::is_refusal(ado::Failure kind) {
-    return kind == ado::Failure::refused || kind == ado::Failure::not_found ||
-           kind == ado::Failure::changed || kind == ado::Failure::statement;
+bool Library_Operation::is_refusal(Failure kind) {
+    return kind == Failure::refused || kind == Failure::not_found || kind == Failure::changed ||
+           kind == Failure::statement;
 }
 
 bool Library_Operation::begin() {
@@ -100,11 +102,12 @@ bool Library_Operation::keep_copy() {
 }
 
 bool Library_Operation::end(bool keep) {
+    SURE(depth_ > 0);
     spoiled_ = spoiled_ || !keep;
     if (--depth_ > 0) return !spoiled_;
     bool kept = !std::exchange(spoiled_, false) && transaction_.has_value();
     if (kept && !record_.rows.empty()) {
-        keep_copy();
+        std::ignore = keep_copy();
         note_doubles();
     }
     try {
@@ -123,6 +126,7 @@ bool Library_Operation::end(bool keep) {
 
 void Library_Operation::row_changed(const QString& table, const ado::Row& before,
                                     const ado::Row& after) {
+    SURE(depth_ > 0);
     for (const Table_Name& known : table_names) {
         if (table.compare(known.name, Qt::CaseInsensitive) != 0) continue;
         const std::int32_t key = ado::number_in(after.empty() ? before : after, known.key);

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-using namespace Qt::Literals::StringLiterals;
-
 namespace store {
 
 namespace {
@@ -45,9 +43,8 @@ void restore(Library_Operation& operation, const Row_Change& change) {
                            ado::Origin::restored);
     }
     if (!is_back(operation.changes().back().after, change.after))
-        throw ado::Error(ado::Failure::refused,
-                         table + QLatin1Char(' ') + QString::number(change.key),
-                         u"would come back otherwise than it was"_s);
+        throw ado::Error(Failure::refused, row_name(table, change.key),
+                         "would come back otherwise than it was");
 }
 
 } // namespace
@@ -63,8 +60,8 @@ Replayed restore_rows(Library_Operation& operation, const std::vector<Row_Change
         Row_Surroundings(operation.file()).check(all, doubles);
     } catch (const ado::Error& error) {
         operation.file().note(error);
-        const bool differs = error.by_others || error.kind == ado::Failure::not_found ||
-                             error.kind == ado::Failure::changed;
+        const bool differs =
+            error.by_others || error.kind == Failure::not_found || error.kind == Failure::changed;
         result = differs ? Replayed::differs : Replayed::failed;
     }
     if (!operation.end(result == Replayed::done) && result == Replayed::done)

@@ -21,8 +21,8 @@ Key_Set coming_back(const std::vector<Row_Change>& changes, Table table, const Q
 } // namespace
 
 ado::Error differs(const QString& table, std::int32_t key) {
-    return {ado::Failure::changed, table + QLatin1Char(' ') + QString::number(key),
-            u"somebody else has changed it or what it hangs on"_s};
+    return {Failure::changed, row_name(table, key),
+            "somebody else has changed it or what it hangs on"};
 }
 
 std::vector<Row_Change> net(const std::vector<Row_Change>& changes) {
@@ -56,7 +56,8 @@ Key_Set Row_Surroundings::in_places(const std::vector<Row_Change>& changes) {
     for (const Row_Change& change : changes) {
         if (change.table != Table::CVs || !change.before.empty()) continue;
         const auto at = [&](const QString& column) { return ado::number_in(change.after, column); };
-        sets[at(u"SetID"_s)].insert({at(u"CVPageHi"_s), at(u"CVPageLo"_s), at(u"CVNr"_s)});
+        sets[at(u"SetID"_s)].insert(
+            {.hi = at(u"CVPageHi"_s), .lo = at(u"CVPageLo"_s), .number = at(u"CVNr"_s)});
     }
     Key_Set found;
     for (const auto& [set, places] : sets) {
@@ -65,9 +66,8 @@ Key_Set Row_Surroundings::in_places(const std::vector<Row_Change>& changes) {
         for (; !cvs.at_end(); cvs.move_next()) {
             const auto at = [&](QStringView column) { return cvs.number(column).value_or(0); };
             const std::int32_t key = at(u"CVID");
-            if (!own.contains(key) &&
-                places.contains({at(u"CVPageHi"), at(u"CVPageLo"), at(u"CVNr")}))
-                found.insert(key);
+            const Place place{.hi = at(u"CVPageHi"), .lo = at(u"CVPageLo"), .number = at(u"CVNr")};
+            if (!own.contains(key) && places.contains(place)) found.insert(key);
         }
     }
     return found;

@@ -3,9 +3,9 @@
 #include "store/changes.h"
 #include "store/library_file.h"
 
+#include <compare>
 #include <cstdint>
 #include <set>
-#include <tuple>
 #include <vector>
 
 namespace store {
@@ -33,7 +33,12 @@ public:
     void check(const std::vector<Row_Change>& changes, const Key_Set& doubles);
 
 private:
-    using Place = std::tuple<std::int32_t, std::int32_t, std::int32_t>;
+    struct Place { ///< of a CV in its set
+        std::int32_t hi = 0;
+        std::int32_t lo = 0;
+        std::int32_t number = 0;
+        auto operator<=>(const Place&) const = default;
+    };
 
     ado::Recordset rows(const QString& table, const QString& column, std::int32_t key,
                         std::vector<QString> wanted = {});

@@ -44,8 +44,8 @@ public:
     std::optional<Undo_Name> redo_name() const;
     /// Not inside an Operation. The lists, AktScripts and the current set are the caller's to bring
     /// up to date; a set that goes is no longer current.
-    Undo_Result undo();
-    Undo_Result redo();
+    [[nodiscard]] Undo_Result undo();
+    [[nodiscard]] Undo_Result redo();
     void clear();
 
     void changed(const Change_Record& record) override;

@@ -11,7 +11,7 @@
 
 namespace ado {
 
-using Blocked = jet::Blocked;
+using failure::Blocked;
 using Status = jet::Status;
 
 enum class State { closed = 0, open = 1 };
@@ -38,7 +38,7 @@ public:
     /// Told of every changed row from now on, also of connections opened later; nullptr: nobody.
     void watch(Row_Watcher* watcher);
 
-    /// Throws Error (closed).
+    /// Throws Error (not_open).
     Session& session() const;
 
 private:
@@ -49,7 +49,7 @@ private:
 
 /// Several changes as one; an inner transaction joins the outer one, which alone writes to disk.
 /// Rolled back unless committed. Must not outlive the open connection.
-class Transaction {
+class [[nodiscard]] Transaction {
 public:
     explicit Transaction(Connection& connection);
     Transaction(const Transaction&) = delete;
@@ -64,7 +64,7 @@ private:
 };
 
 /// Several reads of one state of the file: nobody else changes it meanwhile.
-class Reading {
+class [[nodiscard]] Reading {
 public:
     explicit Reading(Connection& connection, Extent extent = Extent::some);
     Reading(const Reading&) = delete;

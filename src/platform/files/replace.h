@@ -6,7 +6,7 @@ namespace files {
 
 /// A new content for a name, written beside it and put in its place in one step. Until finish()
 /// returns the old file stands whole; given up (destroyed) before, nothing is left behind.
-class Replacement {
+class [[nodiscard]] Replacement {
 public:
     /// Follows links, so that the file behind a link is replaced and not the link. The new file has
     /// the rights of the old one; one that is write-protected is not replaced (denied).
@@ -50,6 +50,6 @@ void copy_file(Disk& disk, const std::string& from, const std::string& to,
 /// "a.mdb.new7", which a crash may leave beside "a.mdb" -> "a.mdb"; nothing for other names.
 std::optional<std::string> replaced_by(const std::string& name);
 
-std::vector<std::byte> read_file(Disk& disk, const std::string& path);
+[[nodiscard]] std::vector<std::byte> read_file(Disk& disk, const std::string& path);
 
 } // namespace files

@@ -62,7 +62,7 @@ enum class Order {
 /// Rows one after the other; decodes only the cells that are asked for. It holds the shared lock
 /// from its making to its end: keep it short. It ends with the next change of the database (next()
 /// throws std::logic_error then), so collect first, then change.
-class Cursor {
+class [[nodiscard]] Cursor {
 public:
     Cursor(Cursor&&) noexcept;
     Cursor& operator=(Cursor&&) noexcept;
@@ -216,7 +216,7 @@ private:
 /// outermost commits, and what an inner one has changed goes the way of the outermost. A refused
 /// statement leaves everything as it was before that statement, and the transaction can go on.
 /// After any other failure the transaction can only be rolled back; commit() does that and throws.
-class Transaction {
+class [[nodiscard]] Transaction {
 public:
     /// Takes the exclusive lock. The first one on an existing file runs check() (once) and throws
     /// damaged when it finds a fault; read_only when status() says so.
@@ -231,7 +231,7 @@ private:
 };
 
 /// Keeps the shared lock over several reads, so that they see one state.
-class Read_Guard {
+class [[nodiscard]] Read_Guard {
 public:
     explicit Read_Guard(Database& database);
     Read_Guard(const Read_Guard&) = delete;

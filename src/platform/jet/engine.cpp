@@ -1,5 +1,6 @@
 #include "platform/jet/engine.h"
 
+#include "platform/failure/sure.h"
 #include "platform/jet/catalogue/definition_chain.h"
 #include "platform/jet/catalogue/file_end.h"
 #include "platform/jet/check/check.h"
@@ -127,6 +128,7 @@ void Engine::begin_read() {
 }
 
 void Engine::end_read() noexcept {
+    SURE(read_depth_ > 0);
     if (--read_depth_ == 0) pager_->end_read();
 }
 
@@ -185,6 +187,7 @@ void Engine::begin_write() {
 }
 
 void Engine::commit() {
+    SURE(write_depth_ > 0);
     if (write_depth_ > 1) {
         --write_depth_;
         return;
@@ -206,6 +209,7 @@ void Engine::commit() {
 }
 
 void Engine::rollback() noexcept {
+    SURE(write_depth_ > 0);
     if (--write_depth_ > 0) return;
     pager_->rollback();
     unfit_.reset();
@@ -293,10 +297,10 @@ std::uint64_t Engine::foreign_changes() {
 }
 
 check::Report Engine::check() {
+    const Reading reading(*this);
     try {
-        const Reading reading(*this);
         return check::check(*disk_.open(path_, files::Access::read));
-    } catch (const files::Error& error) {
+    } catch (const Error& error) { // whatever keeps it from being opened once more
         throw Error(Failure::device, error.subject, error.what());
     }
 }

@@ -155,7 +155,7 @@ private:
 };
 
 /// begin_read and end_read as one.
-class Reading {
+class [[nodiscard]] Reading {
 public:
     explicit Reading(Engine& engine) : engine_(&engine) { engine.begin_read(); }
     Reading(Reading&& other) noexcept : engine_(std::exchange(other.engine_, nullptr)) {}

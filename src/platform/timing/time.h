@@ -21,7 +21,7 @@ public:
     void clear();
     bool raised() const;
     /// Blocks the calling thread. @return whether it was raised before the time was over
-    bool wait_for(Milliseconds duration);
+    [[nodiscard]] bool wait_for(Milliseconds duration);
 
 private:
     struct Inside;
@@ -49,7 +49,7 @@ public:
     /// The local time that a person reads off a clock; may be set back at any moment.
     virtual QDateTime date() const = 0;
     /// Blocks the calling thread. @return false: interrupted before the time was over
-    virtual bool wait_until(Milliseconds moment, Interruption& by) = 0;
+    [[nodiscard]] virtual bool wait_until(Milliseconds moment, Interruption& by) = 0;
     /// A timer of the calling thread, which needs an event loop; disabled, with 1000 ms. It must
     /// not outlive this.
     virtual std::unique_ptr<Tick_Timer> tick_timer(std::function<void()> handler) = 0;

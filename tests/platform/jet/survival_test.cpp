@@ -141,9 +141,12 @@ TEST_F(Survival, a_damaged_file_is_shown_and_never_written) {
     disk.set_bytes(path, bytes);
     auto database = open(disk);
     EXPECT_GT(database.table(u"Sets")->row_count(), 0U);
-    EXPECT_EQ(failure([&] { database.table(u"Sets")->insert({{1, u"x"}}); }), Failure::damaged);
+    EXPECT_EQ(failure_of([&] { database.table(u"Sets")->insert({{1, u"x"}}); }), Failure::damaged);
     EXPECT_EQ(database.status().blocked, jet::Blocked::damaged);
-    EXPECT_EQ(failure([&] { database.table(u"Sets")->insert({{1, u"x"}}); }), Failure::read_only);
+    EXPECT_EQ(failure_of([&] {
+                  database.table(u"Sets")->insert({{1, u"x"}});
+              }),
+              Failure::read_only);
     EXPECT_TRUE(disk.bytes(path) == bytes);
 }
 
@@ -168,7 +171,7 @@ TEST_F(Survival, rows_stand_in_the_order_of_the_key_even_when_its_tree_is_broken
     ASSERT_TRUE(third.next());
     EXPECT_EQ(third.values(), before.at(u"Sets")[2]);
     EXPECT_EQ(database.status().blocked, jet::Blocked::damaged);
-    EXPECT_EQ(failure([&] { database.table(u"Sets")->insert({}); }), Failure::read_only);
+    EXPECT_EQ(failure_of([&] { database.table(u"Sets")->insert({}); }), Failure::read_only);
 }
 
 /// Random damage: whatever is met, nothing crashes or hangs, and what the checker calls damaged is

@@ -58,6 +58,7 @@
 //     that is looked at, and of a file whose head is zeros no more than 64 MiB.
 
 #include "platform/jet/pages/journal.h"
+#include "platform/failure/sure.h"
 #include "platform/jet/pages/journal_trust.h"
 
 #include <algorithm>
@@ -89,7 +90,10 @@ public:
         waiting_.insert(waiting_.end(), bytes.begin(), bytes.end());
         if (waiting_.size() >= portion) flush();
     }
-    void fill_to(std::uint64_t offset) { waiting_.resize(offset - written_); }
+    void fill_to(std::uint64_t offset) {
+        SURE(offset >= written_ + waiting_.size());
+        waiting_.resize(offset - written_);
+    }
     void flush() {
         file_.write_at(written_, waiting_);
         written_ += waiting_.size();

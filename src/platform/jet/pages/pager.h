@@ -66,7 +66,7 @@ public:
     /// a page that was read in between must not change under its holder.
     virtual std::span<std::byte> change(Page_Number number) = 0;
     /// Lengthens the file by one page of zeros. @return its number.
-    virtual Page_Number append() = 0;
+    [[nodiscard]] virtual Page_Number append() = 0;
     virtual Pager_Report report() const { return {}; }
     /// Differs from what it was whenever another copy may have changed the file in between. Fresh
     /// after each outermost begin; what was derived from pages is kept as long as it stays the

@@ -5,6 +5,11 @@
 
 namespace jet {
 
+/// Errors that say: look, but do not write.
+constexpr bool is_protection(Failure kind) {
+    return kind == Failure::denied || kind == Failure::read_only;
+}
+
 /// What must be unchanged for pages to stay in the cache from one operation to the next.
 struct Cache_Mark {
     std::uint64_t salt = 0;

@@ -1,9 +1,10 @@
 // Beginning and ending operations: locks, what the journal says, what the cache may keep.
 
-#include "platform/jet/pages/pager_border.h"
+#include "platform/failure/sure.h"
 #include "platform/jet/pages/pager_file.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace jet {
 namespace {
@@ -20,8 +21,8 @@ void File_Pager::take(files::Lock wanted) {
 
 void File_Pager::release() noexcept {
     try {
-        file_->lock(read_depth_ > 0 ? files::Lock::shared : files::Lock::none, {});
-    } catch (const files::Error&) {
+        std::ignore = file_->lock(read_depth_ > 0 ? files::Lock::shared : files::Lock::none, {});
+    } catch (const Error&) {
         // Closing the file drops it at the latest.
     }
 }
@@ -45,7 +46,7 @@ void File_Pager::make_journal() {
         journal_.make(page_size_, *file_);
     } catch (const Journal_Unusable& why) {
         refuse(why);
-    } catch (const files::Error& error) {
+    } catch (const Error& error) {
         // A full disk, say, may have room again when the first change comes, and is reported then.
         if (is_protection(error.kind)) report_.refusal = {Failure::read_only, error.detail};
     }
@@ -80,15 +81,13 @@ bool File_Pager::must_settle() const {
 
 void File_Pager::begin_read() {
     if (read_depth_ + write_depth_ == 0) {
-        at_border([&] {
-            take(files::Lock::shared);
-            try {
-                enter_reading();
-            } catch (...) {
-                release();
-                throw;
-            }
-        });
+        take(files::Lock::shared);
+        try {
+            enter_reading();
+        } catch (...) {
+            release();
+            throw;
+        }
     }
     ++read_depth_;
 }
@@ -103,10 +102,10 @@ void File_Pager::enter_reading() {
     if (const auto why = journal_.bar()) refuse(*why);
     if (must_settle() && file_writable_ && journal_.writable()) {
         // Not from shared to exclusive in one step: two copies that try would wait for each other.
-        file_->lock(files::Lock::none, {});
+        std::ignore = file_->lock(files::Lock::none, {});
         take(files::Lock::exclusive);
         enter_writing();
-        file_->lock(files::Lock::shared, {});
+        std::ignore = file_->lock(files::Lock::shared, {}); // if not, the exclusive one stays
         return;
     }
     if (must_settle()) show_settled();
@@ -194,8 +193,8 @@ void File_Pager::sync_settled(const Journal_Finding& finding) {
 void File_Pager::set_aside() {
     try {
         report_.set_aside = journal_.set_aside();
-    } catch (const files::Error& error) {
-        const bool too_long = error.kind == files::Failure::name_too_long;
+    } catch (const Error& error) {
+        const bool too_long = error.kind == Failure::name_too_long;
         if (!is_protection(error.kind) && !too_long) throw;
         refuse({too_long ? Blocked::journal_name : Blocked::journal_barred, path_, error.detail,
                 journal_.owner()});
@@ -212,6 +211,7 @@ void File_Pager::show_settled() {
 }
 
 void File_Pager::end_read() noexcept {
+    SURE(read_depth_ > 0);
     if (--read_depth_ == 0 && write_depth_ == 0) release();
 }
 
@@ -228,21 +228,19 @@ void File_Pager::check_may_write() const {
 void File_Pager::begin_write() {
     check_may_write();
     if (write_depth_ == 0) {
-        at_border([&] {
-            take(files::Lock::exclusive);
-            try {
-                enter_writing();
-                check_may_write();
-                journal_.make(page_size_, *file_); // J8
-            } catch (const Journal_Unusable& why) {
-                release();
-                refuse(why);
-                check_may_write();
-            } catch (...) {
-                release();
-                throw;
-            }
-        });
+        take(files::Lock::exclusive);
+        try {
+            enter_writing();
+            check_may_write();
+            journal_.make(page_size_, *file_); // J8
+        } catch (const Journal_Unusable& why) {
+            release();
+            refuse(why);
+            check_may_write();
+        } catch (...) {
+            release();
+            throw;
+        }
     }
     ++write_depth_;
 }
