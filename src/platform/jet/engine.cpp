@@ -218,6 +218,7 @@ void Engine::fail(const Error& error) noexcept {
 
 void Engine::forget() {
     objects_known_ = false;
+    latest_ = nullptr;
     for (auto& [id, state] : tables_) state.definition.reset();
     hints_.clear();
     numbered_.clear();
@@ -250,14 +251,15 @@ const Object* Engine::object(std::u16string_view name, std::int32_t parent) {
     return nullptr;
 }
 
-const Table_State& Engine::table(Page_Number id) {
+const Table_State& Engine::look_up_table(Page_Number id) {
     const Reading reading(*this);
     objects();
     const auto found = tables_.find(id);
     if (found == tables_.end())
         throw Error(Failure::not_found, path_, "the table is no longer there");
     if (!found->second.definition) load(found->second);
-    return found->second;
+    latest_ = &found->second;
+    return *latest_;
 }
 
 const Table_State& Engine::system_table(std::u16string_view name) {
