@@ -1,6 +1,8 @@
 #include "store/row_restore.h"
 
 #include <algorithm>
+#include <map>
+#include <utility>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -60,6 +62,15 @@ void restore(Library_Operation& operation, const Row_Change& change, const Oddit
                          u"would come back otherwise than it was"_s);
 }
 
+/// A relation takes along what hangs on a row that goes: rows that others have added meanwhile, too.
+void refuse_more(const std::vector<Row_Change>& done, const std::vector<Row_Change>& wanted) {
+    std::map<std::pair<QString, std::int32_t>, int> left;
+    for (const Row_Change& change : wanted) ++left[{table_name(change), change.key}];
+    for (const Row_Change& change : done)
+        if (--left[{table_name(change), change.key}] < 0)
+            throw differs(table_name(change), change.key);
+}
+
 } // namespace
 
 Replayed restore_rows(Library_Operation& operation, const std::vector<Row_Change>& changes,
@@ -70,6 +81,7 @@ Replayed restore_rows(Library_Operation& operation, const std::vector<Row_Change
         for (const bool following : {false, true})
             for (const Row_Change& change : changes)
                 if (may_follow(change) == following) restore(operation, change, odd);
+        refuse_more(operation.changes(), changes);
         Row_Surroundings(operation.file()).check(all, odd);
     } catch (const ado::Error& error) {
         operation.file().note(error);
