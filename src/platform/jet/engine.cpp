@@ -23,7 +23,8 @@ constexpr double seconds_of_a_day = 86400;
 } // namespace
 
 Engine::Engine(files::Disk& disk, std::string path, std::unique_ptr<Pager> pager, bool fresh)
-    : disk_(disk), path_(std::move(path)), pager_(std::move(pager)), checked_(fresh) {
+    : disk_(disk), path_(std::move(path)), pager_(std::move(pager)), checked_(fresh),
+      doubts_(pager_->report().doubts) {
     const Reading reading(*this);
     header_ = read_header(*pager_);
     check_tables();
@@ -151,6 +152,17 @@ void Engine::check_after_spoiled_journal() {
     }
 }
 
+/// Another copy may have died and somebody else have cleared up what its journal knew: the file is
+/// looked at as if it had just been opened.
+void Engine::look_again() {
+    const int doubts = pager_->report().doubts;
+    if (doubts == doubts_) return;
+    doubts_ = doubts;
+    checked_ = false;
+    check_tables();
+    ensure_writable();
+}
+
 /// Runs under a lock, so nobody changes the file meanwhile.
 void Engine::check_once() {
     if (checked_) return;
@@ -173,6 +185,7 @@ void Engine::begin_write() {
     pager_->begin_write();
     try {
         if (read_depth_ == 0) refresh();
+        look_again();
         check_once();
     } catch (...) {
         pager_->rollback();

@@ -129,6 +129,7 @@ private:
     void check_tables();
     void note_end(std::uint64_t pages);
     void ensure_writable() const;
+    void look_again();
     void check_once();
     void check_after_spoiled_journal();
     void fail(const Error& error) noexcept;
@@ -141,6 +142,7 @@ private:
     std::unique_ptr<Pager> pager_;
     Header header_;
     bool checked_; ///< the file was made by us or has passed check()
+    int doubts_;   ///< see Pager_Report
     Blocked blocked_ = Blocked::no;
     std::string blocked_detail_;
     std::optional<Lost_End> lost_end_;

@@ -15,7 +15,8 @@
 //     so such a journal is kept and reported. Only a file of zeros, or one shorter than a head whose
 //     bytes name no operation, was never used. One that somebody empties or removes after a crash
 //     takes what it knew with it: nothing in the database tells that an operation had begun, and
-//     only the look at the whole file before the first change finds what is half written.
+//     only the look at the whole file before the first change finds what is half written; a copy that
+//     has looked already looks again when the journal is no longer the one that it knew.
 // J5  A journal is written, emptied and rolled back only under the exclusive lock on the database.
 // J6  A journal is applied only if every sector of every page that it names is as before the
 //     operation or as after it, and size and page 0 fit. Any other is renamed and reported, never

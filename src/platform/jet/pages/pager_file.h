@@ -49,6 +49,7 @@ private:
     void check_still_named();
     void check_may_write() const;
     bool must_settle() const;
+    void attach_journal();
     void enter_reading();
     void enter_writing();
     void look_at_names();
@@ -81,6 +82,7 @@ private:
     bool unsure_ = false;     ///< the last sync failed: what reads well need not be on the medium
     std::uint64_t names_ = 1; ///< hard links, as far as they were judged
     Journal journal_;
+    std::optional<std::uint64_t> salt_; ///< of the journal that was open last
     std::size_t page_size_ = 0;
     Page_Number page_count_ = 0; ///< with the appended ones
     Page_Number count_in_file_ = 0;

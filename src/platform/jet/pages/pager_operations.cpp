@@ -43,6 +43,7 @@ void File_Pager::prepare() {
 void File_Pager::make_journal() {
     try {
         journal_.make(page_size_, *file_);
+        salt_ = journal_.head().salt;
     } catch (const Journal_Unusable& why) {
         refuse(why);
     } catch (const files::Error& error) {
@@ -78,6 +79,15 @@ bool File_Pager::must_settle() const {
            journal_.state() == Journal::State::unreadable;
 }
 
+/// Whoever takes a journal away, or its content, takes with it what it knew (J4).
+void File_Pager::attach_journal() {
+    journal_.attach(file_writable_, *file_);
+    const bool tells =
+        journal_.state() == Journal::State::empty || journal_.state() == Journal::State::hot;
+    if (salt_ && !(tells && salt_ == journal_.head().salt)) ++report_.doubts;
+    salt_ = tells ? std::optional(journal_.head().salt) : std::nullopt;
+}
+
 void File_Pager::begin_read() {
     if (read_depth_ + write_depth_ == 0) {
         at_border([&] {
@@ -97,7 +107,7 @@ void File_Pager::enter_reading() {
     shown_.reset();  // J13
     look_at_names(); // J12
     if (still_named())
-        journal_.attach(file_writable_, *file_);
+        attach_journal();
     else
         journal_.detach(); // the one at the path belongs to another file now
     if (const auto why = journal_.bar()) refuse(*why);
@@ -117,7 +127,7 @@ void File_Pager::enter_writing() {
     shown_.reset();      // J13
     check_still_named(); // J9
     look_at_names();     // J12
-    journal_.attach(file_writable_, *file_);
+    attach_journal();
     if (must_settle()) file_writable_&& journal_.writable() ? settle() : show_settled();
     notice_state();
 }
@@ -155,6 +165,7 @@ bool File_Pager::note_useless(const Journal_Finding& finding) {
     const bool spoiled = useless && !rubbish;
     report_.foreign_journal = report_.foreign_journal || foreign;
     report_.spoiled_journal = report_.spoiled_journal || spoiled;
+    if (foreign || spoiled) ++report_.doubts;
     return foreign || spoiled;
 }
 
@@ -234,6 +245,7 @@ void File_Pager::begin_write() {
                 enter_writing();
                 check_may_write();
                 journal_.make(page_size_, *file_); // J8
+                salt_ = journal_.head().salt;
             } catch (const Journal_Unusable& why) {
                 release();
                 refuse(why);
