@@ -50,7 +50,8 @@
 //     the database. What it then shows counts, not what was refused. An empty one that does not
 //     serve is mended or made anew; one that was too open is always made anew, since somebody may
 //     still have it open. A database with a second name is not written, because
-//     nobody would find the journal from there, and who reads it is told.
+//     nobody would find the journal from there, and who reads it is told. He sees what journals of
+//     other names in the same folder say, those in other folders he cannot know of.
 // J13 What is shown in place of pages, where a journal cannot be rolled back, ends with the lock
 //     under which it was read.
 // J14 Every number in a journal is bounded before it is used: sizes are whole pages and at most
@@ -121,6 +122,13 @@ void Journal::detach() {
     state_ = State::absent;
     writable_ = false;
     served_.reset();
+}
+
+void Journal::turn_to(const std::string& database) {
+    if (database == database_) return;
+    detach();
+    database_ = database;
+    path_ = database + "-journal";
 }
 
 void Journal::attach(bool writable, files::File& database) { // J8

@@ -79,9 +79,20 @@ bool File_Pager::must_settle() const {
            journal_.state() == Journal::State::unreadable;
 }
 
+/// Where the file has several names its change may be unfinished under another one.
+void File_Pager::look_at_other_names() {
+    for (const std::string& other : names_beside_) {
+        journal_.turn_to(other);
+        journal_.attach(false, *file_);
+        if (journal_.state() == Journal::State::hot) return;
+    }
+    journal_.turn_to(real_path_);
+    journal_.attach(false, *file_);
+}
+
 /// Whoever takes a journal away, or its content, takes with it what it knew (J4).
 void File_Pager::attach_journal() {
-    journal_.attach(file_writable_, *file_);
+    names_beside_.empty() ? journal_.attach(file_writable_, *file_) : look_at_other_names();
     const bool tells =
         journal_.state() == Journal::State::empty || journal_.state() == Journal::State::hot;
     if (salt_ && !(tells && salt_ == journal_.head().salt)) ++report_.doubts;
@@ -138,6 +149,11 @@ void File_Pager::look_at_names() {
     if (!files::has_one_name(disk_, *file_, real_path_)) {
         file_writable_ = false;
         refuse({Blocked::second_name, path_, "the file has another name (hard link)"});
+        try {
+            names_beside_ = files::names_beside(disk_, *file_, real_path_);
+        } catch (const files::Error&) {
+            // Like one in another folder: nothing can be known of it.
+        }
     }
     names_ = names;
 }
