@@ -111,11 +111,10 @@ void clsDBConn::unlisten(Change_Listener& listener) { parts_->operation.unlisten
 
 void clsDBConn::keep_copies(Before_First_Write* keeper) { parts_->operation.keeper = keeper; }
 
-Replayed clsDBConn::replay(const std::vector<Row_Change>& changes,
-                           const std::set<std::int32_t>& doubles) {
+Replayed clsDBConn::replay(const std::vector<Row_Change>& changes, const Oddities& odd) {
     const std::vector<Row_Change> all = net(changes);
     const bool current_set_goes = going(all, Table::Sets).contains(parts_->akt_set);
-    const Replayed result = restore_rows(parts_->operation, changes, all, doubles);
+    const Replayed result = restore_rows(parts_->operation, changes, all, odd);
     if (result == Replayed::done && current_set_goes) parts_->akt_set = 0;
     return result;
 }

@@ -92,9 +92,8 @@ public:
     /// Brings rows from what they were before to what they were after, one after the other, with
     /// their keys and all of their columns. All or nothing, and only if each row still is as it was
     /// before. The reason for not doing it is noted as a trouble. Not inside an Operation.
-    /// @param doubles CVs that CVs coming back may meet in their places
-    [[nodiscard]] Replayed replay(const std::vector<Row_Change>& changes,
-                                  const std::set<std::int32_t>& doubles);
+    /// @param odd what rows that come back find as it was
+    [[nodiscard]] Replayed replay(const std::vector<Row_Change>& changes, const Oddities& odd);
 
     // Sets
 

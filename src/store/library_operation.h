@@ -97,7 +97,7 @@ public:
 private:
     static bool is_refusal(Failure kind);
     void row_changed(const QString& table, const ado::Row& before, const ado::Row& after) override;
-    void note_doubles(); ///< in the record
+    void note_oddities(); ///< in the record
     void tell(const std::function<void(Change_Listener&)>& message);
     void leave_lost_file();
 

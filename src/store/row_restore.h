@@ -12,6 +12,6 @@ namespace store {
 /// what the changes come to.
 [[nodiscard]] Replayed restore_rows(Library_Operation& operation,
                                     const std::vector<Row_Change>& changes,
-                                    const std::vector<Row_Change>& all, const Key_Set& doubles);
+                                    const std::vector<Row_Change>& all, const Oddities& odd);
 
 } // namespace store

@@ -7,7 +7,6 @@
 
 #include <cstdint>
 #include <optional>
-#include <set>
 #include <vector>
 
 namespace store {
@@ -56,7 +55,7 @@ private:
     struct Step {
         Undo_Name name;
         std::vector<Row_Change> changes;
-        std::set<std::int32_t> doubles; ///< see Change_Record
+        Oddities odd;
         void turn_round();
     };
     using Steps = std::vector<Step>;

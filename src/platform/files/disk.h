@@ -141,6 +141,8 @@ Acl acl_for(User owner, Group group, const Standing& of);
 /// may; a list that it got from its folder goes. Where group or list are refused, fewer people may
 /// open it, never more.
 void give_standing(Disk& disk, File& file, const Standing& of);
+/// All paths in the folder of this one under which the open file stands.
+std::vector<std::string> names_beside(Disk& disk, File& file, const std::string& path);
 /// Whether the open file, found at this path, has no second name. A short name is none.
 [[nodiscard]] bool has_one_name(Disk& disk, File& file, const std::string& path);
 

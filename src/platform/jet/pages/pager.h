@@ -37,6 +37,9 @@ struct Pager_Report {
     bool foreign_journal = false;
     /// The journal of this file was spoiled and was never applied: a change may be half written.
     bool spoiled_journal = false;
+    /// How often a journal was met that could not be used, or none or another one than before. What
+    /// was known of the file no longer holds then.
+    int doubts = 0;
     std::string set_aside; ///< new path of either; empty when it could not be renamed
     std::optional<Write_Refusal> refusal; ///< nothing while the file may be written
 };

@@ -44,6 +44,7 @@ void File_Pager::prepare() {
 void File_Pager::make_journal() {
     try {
         journal_.make(page_size_, *file_);
+        salt_ = journal_.head().salt;
     } catch (const Journal_Unusable& why) {
         refuse(why);
     } catch (const Error& error) {
@@ -79,6 +80,26 @@ bool File_Pager::must_settle() const {
            journal_.state() == Journal::State::unreadable;
 }
 
+/// Where the file has several names its change may be unfinished under another one.
+void File_Pager::look_at_other_names() {
+    for (const std::string& other : names_beside_) {
+        journal_.turn_to(other);
+        journal_.attach(false, *file_);
+        if (journal_.state() == Journal::State::hot) return;
+    }
+    journal_.turn_to(real_path_);
+    journal_.attach(false, *file_);
+}
+
+/// Whoever takes a journal away, or its content, takes with it what it knew (J4).
+void File_Pager::attach_journal() {
+    names_beside_.empty() ? journal_.attach(file_writable_, *file_) : look_at_other_names();
+    const bool tells =
+        journal_.state() == Journal::State::empty || journal_.state() == Journal::State::hot;
+    if (salt_ && !(tells && salt_ == journal_.head().salt)) ++report_.doubts;
+    salt_ = tells ? std::optional(journal_.head().salt) : std::nullopt;
+}
+
 void File_Pager::begin_read() {
     if (read_depth_ + write_depth_ == 0) {
         take(files::Lock::shared);
@@ -96,7 +117,7 @@ void File_Pager::enter_reading() {
     shown_.reset();  // J13
     look_at_names(); // J12
     if (still_named())
-        journal_.attach(file_writable_, *file_);
+        attach_journal();
     else
         journal_.detach(); // the one at the path belongs to another file now
     if (const auto why = journal_.bar()) refuse(*why);
@@ -116,7 +137,7 @@ void File_Pager::enter_writing() {
     shown_.reset();      // J13
     check_still_named(); // J9
     look_at_names();     // J12
-    journal_.attach(file_writable_, *file_);
+    attach_journal();
     if (must_settle()) file_writable_&& journal_.writable() ? settle() : show_settled();
     notice_state();
 }
@@ -127,6 +148,11 @@ void File_Pager::look_at_names() {
     if (!files::has_one_name(disk_, *file_, real_path_)) {
         file_writable_ = false;
         refuse({Blocked::second_name, path_, "the file has another name (hard link)"});
+        try {
+            names_beside_ = files::names_beside(disk_, *file_, real_path_);
+        } catch (const files::Error&) {
+            // Like one in another folder: nothing can be known of it.
+        }
     }
     names_ = names;
 }
@@ -154,6 +180,7 @@ bool File_Pager::note_useless(const Journal_Finding& finding) {
     const bool spoiled = useless && !rubbish;
     report_.foreign_journal = report_.foreign_journal || foreign;
     report_.spoiled_journal = report_.spoiled_journal || spoiled;
+    if (foreign || spoiled) ++report_.doubts;
     return foreign || spoiled;
 }
 
@@ -233,6 +260,7 @@ void File_Pager::begin_write() {
             enter_writing();
             check_may_write();
             journal_.make(page_size_, *file_); // J8
+            salt_ = journal_.head().salt;
         } catch (const Journal_Unusable& why) {
             release();
             refuse(why);
