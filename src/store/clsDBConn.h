@@ -180,9 +180,9 @@ private:
 /// rolled back. A refusal inside ends only the refused operation; a failure of disk, lock or file
 /// spoils the whole: the following operations do nothing and keep() fails; so does one that could
 /// not begin.
-class [[nodiscard]] Operation {
+class Operation {
 public:
-    explicit Operation(clsDBConn& connection);
+    [[nodiscard]] explicit Operation(clsDBConn& connection);
     Operation(const Operation&) = delete;
     Operation& operator=(const Operation&) = delete;
     ~Operation();

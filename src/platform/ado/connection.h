@@ -49,9 +49,9 @@ private:
 
 /// Several changes as one; an inner transaction joins the outer one, which alone writes to disk.
 /// Rolled back unless committed. Must not outlive the open connection.
-class [[nodiscard]] Transaction {
+class Transaction {
 public:
-    explicit Transaction(Connection& connection);
+    [[nodiscard]] explicit Transaction(Connection& connection);
     Transaction(const Transaction&) = delete;
     Transaction& operator=(const Transaction&) = delete;
     ~Transaction();
@@ -64,9 +64,9 @@ private:
 };
 
 /// Several reads of one state of the file: nobody else changes it meanwhile.
-class [[nodiscard]] Reading {
+class Reading {
 public:
-    explicit Reading(Connection& connection, Extent extent = Extent::some);
+    [[nodiscard]] explicit Reading(Connection& connection, Extent extent = Extent::some);
     Reading(const Reading&) = delete;
     Reading& operator=(const Reading&) = delete;
     ~Reading();

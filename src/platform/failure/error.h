@@ -44,7 +44,7 @@ enum class Kind {
 /// Thrown on all floors. `subject` names what it happened to: a path, a table, a column, "script 2,
 /// line 17"; `detail` says in plain English what is wrong, for the log.
 struct [[nodiscard]] Error : std::runtime_error {
-    Error(Kind kind_, std::string subject_, std::string detail_)
+    [[nodiscard]] Error(Kind kind_, std::string subject_, std::string detail_)
         : std::runtime_error(subject_ + ": " + detail_), kind(kind_), subject(std::move(subject_)),
           detail(std::move(detail_)) {}
     Kind kind;

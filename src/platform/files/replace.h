@@ -6,12 +6,12 @@ namespace files {
 
 /// A new content for a name, written beside it and put in its place in one step. Until finish()
 /// returns the old file stands whole; given up (destroyed) before, nothing is left behind.
-class [[nodiscard]] Replacement {
+class Replacement {
 public:
     /// Follows links, so that the file behind a link is replaced and not the link. The new file has
     /// the rights of the old one; one that is write-protected is not replaced (denied).
     /// @param rights_of whose rights it has when it replaces nothing; null: as any new file.
-    Replacement(Disk& disk, const std::string& path, File* rights_of = nullptr);
+    [[nodiscard]] Replacement(Disk& disk, const std::string& path, File* rights_of = nullptr);
     ~Replacement();
     Replacement(const Replacement&) = delete;
     Replacement& operator=(const Replacement&) = delete;

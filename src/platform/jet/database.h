@@ -216,11 +216,11 @@ private:
 /// outermost commits, and what an inner one has changed goes the way of the outermost. A refused
 /// statement leaves everything as it was before that statement, and the transaction can go on.
 /// After any other failure the transaction can only be rolled back; commit() does that and throws.
-class [[nodiscard]] Transaction {
+class Transaction {
 public:
     /// Takes the exclusive lock. The first one on an existing file runs check() (once) and throws
     /// damaged when it finds a fault; read_only when status() says so.
-    explicit Transaction(Database& database);
+    [[nodiscard]] explicit Transaction(Database& database);
     Transaction(const Transaction&) = delete;
     Transaction& operator=(const Transaction&) = delete;
     ~Transaction(); ///< rolls back unless committed
@@ -231,9 +231,9 @@ private:
 };
 
 /// Keeps the shared lock over several reads, so that they see one state.
-class [[nodiscard]] Read_Guard {
+class Read_Guard {
 public:
-    explicit Read_Guard(Database& database);
+    [[nodiscard]] explicit Read_Guard(Database& database);
     Read_Guard(const Read_Guard&) = delete;
     Read_Guard& operator=(const Read_Guard&) = delete;
     ~Read_Guard();

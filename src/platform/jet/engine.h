@@ -164,9 +164,9 @@ private:
 };
 
 /// begin_read and end_read as one.
-class [[nodiscard]] Reading {
+class Reading {
 public:
-    explicit Reading(Engine& engine) : engine_(&engine) { engine.begin_read(); }
+    [[nodiscard]] explicit Reading(Engine& engine) : engine_(&engine) { engine.begin_read(); }
     Reading(Reading&& other) noexcept : engine_(std::exchange(other.engine_, nullptr)) {}
     Reading(const Reading&) = delete;
     Reading& operator=(const Reading&) = delete;
