@@ -264,7 +264,6 @@ TEST_F(Real, a_hang_up_is_told_once_and_waiting_costs_nothing_before_and_after) 
     EXPECT_EQ(control->input_count(), 0);
     control->rts(false);
     EXPECT_LT(work_in_a_second(), 0.05);
-    EXPECT_EQ(refusal([&] { control->open(); }).kind, Failure::not_found);
 }
 
 TEST_F(Real, another_thread_ends_a_wait) {
