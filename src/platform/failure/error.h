@@ -27,6 +27,10 @@ enum class Kind {
     changed,        ///< what was read before is no longer so
     not_open,       ///< the database, the connection or the recordset
     statement,      ///< SQL beyond what is understood; the subject is its text
+    // A serial port
+    no_port,  ///< what has the number is no serial port
+    settings, ///< a settings text that is none, or one that the driver does not take
+    vanished, ///< was open and is gone: unplugged, hung up
     // A library
     no_library, ///< a database of another kind: it has no CV sets
     cut_off,    ///< the end of the file is missing, and the CV sets with it

@@ -23,6 +23,22 @@ public:
     /// Blocks the calling thread. @return whether it was raised before the time was over
     [[nodiscard]] bool wait_for(Milliseconds duration);
 
+    /// For whoever waits for something else as well: as long as it lives, raising calls what it was
+    /// given, in the thread that raises; at once where the interruption is raised already. When it
+    /// has gone no call is under way. The call must not touch the interruption.
+    class Listener {
+    public:
+        Listener(Interruption& to, std::function<void()> call);
+        Listener(const Listener&) = delete;
+        Listener& operator=(const Listener&) = delete;
+        ~Listener();
+
+    private:
+        friend class Interruption;
+        Interruption& to_;
+        std::function<void()> call_;
+    };
+
 private:
     struct Inside;
     std::unique_ptr<Inside> inside_;
