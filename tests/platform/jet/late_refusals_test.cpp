@@ -181,7 +181,8 @@ TEST_F(Late_Refusals, leave_every_byte_as_it_was) {
             jet::Transaction all(*database);
             insert(1);
             EXPECT_EQ(failure_of(c.refused), Failure::refused);
-            EXPECT_EQ(failure_of([&] { insert(1); }), Failure::refused) << "half of it is in memory";
+            EXPECT_EQ(failure_of([&] { insert(1); }), Failure::refused)
+                << "half of it is in memory";
             EXPECT_EQ(failure_of([&] { all.commit(); }), Failure::refused);
         }
         EXPECT_TRUE(image() == before);
