@@ -37,8 +37,9 @@ const QString unsupported = QStringLiteral("CV-Sets vom Decoder nicht unterstüt
 
 } // namespace
 
-Transfer::Transfer(Order order, link_serial::frm_Soundload_cls& host, Job_Board& board)
-    : order_(std::move(order)), host_(host), board_(board), values_(order_.values) {}
+Transfer::Transfer(Order order, link_serial::frm_Soundload_cls& host, Job_Board& board,
+                   link_transport::Bit_Loop& loop)
+    : order_(std::move(order)), host_(host), board_(board), loop_(loop), values_(order_.values) {}
 
 Transfer::~Transfer() = default;
 
@@ -63,7 +64,8 @@ bool Transfer::connect() {
         transport_ = std::make_unique<link_transport::cls_SUSI_Soundload>(host_, values_);
         say(QStringLiteral("Verbindung wird hergestellt (SUSI)"));
     } else {
-        transport_ = std::make_unique<link_transport::cls_QD_Schiene_Soundload>(host_, values_);
+        transport_ =
+            std::make_unique<link_transport::cls_QD_Schiene_Soundload>(host_, values_, loop_);
         say(QStringLiteral("Verbindung wird hergestellt (Schiene)"));
     }
     if (transport_->Connect()) {

@@ -2,6 +2,7 @@
 
 #include "link/jobs/job_board.h"
 #include "link/transport/ISoundload.h"
+#include "link/transport/bit_loop.h"
 #include "store/CVRec.h"
 
 #include <array>
@@ -40,7 +41,8 @@ struct Outcome {
 /// One job with a decoder, from finding it to letting it go. Runs in the thread that calls it.
 class Transfer {
 public:
-    Transfer(Order order, link_serial::frm_Soundload_cls& host, Job_Board& board);
+    Transfer(Order order, link_serial::frm_Soundload_cls& host, Job_Board& board,
+             link_transport::Bit_Loop& loop = link_transport::real_bit_loop());
     ~Transfer();
 
     Outcome run();
@@ -66,6 +68,7 @@ private:
     Order order_;
     link_serial::frm_Soundload_cls& host_;
     Job_Board& board_;
+    link_transport::Bit_Loop& loop_;
     link_types::Link_Values values_;
     std::unique_ptr<link_transport::ISoundload> transport_;
     timing::Milliseconds body_start_{0};
