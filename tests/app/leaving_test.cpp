@@ -60,6 +60,11 @@ TEST_F(Leaving, each_is_asked_once_and_the_job_ends_when_all_agree) {
     EXPECT_FALSE(state.runs());
 }
 
+TEST_F(Leaving, a_second_job_beside_one_that_runs_ends_the_program) {
+    start_job();
+    EXPECT_DEATH(app::Job_State::Run(state, [] {}), "job_state.cpp:.*this must hold: !state_.runs");
+}
+
 TEST_F(Leaving, two_closings_at_once_are_one) {
     Holder editor(*this, "editor");
     bool second = true;

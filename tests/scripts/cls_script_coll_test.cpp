@@ -15,7 +15,7 @@ using testing::ElementsAreArray;
 using Bytes = std::vector<std::uint8_t>;
 
 const Error& refused(const std::function<void()>& action) {
-    static Error last(Failure::missing, "", "");
+    static Error last(Failure::not_found, "", "");
     try {
         action();
     } catch (const Error& error) {
@@ -131,8 +131,8 @@ TEST(Scripts_Of_A_Set, are_counted_from_1_and_outlive_their_removal) {
     EXPECT_THAT(ids, ElementsAre(10, 30));
     for (const int missing : {-1, 0, 3}) {
         EXPECT_FALSE(scripts.exists(missing));
-        EXPECT_EQ(refused([&] { (void)scripts.Item(missing); }).kind, Failure::missing);
-        EXPECT_EQ(refused([&] { scripts.Remove(missing); }).kind, Failure::missing);
+        EXPECT_EQ(refused([&] { (void)scripts.Item(missing); }).kind, Failure::not_found);
+        EXPECT_EQ(refused([&] { scripts.Remove(missing); }).kind, Failure::not_found);
     }
     EXPECT_TRUE(scripts.exists(1) && scripts.exists(2));
     scripts.Clear();
@@ -166,9 +166,9 @@ TEST(Script_Sets, are_found_by_position_and_key) {
     sets.Remove(2);
     sets.Remove(QStringLiteral("40"));
     EXPECT_EQ(sets.Count(), 1);
-    EXPECT_EQ(refused([&] { (void)sets.Item(QStringLiteral("-3")); }).kind, Failure::missing);
-    EXPECT_EQ(refused([&] { sets.Remove(QStringLiteral("40")); }).kind, Failure::missing);
-    EXPECT_EQ(refused([&] { (void)sets.Item(2); }).kind, Failure::missing);
+    EXPECT_EQ(refused([&] { (void)sets.Item(QStringLiteral("-3")); }).kind, Failure::not_found);
+    EXPECT_EQ(refused([&] { sets.Remove(QStringLiteral("40")); }).kind, Failure::not_found);
+    EXPECT_EQ(refused([&] { (void)sets.Item(2); }).kind, Failure::not_found);
     add(QStringLiteral("40"));
     EXPECT_EQ(sets.Item(2)->SetID, 40);
     sets.Clear();

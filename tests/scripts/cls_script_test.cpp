@@ -53,8 +53,8 @@ TEST(Script_State, keeps_what_no_byte_could_hold) {
     state.SetPar(6, -1);
     EXPECT_EQ(state.GetPar(0), 257);
     EXPECT_EQ(state.GetPar(6), -1);
-    EXPECT_EQ(failure_of([&] { state.SetPar(7, 0); }), Failure::missing);
-    EXPECT_EQ(failure_of([&] { (void)state.GetPar(-1); }), Failure::missing);
+    EXPECT_EQ(failure_of([&] { state.SetPar(7, 0); }), Failure::not_found);
+    EXPECT_EQ(failure_of([&] { (void)state.GetPar(-1); }), Failure::not_found);
 }
 
 TEST(Script_State, copies_command_comment_and_five_parameters) {
@@ -84,12 +84,12 @@ TEST(Script, yields_a_state_at_every_index_from_0_to_255_only) {
     EXPECT_EQ(script.StateCount, 0);
     for (const int outside : {-1, 256}) {
         SCOPED_TRACE(outside);
-        EXPECT_EQ(failure_of([&] { script.GetState(outside); }), Failure::missing);
-        EXPECT_EQ(failure_of([&] { script.SetState(outside, {}); }), Failure::missing);
-        EXPECT_EQ(failure_of([&] { script.Insert_ScriptState(outside); }), Failure::missing);
-        EXPECT_EQ(failure_of([&] { script.Delete_ScriptState(outside); }), Failure::missing);
-        EXPECT_EQ(failure_of([&] { script.Copy_ScriptState(outside, 0); }), Failure::missing);
-        EXPECT_EQ(failure_of([&] { script.Copy_ScriptState(0, outside); }), Failure::missing);
+        EXPECT_EQ(failure_of([&] { script.GetState(outside); }), Failure::not_found);
+        EXPECT_EQ(failure_of([&] { script.SetState(outside, {}); }), Failure::not_found);
+        EXPECT_EQ(failure_of([&] { script.Insert_ScriptState(outside); }), Failure::not_found);
+        EXPECT_EQ(failure_of([&] { script.Delete_ScriptState(outside); }), Failure::not_found);
+        EXPECT_EQ(failure_of([&] { script.Copy_ScriptState(outside, 0); }), Failure::not_found);
+        EXPECT_EQ(failure_of([&] { script.Copy_ScriptState(0, outside); }), Failure::not_found);
     }
 }
 
@@ -184,7 +184,7 @@ TEST(Script, deleting_moves_the_jumps_with_their_lines) {
 
 TEST(Script, deleting_a_line_that_is_not_there_costs_no_other) {
     auto script = jumps_to({1, 0});
-    EXPECT_EQ(failure_of([&] { script.Delete_ScriptState(2); }), Failure::missing);
+    EXPECT_EQ(failure_of([&] { script.Delete_ScriptState(2); }), Failure::not_found);
     EXPECT_THAT(lines_of(script), ElementsAre("0:1", "1:0"));
 }
 

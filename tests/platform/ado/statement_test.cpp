@@ -76,7 +76,7 @@ TEST(Statement, anything_else_is_refused_and_quoted) {
             ADD_FAILURE() << "was understood";
         } catch (const ado::Error& error) {
             EXPECT_EQ(error.kind, ado::Failure::statement);
-            EXPECT_EQ(error.subject.toStdString(), sql);
+            EXPECT_EQ(error.subject, sql);
         }
     }
 }
