@@ -152,7 +152,7 @@ void Frm_Main::show_title() {
     if (is_incomplete(blocked)) title += text(Text::title_incomplete);
     setWindowTitle(title.replace(u"[*]"_qs, u"[*][*]"_qs)); // else the mark of a changed document
     write_protected_->setVisible(blocked != store::Blocked::no);
-    write_protected_->setToolTip(ui_parts::reason(blocked, opening.journal_owner));
+    write_protected_->setToolTip(ui_parts::reason(opening));
 }
 
 void Frm_Main::meet(const store::Trouble& trouble) {
