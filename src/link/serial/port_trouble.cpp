@@ -13,7 +13,8 @@ struct Trouble_Text {
 constexpr Trouble_Text trouble_texts[] = {
     {Failure::not_found,
      u"„%1“ gibt es nicht: Interface einstecken oder einen anderen Port wählen."},
-    {Failure::locked_elsewhere, u"„%1“ wird von einem anderen Programm benutzt; bitte dort schließen."},
+    {Failure::locked_elsewhere,
+     u"„%1“ wird von einem anderen Programm benutzt; bitte dort schließen."},
     {Failure::no_port, u"„%1“ ist kein serieller Port; bitte einen anderen wählen."},
     {Failure::settings,
      u"„%1“ kennt diese Übertragungsart nicht; bitte einen anderen Port wählen."},
@@ -48,7 +49,8 @@ QString rights_sentence(const serial::Error& trouble) {
 
 QString sentence(const serial::Error& trouble) {
     if (trouble.kind == Failure::denied) return rights_sentence(trouble);
-    if (trouble.kind == Failure::locked_elsewhere && !trouble.holder.empty()) return held_sentence(trouble);
+    if (trouble.kind == Failure::locked_elsewhere && !trouble.holder.empty())
+        return held_sentence(trouble);
     for (const Trouble_Text& each : trouble_texts)
         if (each.kind == trouble.kind)
             return QString::fromUtf16(each.german).arg(QString::fromStdString(trouble.subject));

@@ -10,9 +10,9 @@ namespace {
 
 using link_types::no_value;
 
-constexpr std::uint8_t acknowledge = 0x06;
+constexpr std::uint8_t susi_acknowledge = 0x06;
 constexpr std::size_t answer_length = 3; ///< status, value, checksum of the value
-constexpr std::size_t checked_from = 4;  ///< what stands before is not in a frame's checksum
+constexpr std::size_t checked_from = 5;  ///< what stands before is not in the checksum of a frame
 constexpr int read_attempts = 6;
 constexpr int write_attempts = 11;
 constexpr int ticks_for_reading = 10;
@@ -156,7 +156,7 @@ bool cls_SUSI_Soundload::WriteCV(int cv, std::uint8_t value) {
         for (int left = write_attempts; left > 0 && !written && may_go_on(); --left) {
             SendBytes(write_frame(cv, value));
             WaitReceive(ticks_for_writing);
-            written = received(acknowledge);
+            written = received(susi_acknowledge);
         }
     });
     return written;

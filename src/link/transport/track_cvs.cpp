@@ -10,7 +10,7 @@ namespace {
 
 using link_types::no_value;
 
-constexpr std::uint8_t acknowledge = 0x1C;
+constexpr std::uint8_t acknowledged = 0x1C;
 constexpr int ticks_for_answer = 50;
 constexpr int attempts = 5;
 
@@ -80,7 +80,7 @@ std::optional<std::uint8_t> cls_QD_Schiene_Soundload::read_bits(const char16_t* 
             log(QStringLiteral("Timeout Buffer=%1").arg(host_.SComm1.input_count()));
             return std::nullopt;
         }
-        if (received(acknowledge)) value |= 1U << bit;
+        if (received(acknowledged)) value |= 1U << bit;
     }
     return static_cast<std::uint8_t>(value);
 }
@@ -108,7 +108,7 @@ bool cls_QD_Schiene_Soundload::WriteCV(int cv, std::uint8_t value) {
             else
                 SendBytes({0x02, 0xAA, hi, lo, value});
             WaitReceive(ticks_for_answer);
-            written = received(acknowledge);
+            written = received(acknowledged);
         }
     });
     return written;
@@ -128,7 +128,7 @@ bool cls_QD_Schiene_Soundload::SendAcked(const Set_Packet& packet) {
         for (int left = attempts; left > 0 && !taken && may_go_on(); --left) {
             SendBytes(packet);
             WaitReceive(ticks_for_answer);
-            taken = received(acknowledge);
+            taken = received(acknowledged);
         }
     });
     return taken;
