@@ -24,8 +24,7 @@ void give_globals(const link_types::Link_Values& values) {
 
 Link_Center::Link_Center(QWidget& window, desktop::Desktop& desktop, const Link_Ports& ports,
                          app::Job_State& state)
-    : window_(window), desktop_(desktop), ports_(ports), state_(state),
-      names_(ports.make_control()), comm_(*names_, values_, [this] { show_ports(); }) {}
+    : window_(window), desktop_(desktop), ports_(ports), state_(state) {}
 
 Link_Center::~Link_Center() { cancel(); }
 
@@ -37,8 +36,10 @@ void Link_Center::start(Job job) {
 
 void Link_Center::begin() {
     take_globals(values_);
-    comm_.transport(job_->susi ? 2 : 1);
-    comm_.SelectPort();
+    const std::unique_ptr<serial::SComm> names = ports_.make_control();
+    link_serial::cls_comm comm(*names, values_, [this] { show_ports(); });
+    comm.transport(job_->susi ? 2 : 1);
+    comm.SelectPort();
     give_globals(values_);
     if (state_.runs()) return; // the user was asked meanwhile
     link_jobs::Order order{job_->mode, job_->susi, values_, {}};
@@ -73,6 +74,10 @@ void Link_Center::repeat() {
     begin();
 }
 
+void Link_Center::look_at_repeat() {
+    if (transfer_) transfer_->allow_repeat(job_ && (!job_->may_repeat || job_->may_repeat()));
+}
+
 void Link_Center::fetch() {
     if (!thread_) return;
     const auto news = thread_->board().fetch();
@@ -92,6 +97,7 @@ void Link_Center::ended() {
     const QString advice = job_->done ? job_->done(outcome_) : QString();
     if (!transfer_) return;
     transfer_->end(advice);
+    look_at_repeat();
     if (cancelled) transfer_->deleteLater();
 }
 

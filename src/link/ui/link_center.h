@@ -45,6 +45,8 @@ public:
     void show_log();
     /// The ports, to choose one. While a job runs there is nothing to choose.
     void show_ports();
+    /// Whether the last job may be repeated can have changed.
+    void look_at_repeat();
 
 private:
     void begin();
@@ -59,8 +61,6 @@ private:
     app::Job_State& state_;
     link_types::Link_Values values_;
     Log_Lines log_;
-    std::unique_ptr<serial::SComm> names_;
-    link_serial::cls_comm comm_;
     QPointer<frm_log> log_window_;
     QPointer<Frm_Download> transfer_;
     std::optional<Job> job_;
