@@ -43,6 +43,7 @@ public:
     /// Finds a port, asks the user where there is none, and begins. Does nothing while a job runs.
     void start(Job job);
     void show_log();
+    QDateTime date() const { return ports_.time.date(); }
     /// The ports, to choose one. While a job runs there is nothing to choose.
     void show_ports();
     /// Whether the last job may be repeated can have changed.

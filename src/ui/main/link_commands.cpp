@@ -11,7 +11,6 @@
 #include "ui/main/texts.h"
 #include "ui/parts/trouble_texts.h"
 
-#include <QDateTime>
 #include <algorithm>
 
 namespace ui_main {
@@ -178,7 +177,7 @@ QString Link_Commands::all_read(const Outcome& outcome) {
         at_.messages.say_and_log(why, QString());
         return why;
     }
-    const QString name = name_of_read(outcome, QDateTime::currentDateTime());
+    const QString name = name_of_read(outcome, center_.date());
     if (store_read(outcome, name)) {
         const QString said = QStringLiteral("Gelesen und als CV-Set „%1“ gespeichert.").arg(name);
         at_.view.say_outcome(joined(why, said));
