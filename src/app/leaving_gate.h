@@ -26,6 +26,8 @@ public:
 
     /// Whether passing may end with somebody being asked.
     bool somebody_may_stay() const { return !holders_.empty(); }
+    /// Whether it is being passed now: all who are asked have been, or nobody is.
+    bool passing() const { return asking_; }
     /// Asks each holder once, the latest first; when all agree, a job that runs is ended: it never
     /// refuses. @return whether the way is free; not while it is being asked already, so that two
     /// closings at once are one

@@ -81,6 +81,8 @@ bool Transfer::connect() {
 void Transfer::disconnect() {
     transport_->Disconnect();
     outcome_.trouble = transport_->trouble();
+    if (outcome_.trouble && outcome_.trouble->kind == failure::Kind::vanished)
+        values_.BasuModeActive = false; // an interface without power forgets it
     transport_.reset();
 }
 

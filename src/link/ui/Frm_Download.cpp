@@ -19,6 +19,7 @@ Frm_Download::Frm_Download(QWidget* parent, desktop::Desktop& desktop)
     ProgressBar1->setObjectName(QStringLiteral("ProgressBar1"));
     ProgressBar1->setRange(0, 100);
     lay_out();
+    cmd_ok->setAutoDefault(true); // Enter closes what is over, and cancels nothing
     connect(cmd_nochmal, &QPushButton::clicked, this, &Frm_Download::repeat_wanted);
     connect(cmd_log, &QPushButton::clicked, this, &Frm_Download::log_wanted);
     connect(cmd_Abbruch, &QPushButton::clicked, this, &Frm_Download::reject);

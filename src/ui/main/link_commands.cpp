@@ -184,6 +184,7 @@ QString Link_Commands::all_read(const Outcome& outcome) {
         return joined(why, said);
     }
     at_.messages.say_trouble();
+    if (at_.gate.passing()) return why; // the program ends, and there is nobody to be asked
     const auto records = link_jobs::records_read(outcome.read, outcome.values.decoder.cv_space);
     const QString question = QStringLiteral(
         "Die gelesenen CVs konnten nicht gespeichert werden. In die Zwischenablage legen?");
@@ -196,7 +197,7 @@ QString Link_Commands::all_read(const Outcome& outcome) {
 
 bool Link_Commands::store_read(const Outcome& outcome, const QString& name) {
     const auto records = link_jobs::records_read(outcome.read, outcome.values.decoder.cv_space);
-    if (!at_.gate.pass()) return false;
+    if (!at_.gate.passing() && !at_.gate.pass()) return false;
     std::int32_t SetID = 0;
     bool kept = false;
     {

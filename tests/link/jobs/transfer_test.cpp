@@ -117,3 +117,13 @@ TEST_F(Jobs, all_that_a_set_holds_is_written) {
     EXPECT_EQ(shown.lab_sn, QStringLiteral("CV 512/512"));
     EXPECT_EQ(shown.Label1, QStringLiteral("Übertragung erfolgreich"));
 }
+
+TEST_F(Jobs, an_interface_that_was_pulled_out_is_switched_on_again) {
+    control.gone_at = 2000;
+    const Outcome outcome =
+        run({.mode = Job_Mode::read_all, .susi = false, .values = {}, .cvs = {}});
+    EXPECT_EQ(outcome.end, End::failed);
+    EXPECT_GT(outcome.last_read, 5); // and kept
+    EXPECT_FALSE(outcome.values.BasuModeActive);
+    EXPECT_EQ(outcome.values.TimingCounter, 125000);
+}
