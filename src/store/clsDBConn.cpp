@@ -143,7 +143,11 @@ void clsDBConn::Fill_Sets_in_SetObj(cls_Sets_Coll& sets) {
 }
 
 std::int16_t clsDBConn::Get_Set_Nummer(std::int32_t SetID) {
-    return parts_->file.active() ? parts_->sets.number(parts_->current(SetID)) : std::int16_t{0};
+    return to_16_bits(number_of_set(SetID));
+}
+
+std::int32_t clsDBConn::number_of_set(std::int32_t SetID) {
+    return parts_->file.active() ? parts_->sets.number(parts_->current(SetID)) : 0;
 }
 
 std::int16_t clsDBConn::Get_Set_Nummer2(std::int32_t SetID) {
