@@ -217,6 +217,13 @@ std::int16_t clsDBConn::DB_Open_CVs(std::int32_t SetID) {
     return to_16_bits(static_cast<std::int64_t>(parts_->cvs.open(SetID)));
 }
 
+std::vector<CVRec> clsDBConn::cvs_of(std::int32_t SetID) {
+    std::vector<CVRec> cvs(static_cast<std::size_t>(DB_Open_CVs(SetID)));
+    for (CVRec& cv : cvs) cv = DB_Next_CV();
+    DB_Close_CVs();
+    return cvs;
+}
+
 CVRec clsDBConn::DB_Next_CV() { return parts_->cvs.next(); }
 
 void clsDBConn::DB_Close_CVs() { parts_->cvs.close(); }

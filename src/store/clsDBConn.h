@@ -148,6 +148,8 @@ public:
     /// The next row of the picture; all zero after the last one and when none is open.
     CVRec DB_Next_CV();
     void DB_Close_CVs();
+    /// The CVs of a set at once. Changes no current set.
+    std::vector<CVRec> cvs_of(std::int32_t SetID);
 
     // Scripts; a position counts from 1 in AktScripts. Operations go by the keys of the script there:
     // they refuse when it belongs to another set than the current one, or is gone.

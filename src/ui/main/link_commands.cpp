@@ -60,9 +60,7 @@ bool Link_Commands::expect_set() {
 }
 
 std::optional<std::vector<store::CVRec>> Link_Commands::cvs_of(std::int32_t SetID) {
-    std::vector<store::CVRec> cvs(static_cast<std::size_t>(at_.database.DB_Open_CVs(SetID)));
-    for (store::CVRec& cv : cvs) cv = at_.database.DB_Next_CV();
-    at_.database.DB_Close_CVs();
+    std::vector<store::CVRec> cvs = at_.database.cvs_of(SetID);
     if (at_.messages.say_trouble() || at_.view.leave_gone_set()) return std::nullopt;
     return cvs;
 }

@@ -20,7 +20,7 @@ protected:
     template <class Widget>
     Widget* child(const char* name) {
         if (!window) {
-            window = std::make_unique<app_ui::frm_Settings>(nullptr, desktop);
+            window = std::make_unique<app_ui::frm_Settings>(nullptr, desktop, access);
             window->show();
         }
         return window->findChild<Widget*>(QString::fromLatin1(name));
@@ -28,12 +28,13 @@ protected:
     void click(const char* name) { QTest::mouseClick(child<QPushButton>(name), Qt::LeftButton); }
 
     support::Scripted_Desktop desktop;
+    app_ui::Port_Access access{{3, 33, 64}, [](QWidget&) { app::globals.comport = 50; }};
     std::unique_ptr<app_ui::frm_Settings> window;
 };
 
 TEST_F(Settings_Window, a_port_counts_at_once_and_survives_cancel) {
     auto* ports = child<QComboBox>("combo_com");
-    ASSERT_EQ(ports->count(), 32);
+    ASSERT_EQ(ports->count(), 34); // and those above that exist
     EXPECT_EQ(ports->currentText(), QStringLiteral("COM7"));
     QTest::keyClick(ports, Qt::Key_Down);
     EXPECT_EQ(app::globals.comport, 8);
@@ -41,11 +42,16 @@ TEST_F(Settings_Window, a_port_counts_at_once_and_survives_cancel) {
     EXPECT_EQ(app::globals.comport, 8);
 }
 
-TEST_F(Settings_Window, a_port_beyond_the_list_stays_until_another_is_chosen) {
+TEST_F(Settings_Window, a_port_beyond_the_list_is_offered_and_a_search_may_choose_one) {
     app::globals.comport = 40;
-    EXPECT_EQ(child<QComboBox>("combo_com")->currentIndex(), -1);
+    auto* ports = child<QComboBox>("combo_com");
+    EXPECT_EQ(ports->currentText(), QStringLiteral("COM40"));
+    ports->setCurrentText(QStringLiteral("COM64"));
+    EXPECT_EQ(app::globals.comport, 64);
+    click("cmd_search");
+    EXPECT_EQ(ports->currentText(), QStringLiteral("COM50"));
     click("btn_ok");
-    EXPECT_EQ(app::globals.comport, 40);
+    EXPECT_EQ(app::globals.comport, 50);
 }
 
 TEST_F(Settings_Window, the_folder_changes_only_with_ok) {
