@@ -39,8 +39,6 @@ public:
     /// @param first what is compared at first
     frm_Compare(QWidget* parent, Access access, Pair first);
 
-    Pair compared() const;
-
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -49,6 +47,7 @@ private:
     void read();
     void show_differences();
     void copy();
+    Pair compared() const;
     std::vector<store::Difference> shown() const;
 
     Access access_;

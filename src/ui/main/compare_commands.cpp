@@ -7,7 +7,7 @@
 #include "ui/parts/trouble_texts.h"
 
 #include <algorithm>
-#include <span>
+#include <utility>
 
 namespace ui_main {
 namespace {
@@ -29,6 +29,7 @@ public:
 
 Compare_Commands::Compare_Commands(const Surroundings& at) : at_(at) {
     at.menus.bring({{"mnu_vergleichen", at_.messages.command([this] { compare_sets(); })}});
+    connect(&at.view, &Library_View::shown, this, &Compare_Commands::note_selected);
 }
 
 std::vector<Choice> Compare_Commands::choices() {
@@ -39,20 +40,24 @@ std::vector<Choice> Compare_Commands::choices() {
     return std::move(names.names);
 }
 
-// The selected set with the one that was compared last, else with one beside it.
+void Compare_Commands::note_selected() {
+    const std::int32_t now = at_.view.selected_set();
+    if (now != 0 && now != selected_) selected_before_ = std::exchange(selected_, now);
+}
+
+// The selected set with the one that was selected before it: what was loaded, when a decoder has
+// just been read. Else with its neighbour.
 ui_compare::Pair Compare_Commands::proposed(const std::vector<Choice>& sets) const {
     const auto place = [&](std::int32_t SetID) {
         return std::ranges::find(sets, SetID, &Choice::SetID) - sets.begin();
     };
+    const auto id = [&](std::ptrdiff_t row) { return sets[static_cast<std::size_t>(row)].SetID; };
     const auto end = std::ssize(sets);
     const auto selected = place(at_.view.selected_set());
     const auto left = selected == end ? 0 : selected;
-    for (const std::int32_t wanted : {last_.right, last_.left})
-        if (const auto right = place(wanted); right != end && right != left)
-            return {sets[static_cast<std::size_t>(left)].SetID, wanted};
-    const auto right = left + 1 < end ? left + 1 : left - 1;
-    return {sets[static_cast<std::size_t>(left)].SetID,
-            sets[static_cast<std::size_t>(right)].SetID};
+    const auto before = place(selected_before_);
+    if (before != end && before != left) return {id(left), selected_before_};
+    return {id(left), id(left > 0 ? left - 1 : 1)};
 }
 
 void Compare_Commands::compare_sets() {
@@ -78,7 +83,6 @@ void Compare_Commands::compare_sets() {
     };
     ui_compare::frm_Compare dialog(&at_.window, {std::move(sets), cvs, copy}, first);
     dialog.exec();
-    last_ = dialog.compared();
 }
 
 } // namespace ui_main

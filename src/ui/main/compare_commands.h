@@ -15,10 +15,12 @@ public:
 private:
     void compare_sets();
     std::vector<ui_compare::Choice> choices();
+    void note_selected();
     ui_compare::Pair proposed(const std::vector<ui_compare::Choice>& sets) const;
 
     Surroundings at_;
-    ui_compare::Pair last_; ///< what the user compared last
+    std::int32_t selected_ = 0; ///< in the list of sets, and the one before it
+    std::int32_t selected_before_ = 0;
 };
 
 } // namespace ui_main
