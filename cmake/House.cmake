@@ -11,7 +11,7 @@ set(house_floors
     platform_jet_collation platform_jet_check
     platform_jet_format platform_jet_pages platform_jet_index platform_jet_rows platform_jet_catalogue platform_jet
     platform_ado platform_serial platform_desktop
-    app export_msgpack scripts store sim
+    app export_msgpack scripts_catalogue scripts store sim
     link_types link_serial link_transport link_jobs
     export ui_parts ui_desktop
     app_ui ui_compare link_ui sim_ui scripts_ui ui_main)

@@ -13,8 +13,9 @@ class Record_Reader {
 public:
     /// Where an open quote ends.
     enum class Text_End {
-        line, ///< with its line
-        quote ///< only at the closing quote, at most 255 characters on
+        line,     ///< with its line
+        quote,    ///< only at the closing quote, at most 255 characters on
+        far_quote ///< only at the closing quote
     };
     Record_Reader(QStringView text, Text_End text_end) : rest_(text), text_end_(text_end) {}
 

@@ -1,12 +1,14 @@
 #include "scripts/cls_script.h"
 
+#include "scripts/catalogue/commands.h"
 #include "scripts/error.h"
-#include "scripts/jumps.h"
 
 #include <utility>
 
 namespace scripts {
 namespace {
+
+using scripts_catalogue::JumpParameter;
 
 std::size_t checked_state(int index) {
     if (index < 0 || index >= cls_script::max_states)
@@ -43,6 +45,12 @@ void cls_script::CopyHeader(const cls_script& other) {
     ScriptName = other.ScriptName;
     HeaderFlag = other.HeaderFlag;
     EditActive = other.EditActive;
+}
+
+void cls_script::import(const cls_script& source,
+                        void (cls_Scriptstate::*convert)(const cls_Scriptstate&)) {
+    for (int i = 0; i < source.StateCount; ++i) (GetState(i).*convert)(source.GetState(i));
+    CopyHeader(source);
 }
 
 void cls_script::Insert_ScriptState(int index) {

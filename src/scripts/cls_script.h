@@ -43,6 +43,29 @@ public:
     /// Takes over StateCount, ScriptName, HeaderFlag and EditActive.
     void CopyHeader(const cls_script& other);
 
+    // The same script in another form, with CopyHeader.
+    void Import_vqr_2_Listindex(const cls_script& source) {
+        import(source, &cls_Scriptstate::Import_vqr_2_Listindex);
+    }
+    void Import_Listindex_2_vqr(const cls_script& source) {
+        import(source, &cls_Scriptstate::Import_Listindex_2_vqr);
+    }
+    void Import_vqr_2_vqx(const cls_script& source) {
+        import(source, &cls_Scriptstate::Import_vqr_2_vqx);
+    }
+    void Import_vqr_2_vqr(const cls_script& source) {
+        import(source, &cls_Scriptstate::Import_vqr_2_vqr);
+    }
+    void Import_vqx_2_vqr(const cls_script& source) {
+        import(source, &cls_Scriptstate::Import_vqx_2_vqr);
+    }
+    void Import_vqx_2_Listindex(const cls_script& source) {
+        import(source, &cls_Scriptstate::Import_vqx_2_Listindex);
+    }
+    void Import_Listindex_2_vqx(const cls_script& source) {
+        import(source, &cls_Scriptstate::Import_Listindex_2_vqx);
+    }
+
     /// Puts an empty state at `index` and moves what follows; jumps to moved lines follow them.
     /// @throws Error (full) when the script has 256 states
     void Insert_ScriptState(int index);
@@ -55,6 +78,8 @@ public:
     void Copy_ScriptState(int source, int target);
 
 private:
+    void import(const cls_script& source, void (cls_Scriptstate::*convert)(const cls_Scriptstate&));
+
     std::deque<cls_Scriptstate>
         states_; // grows when touched: most scripts are short, sets carry many
 };

@@ -1,7 +1,7 @@
 #include "scripts/cls_script.h"
 
 #include "scripts/error.h"
-#include "scripts/jumps.h"
+#include "scripts/catalogue/commands.h"
 
 #include <gmock/gmock.h>
 
@@ -116,8 +116,8 @@ TEST(Script, finds_the_jump_target_of_every_command) {
         std::optional<int> expected;
         for (const auto& [jump, parameter] : jumps)
             if (jump == command) expected = parameter;
-        EXPECT_EQ(JumpParameter(command), expected);
-        EXPECT_EQ(IsJumpCommand(command), expected.has_value());
+        EXPECT_EQ(scripts_catalogue::JumpParameter(command), expected);
+        EXPECT_EQ(scripts_catalogue::IsJumpCommand(command), expected.has_value());
         // Inserting before the target moves it in that parameter and in no other.
         cls_script script;
         script.StateCount = 5;

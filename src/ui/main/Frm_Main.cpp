@@ -15,6 +15,7 @@
 #include "ui/main/main_form.h"
 #include "ui/main/menus.h"
 #include "ui/main/messages.h"
+#include "ui/main/script_commands.h"
 #include "ui/main/set_commands.h"
 #include "ui/main/texts.h"
 #include "ui/parts/trouble_texts.h"
@@ -42,8 +43,8 @@ struct Frm_Main::Inside {
           at{window, window.desktop_, window.disk_, window.database_, *window.form_,
              menus,  messages,        view,         copies,           window.gate_},
           files(at), exports(at), sets(at), clipboard(at, cv_panel), history(at, files),
-          compare(at), center(window, window.desktop_, window.ports_, window.job_),
-          link(at, center) {}
+          compare(at), script_commands(at),
+          center(window, window.desktop_, window.ports_, window.job_), link(at, center) {}
 
     Menus menus;
     Kept_Copies copies;
@@ -57,6 +58,7 @@ struct Frm_Main::Inside {
     Clipboard_Commands clipboard;
     History_Commands history;
     Compare_Commands compare;
+    Script_Commands script_commands;
     link_ui::Link_Center center;
     Link_Commands link;
 };

@@ -6,6 +6,7 @@
 
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QVBoxLayout>
 
 namespace ui_main {
@@ -35,6 +36,11 @@ UC_Scripte::UC_Scripte(QWidget* parent)
     for (QPushButton* each : {cmd_Add, cmd_import, cmd_export}) buttons->addWidget(each);
     buttons->addStretch();
 
+    lvw_Scripts->installEventFilter(this);
+    connect(lvw_Scripts, &QTreeWidget::itemSelectionChanged, this, &UC_Scripte::enable);
+    connect(cmd_import, &QPushButton::clicked, this, &UC_Scripte::import_wanted);
+    connect(cmd_export, &QPushButton::clicked, this, [this] { Q_EMIT export_wanted(chosen()); });
+
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(lvw_Scripts);
@@ -56,6 +62,30 @@ void UC_Scripte::refill() {
         row->setText(lines_column, QString::number(script->StateCount));
         row->setTextAlignment(lines_column, Qt::AlignRight | Qt::AlignVCenter);
     }
+    enable();
+}
+
+int UC_Scripte::chosen() const {
+    const QList<QTreeWidgetItem*> rows = lvw_Scripts->selectedItems();
+    return rows.isEmpty() ? 0 : lvw_Scripts->indexOfTopLevelItem(rows.front()) + 1;
+}
+
+void UC_Scripte::choose(int position) {
+    lvw_Scripts->setCurrentItem(lvw_Scripts->topLevelItem(position - 1));
+}
+
+void UC_Scripte::enable() {
+    cmd_import->setEnabled(scripts::AktScripts().SetID != 0);
+    cmd_export->setEnabled(chosen() != 0);
+}
+
+bool UC_Scripte::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::KeyPress) return QWidget::eventFilter(watched, event);
+    const auto* key = static_cast<QKeyEvent*>(event);
+    if (key->key() != Qt::Key_Delete || key->modifiers() != Qt::NoModifier || chosen() == 0)
+        return QWidget::eventFilter(watched, event);
+    Q_EMIT delete_wanted(chosen());
+    return true;
 }
 
 void UC_Scripte::set_tab_order(QWidget* before) {

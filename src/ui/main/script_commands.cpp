@@ -1,0 +1,198 @@
+#include "ui/main/script_commands.h"
+
+#include "app/mod_fileverwaltung.h"
+#include "app/mod_main.h"
+#include "app/one_line.h"
+#include "app/text_table.h"
+#include "platform/files/replace.h"
+#include "store/script_import.h"
+#include "ui/main/UC_Scripte.h"
+#include "ui/main/file_reasons.h"
+#include "ui/main/library_view.h"
+#include "ui/main/main_form.h"
+#include "ui/main/script_sentences.h"
+#include "ui/main/texts.h"
+#include "ui/parts/busy.h"
+#include "ui/parts/trouble_texts.h"
+
+#include <QDir>
+
+namespace ui_main {
+namespace {
+
+using scripts::AktScripts;
+using scripts::cls_script_coll;
+using ui_parts::shortened;
+
+const QString script_extension = QStringLiteral(".vqs");
+constexpr std::size_t longest_file = 16 << 20; ///< of a file that can be one of scripts
+
+/// As a proposed file name; another one where no file could have it.
+QString file_name(const QString& script) {
+    constexpr qsizetype longest_name = 100;
+    const bool possible = !script.trimmed().isEmpty() && script.size() <= longest_name &&
+                          !script.contains(u'/') && !script.contains(u'\\') &&
+                          !script.startsWith(u'.') && script == app::in_one_line(script);
+    return possible ? script : QStringLiteral("Filename");
+}
+
+void keep_folder(const QString& path) { app::globals.LastScriptdir = app::PathOf(path); }
+
+} // namespace
+
+Script_Commands::Script_Commands(const Surroundings& at) : at_(at) {
+    const UC_Scripte* list = at.form.UC_Scripte1;
+    connect(list, &UC_Scripte::import_wanted, this,
+            at.messages.command([this] { ImportScripts(); }));
+    const auto with_position = [this](void (Script_Commands::*work)(int)) {
+        return [this, work](int position) {
+            at_.messages.command([this, work, position] { (this->*work)(position); })();
+        };
+    };
+    connect(list, &UC_Scripte::export_wanted, this, with_position(&Script_Commands::ExportScript));
+    connect(list, &UC_Scripte::delete_wanted, this, with_position(&Script_Commands::DeleteScript));
+}
+
+// From a file
+
+// Every question is asked before anything is changed.
+void Script_Commands::ImportScripts() {
+    if (at_.view.selected_set() == 0) {
+        at_.messages.say_no_set();
+        return;
+    }
+    if (!at_.database.writable()) {
+        at_.messages.say(QStringLiteral("Nichts importiert: ") +
+                         ui_parts::reason(at_.database.opening()));
+        return;
+    }
+    const auto path = at_.desktop.ask_open_file({app::globals.LastScriptdir,
+                                                 {},
+                                                 script_extension,
+                                                 QStringLiteral("KELDA Script/Projekt "
+                                                                "(*.vqs;*.vqr)")});
+    if (!path || at_.view.leave_gone_set()) return;
+    keep_folder(*path);
+    auto file = read_scripts(*path);
+    if (!file) return;
+    const auto room =
+        static_cast<std::size_t>(std::max(0, cls_script_coll::max_scripts - AktScripts().Count()));
+    if (file->too_many || file->scripts.size() > room)
+        at_.desktop.inform(text(Text::information), sentence_too_many_scripts());
+    if (file->scripts.size() > room) file->scripts.resize(room);
+    if (file->scripts.empty() && room == 0) return;
+    MoveCollidingCVs(*file);
+    keep_scripts(*file, shortened(app::FileOf(*path)));
+}
+
+std::optional<scripts::Script_File> Script_Commands::read_scripts(const QString& path) {
+    const QString name = shortened(app::FileOf(path));
+    try {
+        const ui_parts::Busy busy;
+        const auto file = at_.disk.open(path.toStdString(), files::Access::read);
+        if (file->size() <= longest_file) {
+            QByteArray bytes(static_cast<qsizetype>(file->size()), Qt::Uninitialized);
+            bytes.truncate(static_cast<qsizetype>(
+                file->read_at(0, std::as_writable_bytes(std::span(bytes.begin(), bytes.end())))));
+            scripts::Script_File read = scripts::read_script_file(bytes);
+            if (read.has_section) return read;
+        }
+        at_.messages.say(QStringLiteral("In „%1“ sind keine Scripte.").arg(name));
+    } catch (const files::Error& error) {
+        const auto kind = true_reason(at_.disk, path, error.kind);
+        at_.messages.say_and_log(QStringLiteral("„%1“ kann nicht gelesen werden: ").arg(name) +
+                                     ui_parts::reason(kind),
+                                 QString::fromUtf8(error.what()));
+    }
+    return std::nullopt;
+}
+
+void Script_Commands::MoveCollidingCVs(scripts::Script_File& file) {
+    const auto found = scripts::find_collisions(file.scripts, AktScripts().NewEnum());
+    const QString title = QStringLiteral("CV Kollision");
+    if (found.too_few_free)
+        at_.desktop.inform(title, sentence_too_few_cvs(found));
+    else if (!found.cvs.empty() && at_.desktop.ask_yes_no(title, question_move_cvs(found)))
+        scripts::move_cvs(file.scripts, found);
+    else if (found.cvs.empty() && !found.fixed.empty())
+        at_.desktop.inform(title, sentence_fixed_cvs(found));
+}
+
+void Script_Commands::keep_scripts(const scripts::Script_File& file, const QString& name) {
+    store::Script_Import_Report report;
+    if (!file.scripts.empty()) {
+        const ui_parts::Busy busy;
+        report = store::import_scripts(at_.database, file.scripts);
+    }
+    at_.form.UC_Scripte1->refill();
+    if (!file.scripts.empty() && !report.kept) {
+        at_.messages.say_trouble();
+        return;
+    }
+    if (report.kept) at_.form.UC_Scripte1->choose(AktScripts().Count());
+    at_.view.say_outcome(sentence_imported(file, report, name));
+}
+
+// To a file
+
+std::optional<QString> Script_Commands::ask_where_to_write(const QString& script) {
+    for (;;) {
+        const auto path =
+            at_.desktop.ask_save_file({app::globals.LastScriptdir, file_name(script),
+                                       script_extension, QStringLiteral("KELDA Script (*.vqs)")});
+        if (!path || !app::FileExists(at_.disk, *path) ||
+            at_.desktop.ask_yes_no(text(Text::attention),
+                                   QStringLiteral("Script vorhanden. Überschreiben?")))
+            return path;
+    }
+}
+
+void Script_Commands::ExportScript(int position) {
+    if (!AktScripts().exists(position)) return;
+    const auto script = AktScripts().Item(position); // the list may be filled anew meanwhile
+    const auto path = ask_where_to_write(script->ScriptName);
+    if (!path) return;
+    keep_folder(*path);
+    write_script(*script, *path);
+}
+
+void Script_Commands::write_script(const scripts::cls_script& script, const QString& path) {
+    scripts::cls_script in_file_form;
+    in_file_form.Import_vqx_2_vqr(script);
+    int replaced = 0;
+    const QByteArray bytes = scripts::script_file_of(in_file_form, replaced);
+    const QString name = shortened(app::FileOf(path));
+    try {
+        files::replace_file(at_.disk, path.toStdString(),
+                            std::as_bytes(std::span(bytes.begin(), bytes.end())));
+        at_.messages.say(sentence_exported(script.ScriptName, name, replaced));
+    } catch (const files::Error& error) {
+        const auto kind = true_reason(at_.disk, path, error.kind);
+        at_.messages.say_and_log(QStringLiteral("„%1“ wurde nicht geschrieben: ").arg(name) +
+                                     ui_parts::reason(kind),
+                                 QString::fromUtf8(error.what()));
+    }
+}
+
+void Script_Commands::DeleteScript(int position) {
+    if (app::globals.ScriptWindowOpen) {
+        at_.desktop.inform(text(Text::information), app::TextTable.text(522));
+        return;
+    }
+    if (!AktScripts().exists(position)) return;
+    const auto script = AktScripts().Item(position);
+    if (!at_.desktop.ask_yes_no(app::TextTable.text(199), question_delete(script->ScriptName)))
+        return;
+    const bool there = AktScripts().exists(position) && AktScripts().Item(position) == script;
+    if (there && at_.database.DB_Delete_Script(position)) {
+        AktScripts().Remove(position);
+        at_.view.say_outcome(
+            QStringLiteral("Script „%1“ gelöscht.").arg(shortened(script->ScriptName)));
+    } else if (!at_.messages.say_trouble()) {
+        at_.database.DB_Load_Scripts();
+    }
+    at_.form.UC_Scripte1->refill();
+    at_.form.UC_Scripte1->choose(std::min(position, AktScripts().Count()));
+}
+
+} // namespace ui_main
