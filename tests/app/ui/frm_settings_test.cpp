@@ -8,69 +8,57 @@
 
 namespace {
 
-class Settings_Window : public testing::Test {
-protected:
-    Settings_Window() {
-        app::reset_globals();
-        app::globals.comport = 7;
-        app::globals.StdSetdir = QStringLiteral("/alt/");
-        app::globals.StdSetPath = QStringLiteral("/std/");
-    }
+struct Settings_Window : testing::Test {
     ~Settings_Window() override { app::reset_globals(); }
-    template <class Widget>
-    Widget* child(const char* name) {
-        if (!window) {
-            window = std::make_unique<app_ui::frm_Settings>(nullptr, desktop);
-            window->show();
-        }
-        return window->findChild<Widget*>(QString::fromLatin1(name));
+    void open() {
+        window = std::make_unique<app_ui::frm_Settings>(nullptr, desktop);
+        window->show();
+        folder = window->findChild<QLineEdit*>(QStringLiteral("txt_std_set_pfad"));
+        ports = window->findChild<QComboBox*>(QStringLiteral("combo_com"));
     }
-    void click(const char* name) { QTest::mouseClick(child<QPushButton>(name), Qt::LeftButton); }
+    void click(const char* name) {
+        window->findChild<QPushButton*>(QString::fromLatin1(name))->click();
+    }
 
     support::Scripted_Desktop desktop;
     std::unique_ptr<app_ui::frm_Settings> window;
+    QLineEdit* folder = nullptr;
+    QComboBox* ports = nullptr;
 };
 
-TEST_F(Settings_Window, a_port_counts_at_once_and_survives_cancel) {
-    auto* ports = child<QComboBox>("combo_com");
-    ASSERT_EQ(ports->count(), 32);
-    EXPECT_EQ(ports->currentText(), QStringLiteral("COM7"));
+TEST_F(Settings_Window, a_port_counts_at_once_and_one_beyond_the_list_stays) {
+    app::globals.comport = 31;
+    open();
+    EXPECT_EQ(ports->currentText(), QStringLiteral("COM31"));
     QTest::keyClick(ports, Qt::Key_Down);
-    EXPECT_EQ(app::globals.comport, 8);
+    QTest::keyClick(ports, Qt::Key_Down); // there is no further one
+    EXPECT_EQ(app::globals.comport, 32);
     click("btn_cancel");
-    EXPECT_EQ(app::globals.comport, 8);
+    for (const auto port : {std::int16_t{32}, std::int16_t{40}}) {
+        app::globals.comport = port;
+        open();
+        EXPECT_EQ(ports->currentIndex(), port == 32 ? 31 : -1);
+        click("btn_ok");
+        EXPECT_EQ(app::globals.comport, port);
+    }
 }
 
-TEST_F(Settings_Window, a_port_beyond_the_list_stays_until_another_is_chosen) {
-    app::globals.comport = 40;
-    EXPECT_EQ(child<QComboBox>("combo_com")->currentIndex(), -1);
-    click("btn_ok");
-    EXPECT_EQ(app::globals.comport, 40);
-}
-
-TEST_F(Settings_Window, the_folder_changes_only_with_ok) {
-    desktop.expect_folder(QStringLiteral("/neu"));
-    click("cmd_change_set_path");
-    EXPECT_EQ(child<QLineEdit>("txt_std_set_pfad")->text(), QStringLiteral("/neu/"));
+TEST_F(Settings_Window, the_folder_changes_only_with_ok_and_gets_its_separator) {
+    app::globals.StdSetdir = QStringLiteral("/alt/");
+    open();
+    EXPECT_EQ(folder->text(), QStringLiteral("/alt/"));
+    for (const char* chosen : {"/neu", "/neu/", ""}) { // the last is a cancelled dialog
+        desktop.expect_folder(QString::fromLatin1(chosen));
+        click("cmd_change_set_path");
+        EXPECT_EQ(folder->text(), QStringLiteral("/neu/"));
+    }
+    click("btn_cancel");
     EXPECT_EQ(app::globals.StdSetdir, QStringLiteral("/alt/"));
-    click("btn_ok");
-    EXPECT_EQ(app::globals.StdSetdir, QStringLiteral("/neu/"));
-
-    window.reset();
-    desktop.expect_folder(QString());
-    click("cmd_change_set_path");
-    EXPECT_EQ(child<QLineEdit>("txt_std_set_pfad")->text(), QStringLiteral("/neu/"));
-    child<QLineEdit>("txt_std_set_pfad")->setText(QStringLiteral("/anders"));
-    click("btn_cancel");
-    EXPECT_EQ(app::globals.StdSetdir, QStringLiteral("/neu/"));
-}
-
-TEST_F(Settings_Window, a_typed_folder_gets_its_separator_and_may_be_empty) {
     for (const auto& [typed, kept] : {std::pair{"/x/y", "/x/y/"}, {" /x/ ", "/x/"}, {"", ""}}) {
-        SCOPED_TRACE(typed);
-        window.reset();
-        child<QLineEdit>("txt_std_set_pfad")->setText(QString::fromLatin1(typed));
-        QTest::keyClick(child<QLineEdit>("txt_std_set_pfad"), Qt::Key_Return);
+        open();
+        folder->setText(QString::fromLatin1(typed));
+        QTest::keyClick(folder, Qt::Key_Return);
+        EXPECT_FALSE(window->isVisible());
         EXPECT_EQ(app::globals.StdSetdir, QString::fromLatin1(kept));
     }
 }
