@@ -15,9 +15,10 @@ namespace {
 std::size_t cells(const jet::Table& table) {
     std::size_t sum = 0;
     std::u16string text;
+    const auto& columns = table.columns();
     for (auto rows = table.rows(jet::Order::file); rows.next();)
-        for (std::size_t i = 0; i < table.columns().size(); ++i)
-            if (table.columns()[i].type == jet::Column_Type::text) {
+        for (std::size_t i = 0; i < columns.size(); ++i)
+            if (columns[i].type == jet::Column_Type::text) {
                 rows.text(i, text);
                 sum += text.size();
             } else {

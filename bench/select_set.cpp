@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <ctime>
 #include <iostream>
+#include <memory>
 #include <vector>
 
 namespace {
@@ -31,7 +32,9 @@ double change(ui_main::Entry_List& sets, const ui_main::Entry_List& cvs, int row
 int main(int argc, char** argv) {
     QApplication application(argc, argv);
     ui_desktop::Qt_Desktop desktop;
-    ui_main::Frm_Main window(desktop, files::real_disk(), store::DBConn());
+    const link_ui::Link_Ports no_ports{[] { return std::unique_ptr<serial::SComm>(); },
+                                       timing::real_time(), link_transport::real_bit_loop()};
+    ui_main::Frm_Main window(desktop, files::real_disk(), store::DBConn(), no_ports);
     window.load();
     window.show();
     QCoreApplication::processEvents();

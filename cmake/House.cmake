@@ -7,7 +7,7 @@
 # ("platform/jet/database.h"); the test house_includes holds each of them against the links.
 
 set(house_floors
-    platform_files platform_timing
+    platform_failure platform_files platform_timing
     platform_jet_collation platform_jet_check
     platform_jet_format platform_jet_pages platform_jet_index platform_jet_rows platform_jet_catalogue platform_jet
     platform_ado platform_serial platform_desktop
@@ -20,7 +20,7 @@ set(house_floors
 set(house_rooms app_ui link_ui sim_ui scripts_ui)
 
 # Only the standard library and what lies below; no Qt.
-set(house_without_qt platform_files
+set(house_without_qt platform_failure platform_files
     platform_jet_collation platform_jet_check platform_jet_format platform_jet_pages platform_jet_index platform_jet_rows
     platform_jet_catalogue platform_jet export_msgpack)
 

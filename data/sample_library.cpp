@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <exception>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -111,8 +112,8 @@ void add_scripts(store::clsDBConn& library, const Sample_Set& set) {
         }
         script.StateCount = line;
         const std::int32_t position = scripts::AktScripts().Count();
-        library.DB_Add_Script(position);
-        library.DB_Save_Script_States(position);
+        std::ignore = library.DB_Add_Script(position); // make() asks for the latest trouble
+        std::ignore = library.DB_Save_Script_States(position);
     }
 }
 
@@ -122,13 +123,11 @@ void fill(store::clsDBConn& library) {
         library.AktCVSetID(library.DB_Add_CVSet(QString::fromUtf8(set.name), number,
                                                 static_cast<std::int16_t>(set.reset_cv)));
         for (const Sample_Cv& cv : set.cvs) {
-            store::CVRec rec{static_cast<std::uint8_t>(cv.page_hi),
-                             static_cast<std::uint8_t>(cv.page_lo),
-                             static_cast<std::int16_t>(cv.number),
-                             static_cast<std::int16_t>(cv.value),
-                             0,
-                             false};
-            library.DB_Write_CV(rec);
+            store::CVRec rec{.CVPageHi = static_cast<std::uint8_t>(cv.page_hi),
+                             .CVPageLo = static_cast<std::uint8_t>(cv.page_lo),
+                             .CVNr = static_cast<std::int16_t>(cv.number),
+                             .CVWert = static_cast<std::int16_t>(cv.value)};
+            std::ignore = library.DB_Write_CV(rec);
         }
         add_scripts(library, set);
     }

@@ -16,7 +16,7 @@ public:
 
     Diagnostic_Log(files::Disk& disk, QString path, timing::Time& time = timing::real_time());
     /// Appends one line. @return false: the log cannot be written
-    bool write(const QString& line) noexcept;
+    [[nodiscard]] bool write(const QString& line) noexcept;
 
 private:
     files::Disk& disk_;

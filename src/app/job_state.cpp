@@ -1,5 +1,7 @@
 #include "app/job_state.h"
 
+#include "platform/failure/sure.h"
+
 #include <utility>
 
 namespace app {
@@ -9,11 +11,13 @@ void Job_State::end() {
 }
 
 Job_State::Run::Run(Job_State& state, std::function<void()> end) : state_(state) {
+    SURE(!state_.runs() && end);
     state_.end_ = std::move(end);
     Q_EMIT state_.changed();
 }
 
 Job_State::Run::~Run() {
+    SURE(state_.runs());
     state_.end_ = nullptr;
     Q_EMIT state_.changed();
 }

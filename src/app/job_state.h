@@ -19,7 +19,7 @@ public:
     public:
         /// @param end cancels the job and waits until this is gone; the event loop may run
         /// meanwhile, and then it may be called again
-        Run(Job_State& state, std::function<void()> end);
+        [[nodiscard]] Run(Job_State& state, std::function<void()> end);
         Run(const Run&) = delete;
         Run& operator=(const Run&) = delete;
         ~Run();

@@ -11,7 +11,7 @@ class Work_Holder {
 public:
     virtual ~Work_Holder() = default;
     /// Stores or drops what is held, as the user says. @return false: the user wants to stay
-    virtual bool may_leave() = 0;
+    [[nodiscard]] virtual bool may_leave() = 0;
     /// Puts what is not stored where the next start finds it. Asks nothing.
     virtual void put_into_safety() {}
 };
@@ -26,10 +26,12 @@ public:
 
     /// Whether passing may end with somebody being asked.
     bool somebody_may_stay() const { return !holders_.empty(); }
+    /// Whether it is being passed now: all who are asked have been, or nobody is.
+    bool passing() const { return asking_; }
     /// Asks each holder once, the latest first; when all agree, a job that runs is ended: it never
     /// refuses. @return whether the way is free; not while it is being asked already, so that two
     /// closings at once are one
-    bool pass();
+    [[nodiscard]] bool pass();
     /// The system ends the program: nobody is asked.
     void pass_at_once();
 

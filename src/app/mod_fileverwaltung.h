@@ -16,7 +16,7 @@ QString FileOf(const QString& path);
 bool FileExists(files::Disk& disk, const QString& path);
 /// Makes the folder and those above it that are missing. @return whether it is there now; false
 /// when a file bears the name or the folder cannot be made
-bool EnsureFolder(files::Disk& disk, const QString& path);
+[[nodiscard]] bool EnsureFolder(files::Disk& disk, const QString& path);
 /// As EnsureFolder. @throws files::Error with the reason
 void make_folders(files::Disk& disk, const QString& path);
 

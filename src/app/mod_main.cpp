@@ -6,6 +6,7 @@
 #include "platform/files/replace.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace app {
 namespace {
@@ -80,7 +81,7 @@ void Init_Paths(desktop::Desktop& desktop, files::Disk& disk) {
     globals.EmptyDBTemplate = globals.CommonDataDir + template_file;
     globals.Database_Path = globals.StdSetPath;
     globals.Database_File = default_database;
-    EnsureFolder(disk, globals.UserDataDir);
+    std::ignore = EnsureFolder(disk, globals.UserDataDir); // who stores there is told why it fails
 }
 
 Default_Database Check_Database_File(files::Disk& disk) {

@@ -63,7 +63,7 @@ void Get_Monitors(desktop::Desktop& desktop);
 /// Sets the folders and the default database, and makes UserDataDir where it is missing.
 void Init_Paths(desktop::Desktop& desktop, files::Disk& disk);
 /// What became of the database that the program starts with.
-struct Default_Database {
+struct [[nodiscard]] Default_Database {
     bool made = false;                   ///< it did not exist before this run
     std::optional<files::Error> trouble; ///< what stood in the way, when there is none in the end
 };

@@ -17,6 +17,7 @@ void Load_Settings(files::Disk& disk, Window_Place& main_window);
 
 /// Replaces the settings file in one step. @return what stood in the way; the old file is whole
 /// then.
-std::optional<files::Error> Save_Settings(files::Disk& disk, const Window_Place& main_window);
+[[nodiscard]] std::optional<files::Error> Save_Settings(files::Disk& disk,
+                                                        const Window_Place& main_window);
 
 } // namespace app

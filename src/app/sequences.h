@@ -26,6 +26,6 @@ public:
 /// The order in which the program starts.
 void start_up(Main_Window& window, desktop::Desktop& desktop, files::Disk& disk);
 /// The order in which it ends. @return why the settings could not be kept
-std::optional<files::Error> shut_down(Main_Window& window, files::Disk& disk);
+[[nodiscard]] std::optional<files::Error> shut_down(Main_Window& window, files::Disk& disk);
 
 } // namespace app

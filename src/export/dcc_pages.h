@@ -12,7 +12,7 @@ class cls_CV_Set;
 namespace vqx_export {
 
 /// CVs that the project file has no place for.
-struct Left_Out_CVs {
+struct [[nodiscard]] Left_Out_CVs {
     std::int64_t out_of_range = 0; ///< number outside 1..1024; value or page byte outside 0..255
     std::int64_t covered = 0; ///< of 257..512, on the byte of a CV of 1..256, 513..768 or 769..1024
     std::int64_t repeated = 0; ///< rows followed by another one of the same number on the same page

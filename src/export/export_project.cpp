@@ -2,7 +2,6 @@
 
 #include "export/cls_VQX_QL.h"
 #include "export/findings.h"
-#include "export/msgpack/error.h"
 #include "scripts/cls_Script_Sets.h"
 #include "store/cls_Sets_Coll.h"
 
@@ -10,6 +9,12 @@
 
 namespace vqx_export {
 namespace {
+
+/// What the writer of the format says, and not disk or folder.
+bool is_of_format(failure::Kind kind) {
+    return kind == failure::Kind::overflow || kind == failure::Kind::negative ||
+           kind == failure::Kind::outside;
+}
 
 /// The script sets whose set exists, with the number that it has in the library.
 std::shared_ptr<scripts::cls_Script_Sets> living(const scripts::cls_Script_Sets& script_sets,
@@ -30,15 +35,6 @@ std::shared_ptr<scripts::cls_Script_Sets> living(const scripts::cls_Script_Sets&
     return kept;
 }
 
-void write(Report& report, cls_VQX_QL file, const std::string& path, cls_QL_project& project) {
-    try {
-        file.Write_VQX(path, project);
-        report.written = true;
-    } catch (const files::Error& error) {
-        report.failure = error;
-    }
-}
-
 } // namespace
 
 Report export_project(const store::cls_Sets_Coll& sets, const scripts::cls_Script_Sets& script_sets,
@@ -55,9 +51,13 @@ Report export_project(const store::cls_Sets_Coll& sets, const scripts::cls_Scrip
         project.file_type = type;
         report.left_out_cvs = project.Set_DCC_Set(sets);
         project.Set_Script_Set(kept);
-        write(report, cls_VQX_QL(disk), path, project);
-    } catch (const msgpack::Error&) {
-        report.refusals.emplace_back(); // the reason of a refusal without a place is the size
+        cls_VQX_QL(disk).Write_VQX(path, project);
+        report.written = true;
+    } catch (const files::Error& error) {
+        if (is_of_format(error.kind))
+            report.refusals.emplace_back(); // the reason of a refusal without a place is the size
+        else
+            report.failure = error;
     }
     return report;
 }

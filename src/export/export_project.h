@@ -46,7 +46,7 @@ struct Equal_Keys {
 };
 
 /// What became of an export. `written` and nothing else means that all went well and in full.
-struct Report {
+struct [[nodiscard]] Report {
     bool written = false;
     std::vector<Refusal> refusals; ///< not empty: no file was written, an old one stands as it was
     /// Of disk or folder. An old file stands as it was, or, when only the last sync of the folder

@@ -3,6 +3,7 @@
 #include "scripts/cls_Script_Sets.h"
 #include "store/cls_Sets_Coll.h"
 
+#include <compare>
 #include <map>
 #include <utility>
 
@@ -66,6 +67,13 @@ private:
     std::vector<Refusal>& found_;
 };
 
+/// By which the decoder knows the CVs of a set.
+struct Cv_Key {
+    std::int32_t reset_cv = 0;
+    std::int32_t set_number = 0;
+    auto operator<=>(const Cv_Key&) const = default;
+};
+
 /// Collects names under a key and hands out the groups of two and more.
 template <typename Key>
 class Groups {
@@ -105,10 +113,12 @@ std::vector<Refusal> find_refusals(const store::cls_Sets_Coll& sets,
 std::vector<Equal_Keys> find_equal_keys(const store::cls_Sets_Coll& sets,
                                         const scripts::cls_Script_Sets& script_sets) {
     std::vector<Equal_Keys> found;
-    Groups<std::pair<std::int32_t, std::int32_t>> of_cvs;
-    for (const auto& set : sets) of_cvs.add({set->ResCV, set->Nummer}, set->Name);
-    of_cvs.report(found, Equal_Keys::Map::cvs, [](Equal_Keys& equal, const auto& key) {
-        std::tie(equal.reset_cv, equal.set_number) = key;
+    Groups<Cv_Key> of_cvs;
+    for (const auto& set : sets)
+        of_cvs.add({.reset_cv = set->ResCV, .set_number = set->Nummer}, set->Name);
+    of_cvs.report(found, Equal_Keys::Map::cvs, [](Equal_Keys& equal, const Cv_Key& key) {
+        equal.reset_cv = key.reset_cv;
+        equal.set_number = key.set_number;
     });
     Groups<std::int32_t> of_scripts;
     for (const auto& scripts : script_sets)

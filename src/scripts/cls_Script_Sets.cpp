@@ -15,14 +15,14 @@ void cls_Script_Sets::Add(std::shared_ptr<cls_script_coll> scripts, const QStrin
 
 std::shared_ptr<cls_script_coll> cls_Script_Sets::Item(std::int32_t position) const {
     if (position < 1 || position > Count())
-        throw Error(Failure::missing, "position " + std::to_string(position), "no such entry");
+        throw Error(Failure::not_found, "position " + std::to_string(position), "no such entry");
     return sets_[static_cast<std::size_t>(position - 1)];
 }
 
 std::shared_ptr<cls_script_coll> cls_Script_Sets::Item(const QString& key) const {
     const auto found = by_key_.find(key);
     if (found == by_key_.end())
-        throw Error(Failure::missing, "set " + key.toStdString(), "has no scripts");
+        throw Error(Failure::not_found, "set " + key.toStdString(), "has no scripts");
     return found->second;
 }
 

@@ -19,7 +19,7 @@ public:
     /// Also sets the collection's SetID from the key. @throws Error (exists) for a key in use
     void Add(std::shared_ptr<cls_script_coll> scripts, const QString& key);
     std::int32_t Count() const { return static_cast<std::int32_t>(sets_.size()); }
-    /// By position (1..Count) or key. @throws Error (missing)
+    /// By position (1..Count) or key. @throws Error (not_found)
     std::shared_ptr<cls_script_coll> Item(std::int32_t position) const;
     std::shared_ptr<cls_script_coll> Item(const QString& key) const;
     void Remove(std::int32_t position);

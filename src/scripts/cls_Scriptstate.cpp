@@ -9,7 +9,7 @@ namespace {
 
 std::size_t checked_parameter(int index) {
     if (index < 0 || index >= cls_Scriptstate::par_count)
-        throw Error(Failure::missing, "parameter " + std::to_string(index), "outside 0..6");
+        throw Error(Failure::not_found, "parameter " + std::to_string(index), "outside 0..6");
     return static_cast<std::size_t>(index);
 }
 

@@ -16,7 +16,7 @@ public:
     static constexpr int par_count = 7;        ///< indexes 0..6
     static constexpr int stored_par_count = 4; ///< 0..3 have a column in the database
 
-    /// @throws Error (missing) for an index outside 0..6
+    /// @throws Error (not_found) for an index outside 0..6
     std::int32_t GetPar(int index) const;
     void SetPar(int index, std::int32_t value);
 

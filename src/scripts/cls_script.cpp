@@ -10,7 +10,7 @@ namespace {
 
 std::size_t checked_state(int index) {
     if (index < 0 || index >= cls_script::max_states)
-        throw Error(Failure::missing, "line " + std::to_string(index), "outside 0..255");
+        throw Error(Failure::not_found, "line " + std::to_string(index), "outside 0..255");
     return static_cast<std::size_t>(index);
 }
 
@@ -59,7 +59,7 @@ void cls_script::Insert_ScriptState(int index) {
 void cls_script::Delete_ScriptState(int index) {
     checked_state(index);
     if (index >= StateCount)
-        throw Error(Failure::missing, "line " + std::to_string(index), "is not in the script");
+        throw Error(Failure::not_found, "line " + std::to_string(index), "is not in the script");
     for (int i = index; i + 1 < StateCount; ++i) GetState(i) = std::move(GetState(i + 1));
     --StateCount;
     GetState(StateCount) = {};

@@ -32,7 +32,7 @@ public:
 
     /// Every index 0..255 yields a state, an empty one where nothing was put yet. A reference stays
     /// good as long as the script; inserting and deleting move contents, not places.
-    /// @throws Error (missing) for an index outside 0..255, as do the operations below
+    /// @throws Error (not_found) for an index outside 0..255, as do the operations below
     cls_Scriptstate& GetState(int index);
     const cls_Scriptstate& GetState(int index) const;
     void SetState(int index, const cls_Scriptstate& state) { GetState(index) = state; }
@@ -48,7 +48,7 @@ public:
     void Insert_ScriptState(int index);
     /// Jump targets behind the line follow it up; a jump to the line itself then names its
     /// successor.
-    /// @throws Error (missing) for a line that the script does not have
+    /// @throws Error (not_found) for a line that the script does not have
     void Delete_ScriptState(int index);
     /// Overwrites the target line. A jump keeps its distance where that leads to a line 1..255,
     /// else its target. StateCount stays.

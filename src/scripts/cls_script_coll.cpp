@@ -1,5 +1,6 @@
 #include "scripts/cls_script_coll.h"
 
+#include "platform/failure/sure.h"
 #include "scripts/error.h"
 
 #include <algorithm>
@@ -82,7 +83,7 @@ std::shared_ptr<cls_script> cls_script_coll::add_named_script() {
 
 std::shared_ptr<cls_script> cls_script_coll::Item(std::int32_t position) const {
     if (!exists(position))
-        throw Error(Failure::missing, "script " + std::to_string(position), "no such position");
+        throw Error(Failure::not_found, "script " + std::to_string(position), "no such position");
     return scripts_[static_cast<std::size_t>(position - 1)];
 }
 
@@ -111,6 +112,7 @@ void cls_script_coll::Write_Scripts() {
         block[2 * i + 2] = low_byte(block.size());
         Script_Packer(block, static_cast<int>(i + 1)).pack(*scripts_[i]);
     }
+    SURE(block.size() < buffer_size);
     Data = std::move(block);
 }
 

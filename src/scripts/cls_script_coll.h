@@ -24,13 +24,13 @@ public:
     cls_script& AddScript();
     /// The new-script command without its database row: an empty script, named by its position and
     /// flagged as new. @return it, or nothing when the set has 16 scripts
-    std::shared_ptr<cls_script> add_named_script();
+    [[nodiscard]] std::shared_ptr<cls_script> add_named_script();
 
     std::int32_t Count() const { return static_cast<std::int32_t>(scripts_.size()); }
     /// The script at a position, 1..Count. Holding it keeps it alive when it is removed meanwhile.
-    /// @throws Error (missing)
+    /// @throws Error (not_found)
     std::shared_ptr<cls_script> Item(std::int32_t position) const;
-    void Remove(std::int32_t position); ///< @throws Error (missing)
+    void Remove(std::int32_t position); ///< @throws Error (not_found)
     bool exists(std::int32_t position) const { return position >= 1 && position <= Count(); }
     void Clear() {
         scripts_.clear();

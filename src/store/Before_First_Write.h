@@ -11,7 +11,7 @@ public:
     /// Called once after each opening, before the first change, while the file holds the whole
     /// state before and nobody else can change it. Throws nothing.
     /// @return false: there is no copy. An old file is not upgraded then; other changes go on.
-    virtual bool keep_copy(const QString& file) = 0;
+    [[nodiscard]] virtual bool keep_copy(const QString& file) = 0;
 };
 
 } // namespace store

@@ -7,7 +7,7 @@
 #include <QCryptographicHash>
 
 #include <algorithm>
-#include <array>
+#include <tuple>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -60,21 +60,6 @@ std::optional<QDateTime> cut_off_in(const std::string& name, const QString& stem
     return unfinished ? time_in(QString::fromStdString(*unfinished), stem) : std::nullopt;
 }
 
-constexpr std::array told_as{
-    std::pair(files::Failure::not_found, Failure::not_found),
-    std::pair(files::Failure::exists, Failure::refused),
-    std::pair(files::Failure::denied, Failure::denied),
-    std::pair(files::Failure::read_only, Failure::read_only),
-    std::pair(files::Failure::locked_elsewhere, Failure::locked_elsewhere),
-    std::pair(files::Failure::disk_full, Failure::disk_full),
-};
-
-Failure translated(files::Failure kind) {
-    for (const auto& [below, here] : told_as)
-        if (below == kind) return here;
-    return Failure::device;
-}
-
 /// Keeps everybody from changing a library while it lives, with what a crash cut off taken back.
 class Held_Library {
 public:
@@ -97,8 +82,8 @@ bool Backups::noting(Work work) {
         work();
         return true;
     } catch (const files::Error& error) {
-        trouble_ = {translated(error.kind), QString::fromStdString(error.subject),
-                    QString::fromStdString(error.detail)};
+        trouble_ = trouble_of(error);
+        if (error.kind == Failure::exists) trouble_->kind = Failure::refused; // a name in the way
     }
     return false;
 }
@@ -177,7 +162,7 @@ bool Backups::keep_copy(const QString& file) {
 }
 
 void Backups::made_now(const QString& file) {
-    noting([&] {
+    std::ignore = noting([&] {
         const std::string path = disk_.resolve(file.toStdString());
         if (const auto identity = disk_.identity(path)) copied_[path] = *identity;
     });
@@ -212,8 +197,8 @@ Soundness Backups::soundness_of(const std::string& path, std::uint64_t& bytes_le
 }
 
 std::vector<Backup> Backups::copies_of(const QString& file) {
-    std::vector<Backup> found;
-    noting([&] {
+    std::vector<Backup> found; // up to where it was refused
+    std::ignore = noting([&] {
         const std::string path = disk_.resolve(file.toStdString());
         for (const Place& place : places(path)) {
             if (!disk_.folder_exists(place.folder)) continue;
@@ -250,8 +235,8 @@ void Backups::put(const std::string& source, const std::string& path, files::Rig
         try {
             held.emplace(disk_, path);
         } catch (const jet::Error& error) { // damaged, perhaps: the more reason to bring one back
-            if (error.kind == jet::Failure::locked_elsewhere)
-                throw files::Error(files::Failure::locked_elsewhere, path, error.detail);
+            if (error.kind == Failure::locked_elsewhere)
+                throw files::Error(Failure::locked_elsewhere, path, error.detail);
         }
         kept = make_copy(path);
     }
@@ -274,7 +259,7 @@ bool Backups::restore(const QString& copy, const QString& file) {
 void Backups::make_new(const QString& file, const QString& empty) {
     const std::string source = empty.toStdString();
     if (!disk_.file_exists(source)) // found out before anything is copied
-        throw files::Error(files::Failure::not_found, source, "nothing to make it from");
+        throw files::Error(Failure::not_found, source, "nothing to make it from");
     put(source, disk_.resolve(file.toStdString()), files::Rights::of_new_file);
     made_now(file);
 }

@@ -45,7 +45,7 @@ public:
     Backups(files::Disk& disk, const QString& user_folder,
             timing::Time& time = timing::real_time());
 
-    bool keep_copy(const QString& file) override;
+    [[nodiscard]] bool keep_copy(const QString& file) override;
     /// A file made in this run needs no copy before its first change.
     void made_now(const QString& file);
 
@@ -56,7 +56,7 @@ public:
     /// the program notice that it was replaced. To be closed before, opened after. A copy that
     /// cannot be read as a library is refused.
     /// @return false: the library is as it was, and take_trouble() says why.
-    bool restore(const QString& copy, const QString& file);
+    [[nodiscard]] bool restore(const QString& copy, const QString& file);
 
     /// Makes a library as a copy of an empty one. What lies there becomes a copy first; to be
     /// closed before. Throws files::Error, and what lies there is as it was.
@@ -79,7 +79,7 @@ private:
     std::optional<int> sets_in(const std::string& path);
     Soundness soundness_of(const std::string& path, std::uint64_t& bytes_left);
     template <class Work>
-    bool noting(Work work);
+    [[nodiscard]] bool noting(Work work);
 
     files::Disk& disk_;
     std::string user_folder_;

@@ -21,12 +21,18 @@ struct Row_Change {
     QString other = {};
 };
 
+/// What was wrong around rows that were deleted, and may be again when they come back: libraries of
+/// other programs hold a CV twice, or rows of sets and scripts that are gone.
+struct Oddities {
+    std::set<std::int32_t> doubles;    ///< CVs in the places of deleted ones, by CVID
+    std::set<std::int32_t> no_sets;    ///< which deleted CVs and scripts named, by SetID
+    std::set<std::int32_t> no_scripts; ///< which deleted states named, by ScriptID
+};
+
 /// Everything that one outermost operation changed, in the order in which it happened.
 struct Change_Record {
     std::vector<Row_Change> rows;
-    /// CVs that stand in the places of deleted ones, by CVID: libraries of other programs may hold
-    /// a CV twice.
-    std::set<std::int32_t> doubles;
+    Oddities odd = {};
     /// Nobody asked for it: listing stored numbers and reset CVs that were missing.
     bool upkeep = false;
 };

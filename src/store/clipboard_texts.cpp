@@ -136,8 +136,10 @@ Pasted read_bare_list(const QStringList& lines) {
         const auto number = number_within(fields[0], 1, largest);
         const auto value = number_within(fields[1], 0, 255);
         if (number && value) {
-            result.objects.emplace_back(CVRec{0, 1, static_cast<std::int16_t>(*number),
-                                              static_cast<std::int16_t>(*value), 0, false});
+            result.objects.emplace_back(CVRec{.CVPageHi = 0,
+                                              .CVPageLo = 1,
+                                              .CVNr = static_cast<std::int16_t>(*number),
+                                              .CVWert = static_cast<std::int16_t>(*value)});
         } else {
             ++result.lines_skipped;
             ++result.objects_left_out;
@@ -170,7 +172,10 @@ QString set_text(const cls_CV_Set& set, Names names) {
     add_line(text, QStringLiteral("Obj"), QStringLiteral("Set"));
     for (const auto& page : set)
         for (const auto& cv : *page)
-            add_cv(text, {page->PageHi(), page->PageLo(), cv->CVNr, cv->Wert, 0, false});
+            add_cv(text, {.CVPageHi = page->PageHi(),
+                          .CVPageLo = page->PageLo(),
+                          .CVNr = cv->CVNr,
+                          .CVWert = cv->Wert});
     return text;
 }
 

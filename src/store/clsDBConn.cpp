@@ -1,5 +1,6 @@
 #include "store/clsDBConn.h"
 
+#include "platform/failure/sure.h"
 #include "scripts/cls_script_coll.h"
 #include "store/library_cvs.h"
 #include "store/library_schema.h"
@@ -7,6 +8,7 @@
 #include "store/library_sets.h"
 #include "store/row_restore.h"
 
+#include <tuple>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -109,11 +111,10 @@ void clsDBConn::unlisten(Change_Listener& listener) { parts_->operation.unlisten
 
 void clsDBConn::keep_copies(Before_First_Write* keeper) { parts_->operation.keeper = keeper; }
 
-Replayed clsDBConn::replay(const std::vector<Row_Change>& changes,
-                           const std::set<std::int32_t>& doubles) {
+Replayed clsDBConn::replay(const std::vector<Row_Change>& changes, const Oddities& odd) {
     const std::vector<Row_Change> all = net(changes);
     const bool current_set_goes = going(all, Table::Sets).contains(parts_->akt_set);
-    const Replayed result = restore_rows(parts_->operation, changes, all, doubles);
+    const Replayed result = restore_rows(parts_->operation, changes, all, odd);
     if (result == Replayed::done && current_set_goes) parts_->akt_set = 0;
     return result;
 }
@@ -170,7 +171,7 @@ std::int16_t clsDBConn::DB_Get_Free_SetNr(std::int16_t ResCV) {
 
 std::int32_t clsDBConn::DB_Add_CVSet(const QString& Name, std::int16_t& Nummer,
                                      std::int16_t ResCV) {
-    return parts_->sets.add(Name, Nummer, ResCV);
+    return parts_->sets.add(Name, Nummer, {.number = ResCV});
 }
 
 bool clsDBConn::DB_Rename_CVSet(const QString& Name, std::int16_t Nummer) {
@@ -258,10 +259,14 @@ Operation::Operation(clsDBConn& connection) : running_(connection.operation()) {
 }
 
 Operation::~Operation() {
-    if (open_) running_.end(false);
+    if (open_) std::ignore = running_.end(false);
 }
 
-bool Operation::keep() { return std::exchange(open_, false) && running_.end(true); }
+bool Operation::keep() {
+    SURE(open_);
+    open_ = false;
+    return running_.end(true);
+}
 
 clsDBConn& DBConn() {
     static clsDBConn connection;

@@ -51,7 +51,7 @@ public:
     /// Whether there are CV sets in it, so that it is no database of another kind.
     bool is_library() const;
     /// The same for a command that needs them: if there are none, why is noted.
-    bool expect_library();
+    [[nodiscard]] bool expect_library();
     QString database_file() const; ///< as given to the last Connection_Start
     /// How the open library was found. `blocked` is brought up to date with what was met since.
     Opening opening() const;
@@ -92,8 +92,8 @@ public:
     /// Brings rows from what they were before to what they were after, one after the other, with
     /// their keys and all of their columns. All or nothing, and only if each row still is as it was
     /// before. The reason for not doing it is noted as a trouble. Not inside an Operation.
-    /// @param doubles CVs that CVs coming back may meet in their places
-    Replayed replay(const std::vector<Row_Change>& changes, const std::set<std::int32_t>& doubles);
+    /// @param odd what rows that come back find as it was
+    [[nodiscard]] Replayed replay(const std::vector<Row_Change>& changes, const Oddities& odd);
 
     // Sets
 
@@ -113,16 +113,17 @@ public:
 
     /// @param Nummer 0 becomes the next free number of that reset CV
     /// @return the new SetID; 0 when it was not added. The current set stays.
-    std::int32_t DB_Add_CVSet(const QString& Name, std::int16_t& Nummer, std::int16_t ResCV);
+    [[nodiscard]] std::int32_t DB_Add_CVSet(const QString& Name, std::int16_t& Nummer,
+                                            std::int16_t ResCV);
     /// Highest number of the sets of a reset CV + 1, at least 10 (ResCV 8) or 1 (others).
     std::int16_t DB_Get_Free_SetNr(std::int16_t ResCV);
     /// Names the current set anew. @param Nummer 0 keeps the number
-    bool DB_Rename_CVSet(const QString& Name, std::int16_t Nummer);
+    [[nodiscard]] bool DB_Rename_CVSet(const QString& Name, std::int16_t Nummer);
     /// Whether somebody else has deleted a set; false also where that cannot be read.
     bool set_gone(std::int32_t SetID);
     /// Deletes a set with its CVs, its scripts and their states. No set is current then.
     /// @return false also when there was nothing to delete, and that is noted
-    bool DB_Del_CVSet(std::int32_t SetID);
+    [[nodiscard]] bool DB_Del_CVSet(std::int32_t SetID);
 
     // CVs
 
@@ -130,13 +131,13 @@ public:
     /// 32767)
     std::int16_t Fill_CVs_in_Listbox(List_Filler& list, std::int32_t SetID);
     /// @return false also when there is no such row, and that is noted
-    bool DB_Del_CVWert(std::int32_t CVID);
+    [[nodiscard]] bool DB_Del_CVWert(std::int32_t CVID);
     /// Adds or overwrites a CV of the current set, and fills its CVID. A CV that is not paged goes
     /// to page 0:1, which the caller sees.
-    bool DB_Write_CV(CVRec& rec);
+    [[nodiscard]] bool DB_Write_CV(CVRec& rec);
     /// Looks in the current set for the CV of this page and number and fills value and key.
     /// @return false, with `rec` as it was, when there is none
-    bool DB_Find_CV(CVRec& rec);
+    [[nodiscard]] bool DB_Find_CV(CVRec& rec);
     /// All zero when there is no such row.
     CVRec DB_Get_CV(std::int32_t CVID);
     /// Takes a picture of the CVs of a set, by page and number, for DB_Next_CV. @return how many
@@ -155,13 +156,13 @@ public:
     void DB_Load_Scripts();
     /// Adds the row of a script to the current set and notes its new ScriptID in it; its states are
     /// stored with DB_Save_Script_States.
-    bool DB_Add_Script(std::int32_t position);
+    [[nodiscard]] bool DB_Add_Script(std::int32_t position);
     /// Replaces the stored states. Every row is checked before the old ones go: a refusal leaves
     /// them as they were. Refuses (changed) when they are no longer those that were loaded.
-    bool DB_Save_Script_States(std::int32_t position);
-    bool DB_Rename_Script(std::int32_t position);
+    [[nodiscard]] bool DB_Save_Script_States(std::int32_t position);
+    [[nodiscard]] bool DB_Rename_Script(std::int32_t position);
     /// Deletes a script with its states; it stays in AktScripts.
-    bool DB_Delete_Script(std::int32_t position);
+    [[nodiscard]] bool DB_Delete_Script(std::int32_t position);
     std::int32_t DB_Count_Scripts(std::int32_t SetID);
     /// Empty when there is no such script.
     QString script_name(std::int32_t ScriptID);
@@ -181,12 +182,12 @@ private:
 /// not begin.
 class Operation {
 public:
-    explicit Operation(clsDBConn& connection);
+    [[nodiscard]] explicit Operation(clsDBConn& connection);
     Operation(const Operation&) = delete;
     Operation& operator=(const Operation&) = delete;
     ~Operation();
     /// Ends it, an outermost one on disk. @return whether everything is kept
-    bool keep();
+    [[nodiscard]] bool keep();
 
 private:
     Library_Operation& running_;

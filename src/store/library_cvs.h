@@ -19,10 +19,10 @@ public:
 
     int fill(List_Filler& list, std::int32_t SetID); ///< @return how many
     void fill(cls_CV_Set& set);                      ///< throws
-    bool write(std::int32_t SetID, CVRec& rec);
-    bool find(std::int32_t SetID, CVRec& rec);
+    [[nodiscard]] bool write(std::int32_t SetID, CVRec& rec);
+    [[nodiscard]] bool find(std::int32_t SetID, CVRec& rec);
     CVRec get(std::int32_t CVID);
-    bool erase(std::int32_t CVID);
+    [[nodiscard]] bool erase(std::int32_t CVID);
     void erase_all(std::int32_t SetID); ///< throws
 
     /// Takes the picture; @return how many.

@@ -1,5 +1,7 @@
 #include "store/library_file.h"
 
+#include "platform/failure/sure.h"
+
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -7,73 +9,6 @@ using namespace Qt::Literals::StringLiterals;
 namespace store {
 
 namespace {
-
-Failure translated(ado::Failure kind) {
-    switch (kind) {
-    case ado::Failure::closed:
-        return Failure::not_open;
-    case ado::Failure::not_found:
-        return Failure::not_found;
-    case ado::Failure::denied:
-        return Failure::denied;
-    case ado::Failure::not_a_database:
-        return Failure::not_a_database;
-    case ado::Failure::unsupported:
-        return Failure::unsupported;
-    case ado::Failure::damaged:
-        return Failure::damaged;
-    case ado::Failure::read_only:
-        return Failure::read_only;
-    case ado::Failure::locked_elsewhere:
-        return Failure::locked_elsewhere;
-    case ado::Failure::replaced:
-        return Failure::replaced;
-    case ado::Failure::disk_full:
-        return Failure::disk_full;
-    case ado::Failure::device:
-        return Failure::device;
-    case ado::Failure::changed:
-        return Failure::changed;
-    case ado::Failure::statement:
-    case ado::Failure::refused:
-        return Failure::refused;
-    }
-    return Failure::device;
-}
-
-Blocked translated(ado::Blocked blocked) {
-    switch (blocked) {
-    case ado::Blocked::no:
-        return Blocked::no;
-    case ado::Blocked::write_protected:
-        return Blocked::write_protected;
-    case ado::Blocked::jet3:
-        return Blocked::jet3;
-    case ado::Blocked::damaged:
-        return Blocked::damaged;
-    case ado::Blocked::cut_off:
-        return Blocked::cut_off;
-    case ado::Blocked::foreign_index:
-        return Blocked::foreign_index;
-    case ado::Blocked::replaced:
-        return Blocked::replaced;
-    case ado::Blocked::second_name:
-        return Blocked::second_name;
-    case ado::Blocked::journal_doubted:
-        return Blocked::journal_doubted;
-    case ado::Blocked::journal_barred:
-        return Blocked::journal_barred;
-    case ado::Blocked::journal_no_file:
-        return Blocked::journal_no_file;
-    case ado::Blocked::journal_name:
-        return Blocked::journal_name;
-    case ado::Blocked::journal_rights:
-        return Blocked::journal_rights;
-    case ado::Blocked::folder_hidden:
-        return Blocked::folder_hidden;
-    }
-    return Blocked::damaged;
-}
 
 /// Other programs keep their locks in a file of this name while they have the library open.
 QString lock_file_of(const QString& file) {
@@ -83,25 +18,35 @@ QString lock_file_of(const QString& file) {
 
 } // namespace
 
+std::string row_name(const QString& table, std::int32_t key) {
+    return table.toStdString() + ' ' + std::to_string(key);
+}
+
 ado::Error gone(const QString& table, std::int32_t key) {
-    return {ado::Failure::not_found, table + QLatin1Char(' ') + QString::number(key),
-            u"the row is gone"_s};
+    return {Failure::not_found, row_name(table, key), "the row is gone"};
 }
 
 Library_File::Library_File(files::Disk& disk)
     : disk_(disk), connection_(disk), catalog_(connection_) {}
 
 void Library_File::open(const QString& path) {
+    SURE(!active_);
     path_ = path;
     try {
         connection_.open(ado::Connection::string_for(path));
         active_ = connection_.state() == ado::State::open;
         identity_ = file_now();
-        ldb_beside_ = disk_.file_exists(lock_file_of(path).toStdString());
+        ldb_beside_ = has_lock_file();
     } catch (const ado::Error& error) {
         note(error);
-    } catch (const files::Error& error) { // only looking for the lock file failed
-        ldb_beside_ = false;
+    }
+}
+
+bool Library_File::has_lock_file() {
+    try {
+        return disk_.file_exists(lock_file_of(path_).toStdString());
+    } catch (const files::Error&) {
+        return false;
     }
 }
 
@@ -122,7 +67,8 @@ std::optional<files::Identity> Library_File::file_now() {
 
 void Library_File::expect_same_file() {
     if (file_now() != identity_)
-        throw ado::Error{ado::Failure::replaced, path_, u"the path names another file by now"_s};
+        throw ado::Error(Failure::replaced, path_.toStdString(),
+                         "the path names another file by now");
 }
 
 ado::Recordset Library_File::rows(const QString& sql, std::vector<QString> wanted) {
@@ -148,17 +94,16 @@ void Library_File::note(Failure kind, const QString& subject, const QString& det
 }
 
 void Library_File::note(const ado::Error& error) {
-    const QString place = error.subject + u": "_s + error.detail; // matters only to the log
-    if (error.kind == ado::Failure::damaged || error.kind == ado::Failure::changed)
-        note(translated(error.kind), path_, place);
-    else if (error.kind == ado::Failure::not_found && active_)
-        note(!contents_.sets  ? without_sets()
-             : !contents_.cvs ? Failure::no_cvs
-                              : Failure::gone,
-             path_, place);
-    else
-        note(translated(error.kind), error.subject, error.detail);
-    lost_ = lost_ || error.kind == ado::Failure::replaced;
+    trouble = trouble_of(error);
+    lost_ = lost_ || error.kind == Failure::replaced;
+    const bool in_it = error.kind == Failure::not_found && active_; // the file itself is there
+    if (in_it)
+        trouble->kind = !contents_.sets  ? without_sets()
+                        : !contents_.cvs ? Failure::no_cvs
+                                         : Failure::gone;
+    if (!in_it && error.kind != Failure::damaged && error.kind != Failure::changed) return;
+    trouble->subject = path_; // the place in it matters only to the log
+    trouble->detail = QString::fromStdString(error.what());
 }
 
 Failure Library_File::without_sets() const {
@@ -168,12 +113,12 @@ Failure Library_File::without_sets() const {
 Blocked Library_File::blocked() const {
     try {
         for (const QString& table : {u"Sets"_s, u"CVs"_s, u"Scripte"_s, u"Scriptstates"_s}) {
-            const Blocked found = translated(connection_.blocked(table));
+            const Blocked found = connection_.blocked(table);
             if (found != Blocked::no) return found;
         }
         return contents_.cvs ? Blocked::no : Blocked::no_cvs;
     } catch (const ado::Error&) { // locked elsewhere, perhaps: beginning to write will tell
-        return translated(connection_.status().blocked);
+        return connection_.status().blocked;
     }
 }
 

@@ -10,6 +10,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <vector>
 
 namespace store {
@@ -45,8 +46,8 @@ public:
     };
     void found(Contents contents) { contents_ = std::move(contents); }
     bool is_library() const { return contents_.sets; }
-    bool expect_library();        ///< @return false: it is none, and why is noted
-    Failure without_sets() const; ///< what it is where there are none
+    [[nodiscard]] bool expect_library(); ///< @return false: it is none, and why is noted
+    Failure without_sets() const;        ///< what it is where there are none
     bool is_cut_off() const { return connection_.status().lost_end.has_value(); }
 
     // Troubles
@@ -57,6 +58,7 @@ public:
     bool is_lost() const { return lost_; } ///< the path names another file by now: to be closed
 
 private:
+    bool has_lock_file();
     std::optional<files::Identity> file_now(); ///< which the path names by now
     Lost_End lost_end() const;
 
@@ -71,6 +73,8 @@ private:
     Contents contents_;
 };
 
+/// A row as the subject of an Error.
+std::string row_name(const QString& table, std::int32_t key);
 /// A row that is not there (any more).
 ado::Error gone(const QString& table, std::int32_t key);
 

@@ -2,10 +2,12 @@
 
 #include "store/library_operation.h"
 
+#include "platform/failure/sure.h"
 #include "store/row_surroundings.h"
 
 #include <algorithm>
 #include <array>
+#include <tuple>
 #include <utility>
 
 using namespace Qt::Literals::StringLiterals;
@@ -56,9 +58,9 @@ void Library_Operation::tell_left() {
     tell([](Change_Listener& listener) { listener.library_left(); });
 }
 
-bool Library_Operation::is_refusal(ado::Failure kind) {
-    return kind == ado::Failure::refused || kind == ado::Failure::not_found ||
-           kind == ado::Failure::changed || kind == ado::Failure::statement;
+bool Library_Operation::is_refusal(Failure kind) {
+    return kind == Failure::refused || kind == Failure::not_found || kind == Failure::changed ||
+           kind == Failure::statement;
 }
 
 bool Library_Operation::begin() {
@@ -100,12 +102,13 @@ bool Library_Operation::keep_copy() {
 }
 
 bool Library_Operation::end(bool keep) {
+    SURE(depth_ > 0);
     spoiled_ = spoiled_ || !keep;
     if (--depth_ > 0) return !spoiled_;
     bool kept = !std::exchange(spoiled_, false) && transaction_.has_value();
     if (kept && !record_.rows.empty()) {
-        keep_copy();
-        note_doubles();
+        std::ignore = keep_copy();
+        note_oddities();
     }
     try {
         if (kept) transaction_->commit();
@@ -123,6 +126,7 @@ bool Library_Operation::end(bool keep) {
 
 void Library_Operation::row_changed(const QString& table, const ado::Row& before,
                                     const ado::Row& after) {
+    SURE(depth_ > 0);
     for (const Table_Name& known : table_names) {
         if (table.compare(known.name, Qt::CaseInsensitive) != 0) continue;
         const std::int32_t key = ado::number_in(after.empty() ? before : after, known.key);
@@ -133,21 +137,12 @@ void Library_Operation::row_changed(const QString& table, const ado::Row& before
     record_.rows.push_back({Table::other, 0, before, after, table});
 }
 
-/// Asked before the commit: nobody else can have put a CV into the places since the deletion.
-void Library_Operation::note_doubles() {
-    const auto is_deleted = [](const Row_Change& change) {
-        return change.table == Table::CVs && change.after.empty();
-    };
+/// Asked before the commit: nobody else can have put anything right since the deletion.
+void Library_Operation::note_oddities() {
+    const auto is_deleted = [](const Row_Change& change) { return change.after.empty(); };
     if (listeners_.empty() || std::ranges::none_of(record_.rows, is_deleted)) return;
-    const std::vector<Row_Change> rows = net(record_.rows);
-    std::vector<Row_Change> deleted;               // turned round: as they would come back
-    const Key_Set sets = going(rows, Table::Sets); // which take all of their CVs along
-    for (const Row_Change& change : rows)
-        if (is_deleted(change) && !sets.contains(ado::number_in(change.before, u"SetID"_s)))
-            deleted.push_back({change.table, change.key, {}, change.before});
-    if (deleted.empty()) return;
     try {
-        record_.doubles = Row_Surroundings(file_).in_places(deleted);
+        record_.odd = Row_Surroundings(file_).oddities(net(record_.rows));
     } catch (const ado::Error&) {
         // Then bringing them back is refused; no reason to refuse the deletion.
     }

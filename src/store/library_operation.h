@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <tuple>
 #include <vector>
 
 namespace store {
@@ -26,11 +27,11 @@ public:
     void unlisten(Change_Listener& listener) { std::erase(listeners_, &listener); }
     void tell_left(); ///< that the library is closed
     Before_First_Write* keeper = nullptr;
-    bool keep_copy(); ///< @return whether an old file may be upgraded
+    [[nodiscard]] bool keep_copy(); ///< @return whether an old file may be upgraded
 
-    bool begin();      ///< @return false: nothing can be changed, and why is noted
-    void begin_lost(); ///< an operation in which nothing is done
-    bool end(bool keep);
+    [[nodiscard]] bool begin(); ///< @return false: nothing can be changed, and why is noted
+    void begin_lost();          ///< an operation in which nothing is done
+    [[nodiscard]] bool end(bool keep);
     void is_upkeep() { record_.upkeep = depth_ == 1; } ///< nobody asked for what it does
     /// What it has changed up to now.
     const std::vector<Row_Change>& changes() const { return record_.rows; }
@@ -58,7 +59,7 @@ public:
     /// Runs work as one operation. A refusal ends it and keeps what was changed before; any other
     /// error rolls everything back. @return whether it ran to its end and is kept.
     template <class Work>
-    bool changing(Work work) {
+    [[nodiscard]] bool changing(Work work) {
         if (!begin()) return false;
         bool done = false;
         try {
@@ -68,14 +69,14 @@ public:
             file_.note(error);
             spoiled_ = spoiled_ || !is_refusal(error.kind);
         } catch (...) { // a fault of ours
-            end(false);
+            std::ignore = end(false);
             throw;
         }
         return end(true) && done;
     }
     /// The same, if a set is current.
     template <class Work>
-    bool changing_set(std::int32_t SetID, Work work) {
+    [[nodiscard]] bool changing_set(std::int32_t SetID, Work work) {
         if (file_.active() && SetID == 0 && file_.expect_library())
             file_.note(Failure::no_set, file_.path(), QStringLiteral("no current set"));
         return SetID != 0 && changing(work);
@@ -94,9 +95,9 @@ public:
     }
 
 private:
-    static bool is_refusal(ado::Failure kind);
+    static bool is_refusal(Failure kind);
     void row_changed(const QString& table, const ado::Row& before, const ado::Row& after) override;
-    void note_doubles(); ///< in the record
+    void note_oddities(); ///< in the record
     void tell(const std::function<void(Change_Listener&)>& message);
     void leave_lost_file();
 

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <tuple>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -151,8 +152,8 @@ void Library_Schema::upgrade() {
         // One refused (a key that old files do not have) does not keep the others out.
         if (known && !lacks.empty() && operation_.keep_copy())
             for (const Addition& addition : lacks)
-                operation_.changing([&] { add(catalog, addition); });
-        operation_.end(true);
+                std::ignore = operation_.changing([&] { add(catalog, addition); });
+        std::ignore = operation_.end(true); // what was not kept is completed in memory
     }
     operation_.reading(ado::Extent::some, [&] {
         for (const Addition& addition : missing(catalog)) add_in_memory(catalog, addition);

@@ -21,13 +21,13 @@ QString states_of(std::int32_t script_id) {
     return u"SELECT * FROM Scriptstates WHERE ScriptID = "_s + QString::number(script_id);
 }
 
-QString one_script(std::int32_t set_id, std::int32_t script_id) {
-    return scripts_of(set_id) + u" AND ScriptID = "_s + QString::number(script_id);
+QString one_script(std::int32_t set_id, const scripts::cls_script& script) {
+    return scripts_of(set_id) + u" AND ScriptID = "_s + QString::number(script.ScriptID);
 }
 
-ado::Row row_of(const scripts::cls_Scriptstate& state, std::int32_t script_id,
-                std::int32_t number) {
-    ado::Row row{{u"ScriptID"_s, ado::value(script_id)},
+ado::Row row_of_state(const scripts::cls_script& script, std::int32_t number) {
+    const scripts::cls_Scriptstate& state = script.GetState(number);
+    ado::Row row{{u"ScriptID"_s, ado::value(script.ScriptID)},
                  {u"State"_s, ado::value(number)},
                  {u"Command"_s, ado::value(state.GetCommand())}};
     for (std::size_t i = 0; i < par_names.size(); ++i)
@@ -139,14 +139,14 @@ bool Library_Scripts::save_states(std::int32_t SetID, scripts::cls_script_coll& 
                                   std::int32_t position) {
     return changing(SetID, of, position, [&](Script& script) {
         const std::int32_t id = script.ScriptID;
-        if (file_.rows(one_script(SetID, id)).at_end()) throw gone(u"Scripte"_s, id);
+        if (file_.rows(one_script(SetID, script)).at_end()) throw gone(u"Scripte"_s, id);
         if (script.Stored_States != visit_states(id, [](auto...) {}))
             throw differs(u"Scripte"_s, id);
         std::size_t print = 0;
         const int count = std::clamp(script.StateCount, 0, Script::max_states);
         std::vector<ado::Row> states;
         for (int number = 0; number < count; ++number) {
-            states.push_back(row_of(script.GetState(number), id, number));
+            states.push_back(row_of_state(script, number));
             file_.connection().session().check(u"Scriptstates"_s, states.back());
             print = with_state(print, number, script.GetState(number));
         }
@@ -164,7 +164,7 @@ bool Library_Scripts::save_states(std::int32_t SetID, scripts::cls_script_coll& 
 bool Library_Scripts::rename(std::int32_t SetID, scripts::cls_script_coll& of,
                              std::int32_t position) {
     return changing(SetID, of, position, [&](Script& script) {
-        ado::Recordset row = file_.rows(one_script(SetID, script.ScriptID));
+        ado::Recordset row = file_.rows(one_script(SetID, script));
         if (row.at_end()) throw gone(u"Scripte"_s, script.ScriptID);
         row.set(u"ScriptName"_s, ado::value(script.ScriptName));
         row.update();

@@ -18,10 +18,13 @@ public:
     void fill(scripts::cls_Script_Sets& sets);
     void load(scripts::cls_script_coll& into, std::int32_t SetID);
 
-    bool add(std::int32_t SetID, scripts::cls_script_coll& of, std::int32_t position);
-    bool save_states(std::int32_t SetID, scripts::cls_script_coll& of, std::int32_t position);
-    bool rename(std::int32_t SetID, scripts::cls_script_coll& of, std::int32_t position);
-    bool erase(std::int32_t SetID, scripts::cls_script_coll& of, std::int32_t position);
+    [[nodiscard]] bool add(std::int32_t SetID, scripts::cls_script_coll& of, std::int32_t position);
+    [[nodiscard]] bool save_states(std::int32_t SetID, scripts::cls_script_coll& of,
+                                   std::int32_t position);
+    [[nodiscard]] bool rename(std::int32_t SetID, scripts::cls_script_coll& of,
+                              std::int32_t position);
+    [[nodiscard]] bool erase(std::int32_t SetID, scripts::cls_script_coll& of,
+                             std::int32_t position);
     void erase_all(std::int32_t SetID); ///< with their states; throws
 
     int count(std::int32_t SetID);

@@ -154,15 +154,15 @@ std::int16_t Library_Sets::free_number(std::int16_t ResCV) {
     return to_16_bits(candidate);
 }
 
-std::int32_t Library_Sets::add(const QString& Name, std::int16_t& Nummer, std::int16_t ResCV) {
+std::int32_t Library_Sets::add(const QString& Name, std::int16_t& Nummer, Reset_Cv view) {
     std::int32_t id = 0;
     const bool done = operation_.changing([&] {
-        if (Nummer == 0) Nummer = free_number(ResCV);
+        if (Nummer == 0) Nummer = free_number(view.number);
         ado::Recordset row = file_.rows(all_sets());
         row.add_new();
         row.set(u"Name"_s, ado::value(Name));
         row.set(u"Nummer"_s, ado::value(Nummer));
-        row.set(u"ResCV"_s, ado::value(ResCV));
+        row.set(u"ResCV"_s, ado::value(view.number));
         row.update();
         id = row.number(u"SetID").value_or(0);
     });

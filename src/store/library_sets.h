@@ -18,6 +18,11 @@ struct Set_Row {
     std::optional<std::int32_t> ResCV;
 };
 
+/// The reset CV of a view, where the number of a set stands beside it.
+struct Reset_Cv {
+    std::int16_t number = 8;
+};
+
 /// Numbers for sets that have none, in the order in which rows are visited.
 class Running_Number {
 public:
@@ -42,8 +47,8 @@ public:
     int count();
     std::int16_t free_number(std::int16_t ResCV);
 
-    std::int32_t add(const QString& Name, std::int16_t& Nummer, std::int16_t ResCV);
-    bool rename(std::int32_t SetID, const QString& Name, std::int16_t Nummer);
+    [[nodiscard]] std::int32_t add(const QString& Name, std::int16_t& Nummer, Reset_Cv view);
+    [[nodiscard]] bool rename(std::int32_t SetID, const QString& Name, std::int16_t Nummer);
     bool is_gone(std::int32_t SetID);
     /// Throws when rows of other tables forbid to delete a set, before anything is deleted.
     void refuse_if_referred(std::int32_t SetID);

@@ -6,7 +6,7 @@
 namespace store {
 
 /// What pasting has done, and what it has left out.
-struct Paste_Report {
+struct [[nodiscard]] Paste_Report {
     bool kept = false; ///< what is counted here is on disk
     int sets = 0;
     int cvs = 0;

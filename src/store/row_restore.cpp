@@ -1,8 +1,8 @@
 #include "store/row_restore.h"
 
 #include <algorithm>
-
-using namespace Qt::Literals::StringLiterals;
+#include <map>
+#include <utility>
 
 namespace store {
 
@@ -26,12 +26,22 @@ bool may_follow(const Row_Change& change) {
     return change.table == Table::other && !change.before.empty() && !change.after.empty();
 }
 
-void restore(Library_Operation& operation, const Row_Change& change) {
+ado::Origin origin_of(const Row_Change& change, const Oddities& odd) {
+    const bool state = change.table == Table::Scriptstates;
+    const bool owned = state || change.table == Table::CVs || change.table == Table::Scripte;
+    const QString owner = state ? u"ScriptID"_s : u"SetID"_s;
+    const bool orphan =
+        owned &&
+        (state ? odd.no_scripts : odd.no_sets).contains(ado::number_in(change.after, owner));
+    return orphan ? ado::Origin::orphan : ado::Origin::restored;
+}
+
+void restore(Library_Operation& operation, const Row_Change& change, const Oddities& odd) {
     ado::Session& session = operation.file().connection().session();
     const QString table = table_name(change);
     if (change.before.empty()) {
         session.insert(table, *session.nothing_of(table).block, change.after,
-                       ado::Origin::restored);
+                       origin_of(change, odd));
     } else {
         const ado::Found_Rows found = session.rows_equal(table, change.before);
         if (found.order.empty() && may_follow(change) &&
@@ -45,26 +55,35 @@ void restore(Library_Operation& operation, const Row_Change& change) {
                            ado::Origin::restored);
     }
     if (!is_back(operation.changes().back().after, change.after))
-        throw ado::Error(ado::Failure::refused,
-                         table + QLatin1Char(' ') + QString::number(change.key),
-                         u"would come back otherwise than it was"_s);
+        throw ado::Error(Failure::refused, row_name(table, change.key),
+                         "would come back otherwise than it was");
+}
+
+/// A relation takes along what hangs on a row that goes: rows that others have added meanwhile, too.
+void refuse_more(const std::vector<Row_Change>& done, const std::vector<Row_Change>& wanted) {
+    std::map<std::pair<QString, std::int32_t>, int> left;
+    for (const Row_Change& change : wanted) ++left[{table_name(change), change.key}];
+    for (const Row_Change& change : done)
+        if (--left[{table_name(change), change.key}] < 0)
+            throw differs(table_name(change), change.key);
 }
 
 } // namespace
 
 Replayed restore_rows(Library_Operation& operation, const std::vector<Row_Change>& changes,
-                      const std::vector<Row_Change>& all, const Key_Set& doubles) {
+                      const std::vector<Row_Change>& all, const Oddities& odd) {
     if (!operation.begin()) return Replayed::failed;
     Replayed result = Replayed::done;
     try {
         for (const bool following : {false, true})
             for (const Row_Change& change : changes)
-                if (may_follow(change) == following) restore(operation, change);
-        Row_Surroundings(operation.file()).check(all, doubles);
+                if (may_follow(change) == following) restore(operation, change, odd);
+        refuse_more(operation.changes(), changes);
+        Row_Surroundings(operation.file()).check(all, odd);
     } catch (const ado::Error& error) {
         operation.file().note(error);
-        const bool differs = error.by_others || error.kind == ado::Failure::not_found ||
-                             error.kind == ado::Failure::changed;
+        const bool differs =
+            error.by_others || error.kind == Failure::not_found || error.kind == Failure::changed;
         result = differs ? Replayed::differs : Replayed::failed;
     }
     if (!operation.end(result == Replayed::done) && result == Replayed::done)

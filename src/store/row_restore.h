@@ -10,7 +10,8 @@ namespace store {
 
 /// Brings rows from what they were before to what they were after; see clsDBConn::replay. `all` is
 /// what the changes come to.
-Replayed restore_rows(Library_Operation& operation, const std::vector<Row_Change>& changes,
-                      const std::vector<Row_Change>& all, const Key_Set& doubles);
+[[nodiscard]] Replayed restore_rows(Library_Operation& operation,
+                                    const std::vector<Row_Change>& changes,
+                                    const std::vector<Row_Change>& all, const Oddities& odd);
 
 } // namespace store

@@ -9,6 +9,11 @@ namespace store {
 
 namespace {
 
+Key_Set without(Key_Set keys, const Key_Set& others) {
+    std::erase_if(keys, [&](std::int32_t key) { return others.contains(key); });
+    return keys;
+}
+
 /// Values of a column in the rows of a table that come back.
 Key_Set coming_back(const std::vector<Row_Change>& changes, Table table, const QString& column) {
     Key_Set found;
@@ -18,11 +23,17 @@ Key_Set coming_back(const std::vector<Row_Change>& changes, Table table, const Q
     return found;
 }
 
+Key_Set sets_of(const std::vector<Row_Change>& coming) {
+    Key_Set sets = coming_back(coming, Table::CVs, u"SetID"_s);
+    sets.merge(coming_back(coming, Table::Scripte, u"SetID"_s));
+    return sets;
+}
+
 } // namespace
 
 ado::Error differs(const QString& table, std::int32_t key) {
-    return {ado::Failure::changed, table + QLatin1Char(' ') + QString::number(key),
-            u"somebody else has changed it or what it hangs on"_s};
+    return {Failure::changed, row_name(table, key),
+            "somebody else has changed it or what it hangs on"};
 }
 
 std::vector<Row_Change> net(const std::vector<Row_Change>& changes) {
@@ -56,7 +67,8 @@ Key_Set Row_Surroundings::in_places(const std::vector<Row_Change>& changes) {
     for (const Row_Change& change : changes) {
         if (change.table != Table::CVs || !change.before.empty()) continue;
         const auto at = [&](const QString& column) { return ado::number_in(change.after, column); };
-        sets[at(u"SetID"_s)].insert({at(u"CVPageHi"_s), at(u"CVPageLo"_s), at(u"CVNr"_s)});
+        sets[at(u"SetID"_s)].insert(
+            {.hi = at(u"CVPageHi"_s), .lo = at(u"CVPageLo"_s), .number = at(u"CVNr"_s)});
     }
     Key_Set found;
     for (const auto& [set, places] : sets) {
@@ -65,27 +77,37 @@ Key_Set Row_Surroundings::in_places(const std::vector<Row_Change>& changes) {
         for (; !cvs.at_end(); cvs.move_next()) {
             const auto at = [&](QStringView column) { return cvs.number(column).value_or(0); };
             const std::int32_t key = at(u"CVID");
-            if (!own.contains(key) &&
-                places.contains({at(u"CVPageHi"), at(u"CVPageLo"), at(u"CVNr")}))
-                found.insert(key);
+            const Place place{.hi = at(u"CVPageHi"), .lo = at(u"CVPageLo"), .number = at(u"CVNr")};
+            if (!own.contains(key) && places.contains(place)) found.insert(key);
         }
     }
     return found;
 }
 
-void Row_Surroundings::check(const std::vector<Row_Change>& changes, const Key_Set& doubles) {
-    Key_Set sets = coming_back(changes, Table::CVs, u"SetID"_s);
-    sets.merge(coming_back(changes, Table::Scripte, u"SetID"_s));
-    for (const std::int32_t set : sets) need(u"Sets"_s, u"SetID"_s, set);
+Oddities Row_Surroundings::oddities(const std::vector<Row_Change>& changes) {
+    const Key_Set sets = going(changes, Table::Sets); // which take all of their CVs along
+    std::vector<Row_Change> deleted;                  // turned round: as they would come back
+    for (const Row_Change& change : changes)
+        if (change.after.empty() && !(change.table == Table::CVs &&
+                                      sets.contains(ado::number_in(change.before, u"SetID"_s))))
+            deleted.push_back({change.table, change.key, {}, change.before});
+    return {in_places(deleted), missing(u"Sets"_s, u"SetID"_s, without(sets_of(deleted), sets)),
+            missing(u"Scripte"_s, u"ScriptID"_s,
+                    without(coming_back(deleted, Table::Scriptstates, u"ScriptID"_s),
+                            going(changes, Table::Scripte)))};
+}
+
+void Row_Surroundings::check(const std::vector<Row_Change>& changes, const Oddities& odd) {
+    need_as_it_was(u"Sets"_s, u"SetID"_s, sets_of(changes), odd.no_sets);
     for (const std::int32_t set : going(changes, Table::Sets)) {
         need_none(u"CVs"_s, u"SetID"_s, set);
         need_none(u"Scripte"_s, u"SetID"_s, set);
     }
     for (const std::int32_t script : going(changes, Table::Scripte))
         need_none(u"Scriptstates"_s, u"ScriptID"_s, script);
-    check_states(changes);
+    check_states(changes, odd.no_scripts);
     for (const std::int32_t met : in_places(changes))
-        if (!doubles.contains(met)) throw differs(u"CVs"_s, met);
+        if (!odd.doubles.contains(met)) throw differs(u"CVs"_s, met);
 }
 
 ado::Recordset Row_Surroundings::rows(const QString& table, const QString& column, std::int32_t key,
@@ -93,6 +115,19 @@ ado::Recordset Row_Surroundings::rows(const QString& table, const QString& colum
     wanted.push_back(column);
     return file_.rows(u"SELECT * FROM %1 WHERE %2 = %3"_s.arg(table, column).arg(key),
                       std::move(wanted));
+}
+Key_Set Row_Surroundings::missing(const QString& table, const QString& column,
+                                  const Key_Set& keys) {
+    Key_Set found;
+    for (const std::int32_t key : keys)
+        if (rows(table, column, key).at_end()) found.insert(key);
+    return found;
+}
+/// One that was missing must be so still: what stands there by now is somebody else's.
+void Row_Surroundings::need_as_it_was(const QString& table, const QString& column,
+                                      const Key_Set& keys, const Key_Set& missing) {
+    for (const std::int32_t key : keys)
+        missing.contains(key) ? need_none(table, column, key) : need(table, column, key);
 }
 void Row_Surroundings::need(const QString& table, const QString& column, std::int32_t key) {
     if (rows(table, column, key).at_end()) throw differs(table, key);
@@ -102,10 +137,12 @@ void Row_Surroundings::need_none(const QString& table, const QString& column, st
 }
 
 /// The states of a script come and go together: others in between would be somebody else's.
-void Row_Surroundings::check_states(const std::vector<Row_Change>& changes) {
+void Row_Surroundings::check_states(const std::vector<Row_Change>& changes,
+                                    const Key_Set& no_scripts) {
     const Key_Set own = coming_back(changes, Table::Scriptstates, u"SSID"_s);
-    for (const std::int32_t script : coming_back(changes, Table::Scriptstates, u"ScriptID"_s)) {
-        need(u"Scripte"_s, u"ScriptID"_s, script);
+    const Key_Set scripts = coming_back(changes, Table::Scriptstates, u"ScriptID"_s);
+    need_as_it_was(u"Scripte"_s, u"ScriptID"_s, scripts, no_scripts);
+    for (const std::int32_t script : scripts) {
         auto states = rows(u"Scriptstates"_s, u"ScriptID"_s, script, {u"SSID"_s});
         for (; !states.at_end(); states.move_next())
             if (!own.contains(states.number(u"SSID").value_or(0)))

@@ -3,9 +3,9 @@
 #include "store/changes.h"
 #include "store/library_file.h"
 
+#include <compare>
 #include <cstdint>
 #include <set>
-#include <tuple>
 #include <vector>
 
 namespace store {
@@ -25,21 +25,32 @@ class Row_Surroundings {
 public:
     explicit Row_Surroundings(Library_File& file) : file_(file) {}
 
-    /// CVs that stand in the places of those that come back and are none of them, by CVID.
-    Key_Set in_places(const std::vector<Row_Change>& changes);
+    /// What is odd around the rows that have gone.
+    Oddities oddities(const std::vector<Row_Change>& changes);
     /// Throws where rows that came back or went lack what they hang on, or leave something behind.
     /// Asked when all of them are put back.
-    /// @param doubles met by CVs that come back, and not somebody else's
-    void check(const std::vector<Row_Change>& changes, const Key_Set& doubles);
+    /// @param odd what they find as it was, and nobody else's doing
+    void check(const std::vector<Row_Change>& changes, const Oddities& odd);
 
 private:
-    using Place = std::tuple<std::int32_t, std::int32_t, std::int32_t>;
+    struct Place { ///< of a CV in its set
+        std::int32_t hi = 0;
+        std::int32_t lo = 0;
+        std::int32_t number = 0;
+        auto operator<=>(const Place&) const = default;
+    };
 
     ado::Recordset rows(const QString& table, const QString& column, std::int32_t key,
                         std::vector<QString> wanted = {});
+    /// CVs that stand in the places of those that come back and are none of them, by CVID.
+    Key_Set in_places(const std::vector<Row_Change>& changes);
+    /// Those of the keys that no row of the table has.
+    Key_Set missing(const QString& table, const QString& column, const Key_Set& keys);
+    void need_as_it_was(const QString& table, const QString& column, const Key_Set& keys,
+                        const Key_Set& missing);
     void need(const QString& table, const QString& column, std::int32_t key);
     void need_none(const QString& table, const QString& column, std::int32_t key);
-    void check_states(const std::vector<Row_Change>& changes);
+    void check_states(const std::vector<Row_Change>& changes, const Key_Set& no_scripts);
 
     Library_File& file_;
 };

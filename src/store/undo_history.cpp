@@ -59,7 +59,7 @@ void Undo_History::changed(const Change_Record& record) {
         for (const Row_Change& change : record.rows) follow(change);
         return;
     }
-    Step step{store::undo_name(record.rows), record.rows, record.doubles};
+    Step step{store::undo_name(record.rows), record.rows, record.odd};
     for (Row_Change& change : step.changes) {
         share_names(change.before);
         share_names(change.after);
@@ -85,7 +85,7 @@ Undo_Result Undo_History::move(Steps& from, Steps& to) {
     Step step = std::move(from.back()); // the history may end with its library meanwhile
     from.pop_back();
     moving_ = true;
-    const Replayed replayed = connection_.replay(step.changes, step.doubles);
+    const Replayed replayed = connection_.replay(step.changes, step.odd);
     moving_ = false;
     Undo_Result result{Outcome::done, step.name, 0};
     if (replayed == Replayed::done) {

@@ -7,7 +7,6 @@
 
 #include <cstdint>
 #include <optional>
-#include <set>
 #include <vector>
 
 namespace store {
@@ -44,8 +43,8 @@ public:
     std::optional<Undo_Name> redo_name() const;
     /// Not inside an Operation. The lists, AktScripts and the current set are the caller's to bring
     /// up to date; a set that goes is no longer current.
-    Undo_Result undo();
-    Undo_Result redo();
+    [[nodiscard]] Undo_Result undo();
+    [[nodiscard]] Undo_Result redo();
     void clear();
 
     void changed(const Change_Record& record) override;
@@ -56,7 +55,7 @@ private:
     struct Step {
         Undo_Name name;
         std::vector<Row_Change> changes;
-        std::set<std::int32_t> doubles; ///< see Change_Record
+        Oddities odd;
         void turn_round();
     };
     using Steps = std::vector<Step>;

@@ -44,6 +44,11 @@ TEST_F(Leaving, each_is_asked_once_and_the_job_ends_when_all_agree) {
     EXPECT_TRUE(gate.pass() && !state.runs());
 }
 
+TEST_F(Leaving, a_second_job_beside_one_that_runs_ends_the_program) {
+    EXPECT_DEATH(app::Job_State::Run(state, [] {}), "job_state.cpp:.*this must hold: !state_.runs");
+    EXPECT_CALL(job_runs, Call(false));
+}
+
 TEST_F(Leaving, one_that_goes_while_another_is_asked_is_not_asked) {
     auto list = std::make_unique<Holder>(gate);
     Holder editor(gate);

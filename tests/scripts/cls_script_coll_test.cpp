@@ -87,8 +87,8 @@ TEST(Scripts_Of_A_Set, are_counted_from_1_and_outlive_their_removal) {
     EXPECT_THAT(ids, ElementsAre(10, 30));
     EXPECT_EQ(scripts.States_Left_Out(), 4);
     for (const int place : {-1, 0, 3}) {
-        EXPECT_THAT([&] { scripts.Item(place); }, refuses(missing));
-        EXPECT_THAT([&] { scripts.Remove(place); }, refuses(missing));
+        EXPECT_THAT([&] { scripts.Item(place); }, refuses(not_found));
+        EXPECT_THAT([&] { scripts.Remove(place); }, refuses(not_found));
     }
     scripts.SetID = 4;
     scripts.Clear();
@@ -120,8 +120,8 @@ TEST(Script_Sets, are_found_by_position_and_key) {
     sets.Remove(2);
     sets.Remove(key(40));
     EXPECT_EQ(sets.Item(1)->SetID, 7);
-    for (const int gone : {-3, 40}) EXPECT_THAT([&] { sets.Remove(key(gone)); }, refuses(missing));
-    EXPECT_THAT([&] { sets.Item(2); }, refuses(missing));
+    for (const int gone : {-3, 40}) EXPECT_THAT([&] { sets.Remove(key(gone)); }, refuses(not_found));
+    EXPECT_THAT([&] { sets.Item(2); }, refuses(not_found));
     sets.Clear();
     add(7);
     EXPECT_EQ(sets.Count(), 1);

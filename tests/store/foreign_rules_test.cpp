@@ -209,4 +209,69 @@ TEST_F(Doubles, one_does_not_come_back_beside_a_row_that_was_not_there) {
     EXPECT_EQ(difference(content(disk), met), "");
 }
 
+/// CVs, scripts and states of sets and scripts that are gone.
+TEST_F(Foreign_Rules, orphans_that_are_deleted_come_back) {
+    if (library::names().empty()) GTEST_SKIP() << "no samples";
+    constexpr std::int32_t gone = 3;
+    const auto plant = [](jet::Database& file) { // where relations forbid them
+        const jet::Origin orphan = jet::Origin::orphan;
+        for (const std::int32_t number : {1, 2})
+            file.table(u"CVs")->insert(std::array<jet::Cell, 2>{{{1, gone}, {4, number}}}, orphan);
+        file.table(u"Scripte")->insert(std::array<jet::Cell, 1>{{{1, gone}}}, orphan);
+    };
+    const auto lose_script = [](jet::Database& file, std::int32_t id) {
+        auto row = file.table(u"Scripte")->find({{0, id}});
+        ASSERT_TRUE(row.next());
+        const jet::Row_Place place = row.id();
+        file.table(u"Scripte")->erase(place);
+    };
+    struct Deletion {
+        const char* what;
+        std::function<bool(Person&)> run;
+        bool forbidden = true; ///< that there are such rows
+    };
+    const Deletion deletions[] = {
+        {"a CV", [](Person& person) { return person.delete_cvs(gone, 1); }},
+        {"CVs and scripts", [&](Person&) { return db.DB_Del_CVSet(gone); }},
+        {"a script", [](Person& person) { return person.delete_script(gone, 1); }},
+        {"states",
+         [&](Person& person) {
+             person.load_scripts(2);
+             auto file = jet::Database::open(disk, "a.mdb", jet::Mode::read_write);
+             lose_script(file, AktScripts().Item(1)->ScriptID);
+             before = content(disk);
+             return db.DB_Delete_Script(1);
+         },
+         false}};
+    for (const Deletion& deletion : deletions)
+        for (const std::string sample : {"orphans", "library_2003"}) {
+            SCOPED_TRACE(deletion.what + (" in " + sample));
+            const bool forbidden = sample == "library_2003";
+            if (forbidden && !deletion.forbidden) continue;
+            open_listed(sample);
+            if (forbidden) {
+                db.DB_Del_CVSet(gone);
+                auto file = jet::Database::open(disk, "a.mdb", jet::Mode::read_write);
+                plant(file);
+            }
+            before = content(disk);
+            Person person(db);
+            ASSERT_TRUE(deletion.run(person)) << shown();
+            const Content after = content(disk);
+            EXPECT_NE(difference(after, before), "");
+            for (int round = 0; round < 2; ++round) {
+                ASSERT_EQ(history.undo().outcome, Outcome::done) << shown();
+                EXPECT_EQ(difference(content(disk), before), "");
+                ASSERT_EQ(history.redo().outcome, Outcome::done) << shown();
+                EXPECT_EQ(difference(content(disk), after), "");
+            }
+            if (!deletion.forbidden) continue;
+            {
+                auto file = jet::Database::open(disk, "a.mdb", jet::Mode::read_write);
+                file.table(u"Sets")->insert({{0, gone}}); // somebody else's: they are not of it
+            }
+            EXPECT_EQ(history.undo().outcome, Outcome::changed_elsewhere);
+        }
+}
+
 } // namespace

@@ -72,12 +72,28 @@ Shown cvs(store::clsDBConn& connection, std::int32_t set_id) {
 }
 
 std::string trouble(store::clsDBConn& connection) {
-    static const char* const kinds[] = {
-        "not_open", "no_set",    "not_found",   "denied",  "not_a_database", "no_library",
-        "cut_off",  "no_cvs",    "unsupported", "damaged", "read_only",      "locked_elsewhere",
-        "replaced", "disk_full", "device",      "gone",    "changed",        "refused"};
+    using store::Failure;
+    static const std::map<Failure, std::string> kinds{
+        {Failure::not_open, "not_open"},
+        {Failure::no_set, "no_set"},
+        {Failure::not_found, "not_found"},
+        {Failure::denied, "denied"},
+        {Failure::not_a_database, "not_a_database"},
+        {Failure::no_library, "no_library"},
+        {Failure::cut_off, "cut_off"},
+        {Failure::no_cvs, "no_cvs"},
+        {Failure::unsupported, "unsupported"},
+        {Failure::damaged, "damaged"},
+        {Failure::read_only, "read_only"},
+        {Failure::locked_elsewhere, "locked_elsewhere"},
+        {Failure::replaced, "replaced"},
+        {Failure::disk_full, "disk_full"},
+        {Failure::device, "device"},
+        {Failure::gone, "gone"},
+        {Failure::changed, "changed"},
+        {Failure::refused, "refused"}};
     const auto taken = connection.take_trouble();
-    return taken ? kinds[static_cast<int>(taken->kind)] : "";
+    return taken ? kinds.at(taken->kind) : "";
 }
 
 std::vector<std::string> faults(const files::Memory_Disk& disk, const std::string& path) {

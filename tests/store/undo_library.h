@@ -59,6 +59,7 @@ public:
         std::int16_t number = 0;
         return db_.DB_Add_CVSet(name, number, 8);
     }
+    bool delete_set(std::int32_t set) { return db_.DB_Del_CVSet(set); }
     bool rename(std::int32_t set, const QString& name) {
         db_.AktCVSetID(set);
         return db_.DB_Rename_CVSet(name, 0);

@@ -87,15 +87,24 @@ std::vector<Meeting> meetings() {
          [](Person&, clsDBConn& db) { db.DB_Del_CVSet(3); }},
         {"written there before it is done again", [](Person& p) { p.write(1, 900, 1); },
          [](Person& p, clsDBConn&) { p.write(1, 900, 2); }, Outcome::changed_elsewhere, true},
+        {"filled there before it is deleted again", [](Person& p) { p.delete_set(1); },
+         [](Person& p, clsDBConn&) { p.write(1, 900, 2); }, Outcome::changed_elsewhere, true},
     };
 }
 
 TEST_F(Undo_Shared, a_step_that_others_have_touched_is_refused_and_ends_the_history) {
     if (library::names().empty()) GTEST_SKIP() << "no samples";
-    for (const std::string sample : {"library_2000", "library_2003"})
+    for (const std::string sample : {"library_2000", "library_2003", "with cascades"})
         for (const Meeting& meeting : meetings()) {
             SCOPED_TRACE(sample + ", " + meeting.what);
-            open_listed(sample);
+            const bool cascades = sample == "with cascades";
+            open_listed(cascades ? "library_2000" : sample);
+            if (cascades) {
+                auto file = jet::Database::open(disk, "a.mdb", jet::Mode::read_write);
+                jet::Relation relation{u"CVsMit", u"Sets", {u"SetID"}, u"CVs", {u"SetID"}};
+                relation.cascade_delete = true;
+                file.add_relation(relation);
+            }
             clsDBConn other(disk);
             other.Connection_Start(u"a.mdb"_s);
             Person person(db);

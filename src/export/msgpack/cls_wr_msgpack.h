@@ -29,7 +29,7 @@ public:
     void Add_uInt8(std::uint8_t value) { put({0xCC, value}); }
     void Add_uInt32(std::uint32_t value);
     /// Reserves a uint 32 with the value 0. @return the handle for Set_uInt32_Addr, from 0
-    std::int32_t Add_uInt32_Addr();
+    [[nodiscard]] std::int32_t Add_uInt32_Addr();
     /// A uint 32 made of the last four characters, right-aligned; a shorter text has zero bytes in
     /// front.
     void Add_Ident_uInt32(std::string_view text);

@@ -1,10 +1,9 @@
 #include "platform/ado/catalog.h"
 
-#include "platform/ado/translated.h"
+#include "platform/ado/error.h"
+#include "platform/jet/format/text.h"
 
 #include <algorithm>
-
-using namespace Qt::Literals::StringLiterals;
 
 namespace ado {
 
@@ -67,8 +66,8 @@ void refuse_unless_key(jet::Database& database, const Foreign_Key& key) {
                    is(index.columns.front().name, key.related_column);
         });
     if (!unique)
-        throw Error(Failure::refused, key.name,
-                    u"%1.%2 is no key"_s.arg(key.related_table, key.related_column));
+        throw Error(Failure::refused, key.name.toStdString(),
+                    (key.related_table + u'.' + key.related_column).toStdString() + " is no key");
 }
 
 } // namespace
@@ -80,54 +79,46 @@ std::vector<QString> Catalog::columns(const QString& table) const {
 }
 
 std::size_t Catalog::text_width(const QString& table, const QString& column) const {
-    return translated([&]() -> std::size_t {
-        const auto found = connection_.session().database().table(table.toStdU16String());
-        const auto place = found ? found->column(column.toStdU16String()) : std::nullopt;
-        if (!place) return 0;
-        const jet::Column& stored = found->columns()[*place];
-        if (stored.type == jet::Column_Type::memo) return 255;
-        return stored.type == jet::Column_Type::text ? stored.length : 0;
-    });
+    const auto found = connection_.session().database().table(table.toStdU16String());
+    const auto place = found ? found->column(column.toStdU16String()) : std::nullopt;
+    if (!place) return 0;
+    const jet::Column& stored = found->columns()[*place];
+    if (stored.type == jet::Column_Type::memo) return 255;
+    return stored.type == jet::Column_Type::text ? stored.length : 0;
 }
 
 void Catalog::refuse_if_referred(const QString& table, const QString& column, std::int32_t key,
                                  const std::vector<QString>& known) const {
     jet::Database& database = connection_.session().database();
-    translated([&] {
-        for (const jet::Relation& relation : database.relations()) {
-            const auto other = database.table(relation.foreign_table);
-            const bool is_known = std::any_of(known.begin(), known.end(), [&](const QString& name) {
-                return is(relation.foreign_table, name);
-            });
-            if (is_known || !other || !forbids_deletion(relation, table, column)) continue;
-            const auto referring = other->column(relation.foreign_columns.front());
-            if (referring && other->find({{*referring, key}}).next())
-                throw Error(Failure::refused, QString::fromStdU16String(relation.name),
-                            u"rows of %1 refer to it"_s.arg(
-                                QString::fromStdU16String(relation.foreign_table)));
-        }
-    });
+    for (const jet::Relation& relation : database.relations()) {
+        const auto other = database.table(relation.foreign_table);
+        const bool is_known = std::any_of(known.begin(), known.end(), [&](const QString& name) {
+            return is(relation.foreign_table, name);
+        });
+        if (is_known || !other || !forbids_deletion(relation, table, column)) continue;
+        const auto referring = other->column(relation.foreign_columns.front());
+        if (referring && other->find({{*referring, key}}).next())
+            throw Error(Failure::refused, jet::to_utf8(relation.name),
+                        "rows of " + jet::to_utf8(relation.foreign_table) + " refer to it");
+    }
 }
 
 void Catalog::append(const Table& table) {
     Transaction transaction(connection_);
     jet::Database& database = connection_.session().database();
-    translated([&] {
-        for (const Foreign_Key& key : table.keys) refuse_unless_key(database, key);
-        std::vector<jet::Column> columns;
-        for (const Column& column : table.columns) columns.push_back(made(column));
-        std::vector<jet::Index> indexes;
-        for (const Index& index : table.indexes) indexes.push_back(made(index));
-        database.create_table(table.name.toStdU16String(), columns, indexes);
-        for (const Foreign_Key& key : table.keys) database.add_relation(made(key, table.name));
-    });
+    for (const Foreign_Key& key : table.keys) refuse_unless_key(database, key);
+    std::vector<jet::Column> columns;
+    for (const Column& column : table.columns) columns.push_back(made(column));
+    std::vector<jet::Index> indexes;
+    for (const Index& index : table.indexes) indexes.push_back(made(index));
+    database.create_table(table.name.toStdU16String(), columns, indexes);
+    for (const Foreign_Key& key : table.keys) database.add_relation(made(key, table.name));
     transaction.commit();
 }
 
 void Catalog::append(const QString& table, const Column& column) {
     Transaction transaction(connection_);
-    translated(
-        [&] { connection_.session().database().add_column(table.toStdU16String(), made(column)); });
+    connection_.session().database().add_column(table.toStdU16String(), made(column));
     transaction.commit();
 }
 

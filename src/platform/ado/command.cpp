@@ -2,19 +2,17 @@
 
 #include "platform/ado/error.h"
 
-using namespace Qt::Literals::StringLiterals;
-
 namespace ado {
 
 Connection& Command::connection() const {
     if (connection_ != nullptr) return *connection_;
-    throw Error(Failure::closed, text, u"the command has no connection"_s);
+    throw Error(Failure::not_open, text.toStdString(), "the command has no connection");
 }
 
 int Command::execute() const {
     const Statement statement = parse(text);
     if (statement.kind != Statement::Kind::erase)
-        throw Error(Failure::statement, text, u"a query is opened, not executed"_s);
+        throw Error(Failure::statement, text.toStdString(), "a query is opened, not executed");
     Transaction transaction(connection());
     Session& session = connection().session();
     const Found_Rows found = session.select(statement, {statement.where.front().column});

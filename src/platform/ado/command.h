@@ -13,7 +13,7 @@ public:
     Command() = default;
     explicit Command(Connection& connection) : connection_(&connection) {}
 
-    Connection& connection() const; ///< throws Error (closed) when there is none
+    Connection& connection() const; ///< throws Error (not_open) when there is none
     QString text;
 
     /// Runs a DELETE. @return the number of rows deleted. A refused row ends it; inside an outer

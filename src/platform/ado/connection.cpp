@@ -1,6 +1,6 @@
 #include "platform/ado/connection.h"
 
-#include "platform/ado/translated.h"
+#include "platform/ado/error.h"
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -18,14 +18,12 @@ QString Connection::string_for(const QString& path) { return head() + path + tai
 void Connection::open(const QString& connection_string) {
     close();
     if (!connection_string.startsWith(head()) || !connection_string.endsWith(tail()))
-        throw Error(Failure::statement, connection_string,
-                    u"this connection string is not understood"_s);
+        throw Error(Failure::statement, connection_string.toStdString(),
+                    "this connection string is not understood");
     const QString path =
         connection_string.sliced(head().size()).chopped(tail().size()); // may hold a semicolon
-    session_ = translated([&] {
-        return std::make_unique<Session>(
-            jet::Database::open(disk_, path.toStdString(), jet::Mode::read_write));
-    });
+    session_ = std::make_unique<Session>(
+        jet::Database::open(disk_, path.toStdString(), jet::Mode::read_write));
     session_->watcher = watcher_;
 }
 
@@ -33,15 +31,11 @@ void Connection::close() { session_.reset(); }
 
 Status Connection::status() const { return session().database().status(); }
 
-std::uint64_t Connection::foreign_changes() const {
-    return translated([&] { return session().database().foreign_changes(); });
-}
+std::uint64_t Connection::foreign_changes() const { return session().database().foreign_changes(); }
 
 Blocked Connection::blocked(const QString& table) const {
-    return translated([&] {
-        const auto found = session().database().table(table.toStdU16String());
-        return found ? found->blocked() : session().database().status().blocked;
-    });
+    const auto found = session().database().table(table.toStdU16String());
+    return found ? found->blocked() : session().database().status().blocked;
 }
 
 void Connection::watch(Row_Watcher* watcher) {
@@ -50,12 +44,12 @@ void Connection::watch(Row_Watcher* watcher) {
 }
 
 Session& Connection::session() const {
-    if (!session_) throw Error(Failure::closed, u"connection"_s, u"is not open"_s);
+    if (!session_) throw Error(Failure::not_open, "connection", "is not open");
     return *session_;
 }
 
 Transaction::Transaction(Connection& connection) : session_(connection.session()) {
-    translated([&] { changes_.emplace(session_.database()); });
+    changes_.emplace(session_.database());
     session_.enter(Extent::some);
 }
 
@@ -66,13 +60,13 @@ Transaction::~Transaction() {
 }
 
 void Transaction::commit() {
-    translated([&] { changes_->commit(); });
+    changes_->commit();
     committed_ = true;
 }
 
 Reading::Reading(Connection& connection, Extent extent)
     : session_(connection.session()), extent_(extent) {
-    translated([&] { guard_.emplace(session_.database()); });
+    guard_.emplace(session_.database());
     session_.enter(extent);
 }
 

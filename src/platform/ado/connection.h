@@ -11,7 +11,7 @@
 
 namespace ado {
 
-using Blocked = jet::Blocked;
+using failure::Blocked;
 using Status = jet::Status;
 
 enum class State { closed = 0, open = 1 };
@@ -38,7 +38,7 @@ public:
     /// Told of every changed row from now on, also of connections opened later; nullptr: nobody.
     void watch(Row_Watcher* watcher);
 
-    /// Throws Error (closed).
+    /// Throws Error (not_open).
     Session& session() const;
 
 private:
@@ -51,7 +51,7 @@ private:
 /// Rolled back unless committed. Must not outlive the open connection.
 class Transaction {
 public:
-    explicit Transaction(Connection& connection);
+    [[nodiscard]] explicit Transaction(Connection& connection);
     Transaction(const Transaction&) = delete;
     Transaction& operator=(const Transaction&) = delete;
     ~Transaction();
@@ -66,7 +66,7 @@ private:
 /// Several reads of one state of the file: nobody else changes it meanwhile.
 class Reading {
 public:
-    explicit Reading(Connection& connection, Extent extent = Extent::some);
+    [[nodiscard]] explicit Reading(Connection& connection, Extent extent = Extent::some);
     Reading(const Reading&) = delete;
     Reading& operator=(const Reading&) = delete;
     ~Reading();

@@ -2,15 +2,13 @@
 
 #include "platform/ado/error.h"
 
-using namespace Qt::Literals::StringLiterals;
-
 namespace ado {
 
 void Recordset::open(const Command& command, std::vector<QString> wanted) {
     close();
     Statement statement = parse(command.text);
     if (statement.kind == Statement::Kind::erase)
-        throw Error(Failure::statement, command.text, u"has no rows to open"_s);
+        throw Error(Failure::statement, command.text.toStdString(), "has no rows to open");
     static_cast<void>(command.connection().session()); // throws when it is closed
     statement_ = std::move(statement);
     wanted_ = std::move(wanted);
@@ -21,7 +19,7 @@ void Recordset::close() { *this = Recordset(); }
 
 Session& Recordset::session() const {
     if (connection_ != nullptr) return connection_->session();
-    throw Error(Failure::closed, u"recordset"_s, u"is not open"_s);
+    throw Error(Failure::not_open, "recordset", "is not open");
 }
 
 const Found_Rows& Recordset::rows() {
@@ -31,7 +29,7 @@ const Found_Rows& Recordset::rows() {
 
 std::uint32_t Recordset::current() {
     if (!at_end()) return rows_->order[position_];
-    throw Error(Failure::not_found, statement_.table, u"there is no current row"_s);
+    throw Error(Failure::not_found, statement_.table.toStdString(), "there is no current row");
 }
 
 int Recordset::record_count() { return static_cast<int>(rows().order.size()); }
@@ -46,8 +44,8 @@ void Recordset::move_next() {
 
 Recordset::Field Recordset::field(QStringView name) {
     if (const auto column = rows().block->column(name)) return {*column};
-    throw Error(Failure::not_found, statement_.table + QLatin1Char('.') + name.toString(),
-                u"no such column"_s);
+    throw Error(Failure::not_found, (statement_.table + u'.' + name.toString()).toStdString(),
+                "no such column");
 }
 
 Value Recordset::value(Field field) { return rows().block->value(current(), field.column); }

@@ -2,6 +2,7 @@
 
 #include "platform/ado/command.h"
 #include "platform/ado/session.h"
+#include "platform/failure/sure.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -35,6 +36,7 @@ public:
     std::optional<std::int32_t> number(Field field);
     /// The same with 0 for null, quick. There must be a current row.
     std::int32_t number_or_0(Field field) const {
+        SURE(rows_ && position_ < rows_->order.size());
         return rows_->block->number_or_0(rows_->order[position_], field.column);
     }
     std::optional<QString> text(Field field);

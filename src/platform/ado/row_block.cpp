@@ -1,5 +1,7 @@
 #include "platform/ado/row_block.h"
 
+#include "platform/failure/sure.h"
+
 #include <limits>
 
 namespace ado {
@@ -30,6 +32,12 @@ std::optional<std::size_t> Row_Block::column(QStringView name) const {
     for (std::size_t i = 0; i < columns_.size(); ++i)
         if (name.compare(columns_[i].name, Qt::CaseInsensitive) == 0) return i;
     return std::nullopt;
+}
+
+std::size_t Row_Block::known_column(QStringView name) const {
+    const auto found = column(name);
+    SURE(found);
+    return *found;
 }
 
 void Row_Block::Cells::mark(std::size_t row, bool null) {
@@ -68,6 +76,7 @@ void Row_Block::append(jet::Row_Place id, std::span<const Value> values) {
 void Row_Block::replace(std::size_t row, std::span<const Value> values) {
     for (std::size_t i = 0; i < columns_.size(); ++i) {
         if (!columns_[i].source) continue;
+        SURE(*columns_[i].source < values.size());
         const Value& value = values[*columns_[i].source];
         if (columns_[i].whole) {
             cells_[i].numbers.set(row, ado::number(value).value_or(0));

@@ -30,6 +30,7 @@ public:
 
     const std::vector<Column>& columns() const { return columns_; }
     std::optional<std::size_t> column(QStringView name) const; ///< without regard to case
+    std::size_t known_column(QStringView name) const;          ///< one that was asked for
 
     std::size_t size() const { return size_; }
     void append(const jet::Cursor& row);

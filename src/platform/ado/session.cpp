@@ -1,8 +1,7 @@
 #include "platform/ado/session.h"
 
-#include "platform/ado/translated.h"
-
-using namespace Qt::Literals::StringLiterals;
+#include "platform/ado/error.h"
+#include "platform/failure/sure.h"
 
 namespace ado {
 
@@ -25,6 +24,7 @@ void Session::enter(Extent extent) {
 }
 
 void Session::leave(Extent extent) {
+    SURE(guards_ > 0 && (extent == Extent::some || whole_guards_ > 0));
     if (extent == Extent::whole) --whole_guards_;
     // tables that were held for reading cannot serve what is changed afterwards
     if (--guards_ == 0 || (extent == Extent::whole && whole_guards_ == 0)) held_.clear();
@@ -38,18 +38,15 @@ void Session::complete_in_memory(const QString& table, const std::vector<QString
 
 std::vector<QString> Session::columns(const QString& table) {
     std::vector<QString> names;
-    for (const auto& column : translated([&] { return shape(table); }).columns)
-        names.push_back(column.name);
+    for (const auto& column : shape(table).columns) names.push_back(column.name);
     return names;
 }
 
 std::vector<QString> Session::tables() {
-    return translated([&] {
-        std::vector<QString> names;
-        for (const jet::Table& table : database_.tables())
-            names.push_back(QString::fromStdU16String(table.name()));
-        return names;
-    });
+    std::vector<QString> names;
+    for (const jet::Table& table : database_.tables())
+        names.push_back(QString::fromStdU16String(table.name()));
+    return names;
 }
 
 std::optional<std::size_t> Session::Shape::column(const QString& wanted) const {
@@ -64,7 +61,7 @@ Session::Shape Session::shape(const QString& table) {
     shape.table = database_.table(table.toStdU16String());
     const auto completed = completed_.find(table.toLower());
     if (!shape.table && completed == completed_.end())
-        throw Error(Failure::not_found, table, u"no such table"_s);
+        throw Error(Failure::not_found, table.toStdString(), "no such table");
     if (shape.table) {
         const auto& columns = shape.table->columns();
         for (std::size_t i = 0; i < columns.size(); ++i)
@@ -79,7 +76,7 @@ Session::Shape Session::shape(const QString& table) {
 
 jet::Table Session::stored_table(const QString& table) {
     if (auto found = database_.table(table.toStdU16String())) return *found;
-    throw Error(Failure::not_found, table, u"no such table"_s);
+    throw Error(Failure::not_found, table.toStdString(), "no such table");
 }
 
 } // namespace ado

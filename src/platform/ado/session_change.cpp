@@ -1,12 +1,11 @@
 // Changing rows, each told to the watcher, with the tables held in memory kept right.
 
+#include "platform/ado/error.h"
 #include "platform/ado/session.h"
-#include "platform/ado/translated.h"
+#include "platform/failure/sure.h"
 
 #include <algorithm>
 #include <utility>
-
-using namespace Qt::Literals::StringLiterals;
 
 namespace ado {
 
@@ -41,7 +40,8 @@ std::vector<jet::Cell> cells_of(const jet::Table& table, const Row& row) {
     std::vector<jet::Cell> cells;
     for (const auto& [name, value] : row) {
         const auto column = table.column(name.toStdU16String());
-        if (!column) throw Error(Failure::not_found, name, u"no such column in the file"_s);
+        if (!column)
+            throw Error(Failure::not_found, name.toStdString(), "no such column in the file");
         cells.push_back({*column, std::visit(As_Type{table.columns()[*column].type}, value)});
     }
     return cells;
@@ -57,10 +57,8 @@ Row row_of(const jet::Table& table, const std::vector<Value>& values) {
 } // namespace
 
 void Session::check(const QString& table, const Row& cells) {
-    translated([&] {
-        const jet::Table stored = stored_table(table);
-        stored.check(cells_of(stored, cells));
-    });
+    const jet::Table stored = stored_table(table);
+    stored.check(cells_of(stored, cells));
 }
 
 void Session::Held_Rows::list(std::uint32_t row) {
@@ -106,6 +104,7 @@ void Session::row_changed(std::uint32_t table, jet::Row_Place row, const std::ve
 
 Session::Told Session::own_change() {
     std::vector<Told> told = std::exchange(told_, {});
+    SURE(!told.empty());
     Told own = std::move(told.back());
     told.pop_back();
     for (const Told& other : told) let_go(other.table);
@@ -113,63 +112,55 @@ Session::Told Session::own_change() {
 }
 
 Found_Rows Session::rows_equal(const QString& table, const Row& row) {
-    return translated([&] {
-        const jet::Table stored = stored_table(table);
-        const auto cells = cells_of(stored, row);
-        const auto key = stored.key();
-        std::vector<jet::Cell> wanted; // with all cells another index might be taken for the search
-        for (const jet::Cell& cell : cells)
-            if (std::find(key.begin(), key.end(), cell.column) != key.end()) wanted.push_back(cell);
-        Found_Rows found = nothing_of(table);
-        for (auto at = stored.find(wanted.size() == key.size() && !key.empty() ? wanted : cells);
-             at.next();) {
-            const bool equal = std::all_of(cells.begin(), cells.end(), [&](const jet::Cell& cell) {
-                return jet::same_value(at.value(cell.column), cell.value);
-            });
-            if (!equal) continue;
-            found.order.push_back(static_cast<std::uint32_t>(found.block->size()));
-            found.block->append(at.id(), at.values());
-        }
-        return found;
-    });
+    const jet::Table stored = stored_table(table);
+    const auto cells = cells_of(stored, row);
+    const auto key = stored.key();
+    std::vector<jet::Cell> wanted; // with all cells another index might be taken for the search
+    for (const jet::Cell& cell : cells)
+        if (std::find(key.begin(), key.end(), cell.column) != key.end()) wanted.push_back(cell);
+    Found_Rows found = nothing_of(table);
+    for (auto at = stored.find(wanted.size() == key.size() && !key.empty() ? wanted : cells);
+         at.next();) {
+        const bool equal = std::all_of(cells.begin(), cells.end(), [&](const jet::Cell& cell) {
+            return jet::same_value(at.value(cell.column), cell.value);
+        });
+        if (!equal) continue;
+        found.order.push_back(static_cast<std::uint32_t>(found.block->size()));
+        found.block->append(at.id(), at.values());
+    }
+    return found;
 }
 
 Found_Rows Session::nothing_of(const QString& table) {
-    return {std::make_shared<Row_Block>(translated([&] { return shape(table); }).columns), {}};
+    return {std::make_shared<Row_Block>(shape(table).columns), {}};
 }
 
 std::uint32_t Session::insert(const QString& table, Row_Block& block, const Row& cells,
                               Origin origin) {
-    return translated([&] {
-        const jet::Table stored = stored_table(table);
-        stored.insert(cells_of(stored, cells), origin);
-        const Told own = own_change();
-        const auto row = static_cast<std::uint32_t>(block.size());
-        block.append(own.row, own.after);
-        if (Held_Rows* const held = held_with(table, block)) held->list(row);
-        return row;
-    });
+    const jet::Table stored = stored_table(table);
+    stored.insert(cells_of(stored, cells), origin);
+    const Told own = own_change();
+    const auto row = static_cast<std::uint32_t>(block.size());
+    block.append(own.row, own.after);
+    if (Held_Rows* const held = held_with(table, block)) held->list(row);
+    return row;
 }
 
 void Session::update(const QString& table, Row_Block& block, std::uint32_t row, const Row& cells,
                      Origin origin) {
-    translated([&] {
-        const jet::Table stored = stored_table(table);
-        stored.update(block.id(row), cells_of(stored, cells), origin);
-        const Told own = own_change();
-        Held_Rows* const held = held_with(table, block);
-        if (held != nullptr) held->unlist(row);
-        block.replace(row, own.after);
-        if (held != nullptr) held->list(row);
-    });
+    const jet::Table stored = stored_table(table);
+    stored.update(block.id(row), cells_of(stored, cells), origin);
+    const Told own = own_change();
+    Held_Rows* const held = held_with(table, block);
+    if (held != nullptr) held->unlist(row);
+    block.replace(row, own.after);
+    if (held != nullptr) held->list(row);
 }
 
 void Session::erase(const QString& table, Row_Block& block, std::uint32_t row) {
-    translated([&] {
-        stored_table(table).erase(block.id(row));
-        own_change();
-        if (Held_Rows* const held = held_with(table, block)) held->remove(row);
-    });
+    stored_table(table).erase(block.id(row));
+    own_change();
+    if (Held_Rows* const held = held_with(table, block)) held->remove(row);
 }
 
 } // namespace ado

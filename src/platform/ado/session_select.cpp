@@ -1,13 +1,11 @@
 // Finding rows: conditions, order, and the tables held in memory.
 
+#include "platform/ado/error.h"
 #include "platform/ado/session.h"
-#include "platform/ado/translated.h"
 
 #include <algorithm>
 #include <array>
 #include <set>
-
-using namespace Qt::Literals::StringLiterals;
 
 namespace ado {
 
@@ -99,8 +97,8 @@ Columns Session::chosen(const Shape& shape, const Statement& statement,
     for (const Condition& condition : statement.where) names.push_back(condition.column);
     for (const QString& name : names)
         if (!shape.column(name))
-            throw Error(Failure::not_found, shape.name + QLatin1Char('.') + name,
-                        u"no such column"_s);
+            throw Error(Failure::not_found, (shape.name + u'.' + name).toStdString(),
+                        "no such column");
     if (wanted.empty()) return shape.columns;
     const auto key = shape.table ? shape.table->key() : std::vector<std::size_t>();
     Columns columns;
@@ -113,23 +111,20 @@ Columns Session::chosen(const Shape& shape, const Statement& statement,
 }
 
 Found_Rows Session::select(const Statement& statement, const std::vector<QString>& wanted) {
-    return translated([&] {
-        if (statement.kind == Statement::Kind::select_joined) return select_joined(statement);
-        const Shape table = shape(statement.table);
-        Columns columns = chosen(table, statement, wanted);
-        const bool never =
-            !table.table ||
-            std::any_of(statement.where.begin(), statement.where.end(), [&](const auto& condition) {
-                return !table.columns[*table.column(condition.column)].source;
-            });
-        if (never) return Found_Rows{std::make_shared<Row_Block>(std::move(columns)), {}};
-        Held_Rows* const held = rows_in_memory(table, statement.where, columns);
-        Found_Rows found = held != nullptr
-                               ? select_held(*held, statement.where)
-                               : select_stored(table, statement.where, std::move(columns));
-        sort(table, statement, found);
-        return found;
-    });
+    if (statement.kind == Statement::Kind::select_joined) return select_joined(statement);
+    const Shape table = shape(statement.table);
+    Columns columns = chosen(table, statement, wanted);
+    const bool never =
+        !table.table ||
+        std::any_of(statement.where.begin(), statement.where.end(), [&](const auto& condition) {
+            return !table.columns[*table.column(condition.column)].source;
+        });
+    if (never) return Found_Rows{std::make_shared<Row_Block>(std::move(columns)), {}};
+    Held_Rows* const held = rows_in_memory(table, statement.where, columns);
+    Found_Rows found = held != nullptr ? select_held(*held, statement.where)
+                                       : select_stored(table, statement.where, std::move(columns));
+    sort(table, statement, found);
+    return found;
 }
 
 /// The first condition whose rows an index finds.
@@ -190,7 +185,7 @@ Found_Rows Session::select_held(Held_Rows& held, const std::vector<Condition>& w
     Found_Rows found{held.block, {}};
     std::vector<Test> tests;
     for (const Condition& condition : where)
-        tests.push_back({*held.block->column(condition.column), condition.number});
+        tests.push_back({held.block->known_column(condition.column), condition.number});
     // all rows of a part hold its own condition, so that another one narrows the search
     const Test& narrow = held.part ? tests.back() : tests.front();
     const Lookup& lookup = held.lookup(narrow.column);
@@ -225,12 +220,12 @@ Found_Rows Session::select_stored(const Shape& shape, const std::vector<Conditio
 void Session::sort(const Shape& shape, const Statement& statement, Found_Rows& found) {
     const Row_Block& block = *found.block;
     std::vector<std::size_t> columns;
-    for (const QString& name : statement.order_by) columns.push_back(*block.column(name));
+    for (const QString& name : statement.order_by) columns.push_back(block.known_column(name));
     const auto key = shape.table->key();
     if (sortable_key(*shape.table, shape.columns)) // otherwise read in that order
         for (const std::size_t part : key)
             columns.push_back(
-                *block.column(QString::fromStdU16String(shape.table->columns()[part].name)));
+                block.known_column(QString::fromStdU16String(shape.table->columns()[part].name)));
     if (!key.empty() && sort_by_numbers(block, columns, found.order)) return;
     const auto before = [&](std::uint32_t one, std::uint32_t other) {
         for (const std::size_t column : columns)
@@ -252,11 +247,11 @@ Found_Rows Session::select_joined(const Statement& statement) {
     std::multimap<std::int32_t, Number> shown;
     const Row_Block& joined = *partners.block;
     for (const std::uint32_t row : partners.order)
-        if (const auto number = joined.number(row, *joined.column(statement.joined_column)))
-            shown.emplace(*number, joined.number(row, *joined.column(statement.shown_column)));
+        if (const auto number = joined.number(row, joined.known_column(statement.joined_column)))
+            shown.emplace(*number, joined.number(row, joined.known_column(statement.shown_column)));
     std::set<std::pair<Number, Number>> distinct;
     for (const std::uint32_t row : rows.order) {
-        const Number number = rows.block->number(row, *rows.block->column(column));
+        const Number number = rows.block->number(row, rows.block->known_column(column));
         const auto [first, last] =
             number ? shown.equal_range(*number) : std::pair(shown.end(), shown.end());
         if (first == last) distinct.emplace(number, std::nullopt);

@@ -32,7 +32,7 @@ const QRegularExpression& erase_form() {
 }
 
 Error refusal(const QString& sql) {
-    return {Failure::statement, sql, QStringLiteral("this SQL is not understood")};
+    return {Failure::statement, sql.toStdString(), "this SQL is not understood"};
 }
 
 std::vector<Condition> conditions(const QString& where, const QString& sql) {

@@ -52,19 +52,19 @@ public:
     /// What other programs put there has no form of our own.
     virtual Clipboard Get_Clipboard_Text() = 0;
     /// Takes the place of what was there. @return whether it was accepted
-    virtual bool Set_Clipboard_Text(const Clipboard& content) = 0;
+    [[nodiscard]] virtual bool Set_Clipboard_Text(const Clipboard& content) = 0;
 
     /// @return the full path of an existing file; nothing when the user cancelled.
-    virtual std::optional<QString> ask_open_file(const File_Choice& choice) = 0;
+    [[nodiscard]] virtual std::optional<QString> ask_open_file(const File_Choice& choice) = 0;
     /// @return the full path to write to, extension added; asks no question about existing files.
-    virtual std::optional<QString> ask_save_file(const File_Choice& choice) = 0;
+    [[nodiscard]] virtual std::optional<QString> ask_save_file(const File_Choice& choice) = 0;
     /// @return the chosen folder; nothing when the user cancelled.
-    virtual std::optional<QString> ask_folder(const QString& initial) = 0;
+    [[nodiscard]] virtual std::optional<QString> ask_folder(const QString& initial) = 0;
     enum class Answer { yes, no, cancel };
     /// A question with the buttons Yes, No and Cancel; closing the box means Cancel.
-    virtual Answer ask_yes_no_cancel(const QString& title, const QString& text) = 0;
+    [[nodiscard]] virtual Answer ask_yes_no_cancel(const QString& title, const QString& text) = 0;
     /// A question with the buttons Yes and No; closing the box means No.
-    virtual bool ask_yes_no(const QString& title, const QString& text) = 0;
+    [[nodiscard]] virtual bool ask_yes_no(const QString& title, const QString& text) = 0;
     virtual void inform(const QString& title, const QString& text) = 0;
 };
 

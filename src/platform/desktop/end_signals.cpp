@@ -1,5 +1,7 @@
 #include "platform/desktop/end_signals.h"
 
+#include "platform/failure/sure.h"
+
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -22,6 +24,7 @@ void on_signal(int) {
 }
 
 int open_pipe() {
+    SURE(ends[0] < 0);
     if (pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK) != 0) ends = {-1, -1};
     return ends[0];
 }

@@ -111,18 +111,23 @@ void give_standing(Disk& disk, File& file, const Standing& of) {
     file.set_mode(mode);
 }
 
+std::vector<std::string> names_beside(Disk& disk, File& file, const std::string& path) {
+    const std::string folder = folder_of(path);
+    const std::string start = path.substr(0, path.find_last_of('/') + 1);
+    std::vector<std::string> names;
+    for (const std::string& name : disk.files_in(folder)) {
+        const auto found = disk.look(start + name);
+        if (found && found->is_file && found->identity == file.identity())
+            names.push_back(start + name);
+    }
+    return names;
+}
+
 bool has_one_name(Disk& disk, File& file, const std::string& path) {
     const std::uint64_t names = file.standing().names;
     if (names < 2) return true;
     if (names > 2 || !file.counts_short_names()) return false;
-    const std::string folder = folder_of(path);
-    const auto is_it = [&](const std::string& name) {
-        const auto found = disk.look(folder.empty()  ? name
-                                     : folder == "/" ? folder + name
-                                                     : folder + "/" + name);
-        return found && found->is_file && found->identity == file.identity();
-    };
-    return std::ranges::count_if(disk.files_in(folder), is_it) < 2;
+    return names_beside(disk, file, path).size() < 2;
 }
 
 } // namespace files

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/failure/error.h"
 #include "platform/files/acl.h"
 
 #include <chrono>
@@ -8,34 +9,14 @@
 #include <memory>
 #include <optional>
 #include <span>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace files {
 
-/// What went wrong with a file or folder; decides what the program does next.
-enum class Failure {
-    not_found,
-    exists,           ///< create_new on a name that is taken
-    denied,           ///< the rights are missing
-    read_only,        ///< write-protected file or file system
-    locked_elsewhere, ///< another open file description holds the lock
-    no_file,          ///< a folder, a pipe, or a link where none is followed
-    name_too_long,
-    disk_full,
-    device ///< any other failure of the medium
-};
-
-/// Thrown by everything in this folder. `subject` is the path, `detail` the system's own words.
-struct Error : std::runtime_error {
-    Error(Failure kind_, std::string subject_, std::string detail_)
-        : std::runtime_error(subject_ + ": " + detail_), kind(kind_), subject(std::move(subject_)),
-          detail(std::move(detail_)) {}
-    Failure kind;
-    std::string subject;
-    std::string detail;
-};
+/// Thrown by everything in this folder; the subject is the path, the detail the system's own words.
+using failure::Error;
+using Failure = failure::Kind;
 
 enum class Access {
     read,
@@ -83,7 +64,7 @@ public:
     virtual ~File() = default;
     /// Reads up to `into.size()` bytes at `offset`; @return how many (fewer only at the end of the
     /// file).
-    virtual std::size_t read_at(std::uint64_t offset, std::span<std::byte> into) = 0;
+    [[nodiscard]] virtual std::size_t read_at(std::uint64_t offset, std::span<std::byte> into) = 0;
     /// Writes all bytes at `offset`, lengthening the file if need be. After an Error any part may
     /// be written.
     virtual void write_at(std::uint64_t offset, std::span<const std::byte> bytes) = 0;
@@ -93,7 +74,7 @@ public:
     virtual void sync() = 0;
     /// Takes, changes or drops the lock on the whole file, waiting at most `patience`.
     /// @return false when another description still holds it then; the lock held before stays.
-    virtual bool lock(Lock wanted, std::chrono::milliseconds patience) = 0;
+    [[nodiscard]] virtual bool lock(Lock wanted, std::chrono::milliseconds patience) = 0;
     virtual Identity identity() = 0;
     /// A number that moves when the content is written, as finely as the medium tells: another
     /// number proves a change, the same one proves nothing.
@@ -160,8 +141,10 @@ Acl acl_for(User owner, Group group, const Standing& of);
 /// may; a list that it got from its folder goes. Where group or list are refused, fewer people may
 /// open it, never more.
 void give_standing(Disk& disk, File& file, const Standing& of);
+/// All paths in the folder of this one under which the open file stands.
+std::vector<std::string> names_beside(Disk& disk, File& file, const std::string& path);
 /// Whether the open file, found at this path, has no second name. A short name is none.
-bool has_one_name(Disk& disk, File& file, const std::string& path);
+[[nodiscard]] bool has_one_name(Disk& disk, File& file, const std::string& path);
 
 /// The disk of this computer.
 Disk& real_disk();

@@ -214,7 +214,7 @@ void Memory_Disk::sync_folder(const std::string& path) {
 void Memory_Disk::try_folder(const std::string& path) { Memory_Disk::sync_folder(path); }
 
 std::vector<std::string> Memory_Disk::files_in(const std::string& folder) {
-    if (!folder_exists(folder)) throw Error(Failure::not_found, folder, "no such folder");
+    Memory_Disk::try_folder(folder);
     std::vector<std::string> names;
     for (const auto& [path, file] : files_)
         if (folder_of(path) == folder) names.push_back(path.substr(path.find_last_of('/') + 1));

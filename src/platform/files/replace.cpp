@@ -1,5 +1,7 @@
 #include "platform/files/replace.h"
 
+#include "platform/failure/sure.h"
+
 #include <algorithm>
 
 namespace files {
@@ -44,11 +46,13 @@ Replacement::~Replacement() {
 }
 
 void Replacement::write(std::span<const std::byte> bytes) {
+    SURE(file_);
     file_->write_at(written_, bytes);
     written_ += bytes.size();
 }
 
 void Replacement::finish() {
+    SURE(file_);
     file_->sync();
     disk_.rename(beside_, path_);
     file_.reset();

@@ -11,7 +11,7 @@ public:
     /// Follows links, so that the file behind a link is replaced and not the link. The new file has
     /// the rights of the old one; one that is write-protected is not replaced (denied).
     /// @param rights_of whose rights it has when it replaces nothing; null: as any new file.
-    Replacement(Disk& disk, const std::string& path, File* rights_of = nullptr);
+    [[nodiscard]] Replacement(Disk& disk, const std::string& path, File* rights_of = nullptr);
     ~Replacement();
     Replacement(const Replacement&) = delete;
     Replacement& operator=(const Replacement&) = delete;
@@ -50,6 +50,6 @@ void copy_file(Disk& disk, const std::string& from, const std::string& to,
 /// "a.mdb.new7", which a crash may leave beside "a.mdb" -> "a.mdb"; nothing for other names.
 std::optional<std::string> replaced_by(const std::string& name);
 
-std::vector<std::byte> read_file(Disk& disk, const std::string& path);
+[[nodiscard]] std::vector<std::byte> read_file(Disk& disk, const std::string& path);
 
 } // namespace files

@@ -1,5 +1,6 @@
 #include "platform/jet/creation.h"
 
+#include "platform/failure/sure.h"
 #include "platform/files/memory_disk.h"
 #include "platform/jet/catalogue/catalogue.h"
 #include "platform/jet/catalogue/definition_builder.h"
@@ -229,7 +230,7 @@ public:
         for (const auto& [name, value] : cells)
             for (std::size_t i = 0; i < columns.size(); ++i)
                 if (columns[i].name == name) row.values[i] = value;
-        lay_out(*table_.definition, row, {}, longest_row, Origin::typed);
+        SURE(lay_out(*table_.definition, row, {}, longest_row, Origin::typed));
         writer_->insert(row);
     }
 

@@ -62,7 +62,7 @@ enum class Order {
 /// Rows one after the other; decodes only the cells that are asked for. It holds the shared lock
 /// from its making to its end: keep it short. It ends with the next change of the database (next()
 /// throws std::logic_error then), so collect first, then change.
-class Cursor {
+class [[nodiscard]] Cursor {
 public:
     Cursor(Cursor&&) noexcept;
     Cursor& operator=(Cursor&&) noexcept;
@@ -220,7 +220,7 @@ class Transaction {
 public:
     /// Takes the exclusive lock. The first one on an existing file runs check() (once) and throws
     /// damaged when it finds a fault; read_only when status() says so.
-    explicit Transaction(Database& database);
+    [[nodiscard]] explicit Transaction(Database& database);
     Transaction(const Transaction&) = delete;
     Transaction& operator=(const Transaction&) = delete;
     ~Transaction(); ///< rolls back unless committed
@@ -233,7 +233,7 @@ private:
 /// Keeps the shared lock over several reads, so that they see one state.
 class Read_Guard {
 public:
-    explicit Read_Guard(Database& database);
+    [[nodiscard]] explicit Read_Guard(Database& database);
     Read_Guard(const Read_Guard&) = delete;
     Read_Guard& operator=(const Read_Guard&) = delete;
     ~Read_Guard();

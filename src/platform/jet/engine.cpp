@@ -1,5 +1,6 @@
 #include "platform/jet/engine.h"
 
+#include "platform/failure/sure.h"
 #include "platform/jet/catalogue/definition_chain.h"
 #include "platform/jet/catalogue/file_end.h"
 #include "platform/jet/check/check.h"
@@ -23,7 +24,8 @@ constexpr double seconds_of_a_day = 86400;
 } // namespace
 
 Engine::Engine(files::Disk& disk, std::string path, std::unique_ptr<Pager> pager, bool fresh)
-    : disk_(disk), path_(std::move(path)), pager_(std::move(pager)), checked_(fresh) {
+    : disk_(disk), path_(std::move(path)), pager_(std::move(pager)), checked_(fresh),
+      doubts_(pager_->report().doubts) {
     const Reading reading(*this);
     header_ = read_header(*pager_);
     check_tables();
@@ -127,6 +129,7 @@ void Engine::begin_read() {
 }
 
 void Engine::end_read() noexcept {
+    SURE(read_depth_ > 0);
     if (--read_depth_ == 0) pager_->end_read();
 }
 
@@ -153,6 +156,17 @@ void Engine::check_after_spoiled_journal() {
     }
 }
 
+/// Another copy may have died and somebody else have cleared up what its journal knew: the file is
+/// looked at as if it had just been opened.
+void Engine::look_again() {
+    const int doubts = pager_->report().doubts;
+    if (doubts == doubts_) return;
+    doubts_ = doubts;
+    checked_ = false;
+    check_tables();
+    ensure_writable();
+}
+
 /// Runs under a lock, so nobody changes the file meanwhile.
 void Engine::check_once() {
     if (checked_) return;
@@ -175,6 +189,7 @@ void Engine::begin_write() {
     pager_->begin_write();
     try {
         if (read_depth_ == 0) refresh();
+        look_again();
         check_once();
     } catch (...) {
         pager_->rollback();
@@ -185,6 +200,7 @@ void Engine::begin_write() {
 }
 
 void Engine::commit() {
+    SURE(write_depth_ > 0);
     if (write_depth_ > 1) {
         --write_depth_;
         return;
@@ -206,6 +222,7 @@ void Engine::commit() {
 }
 
 void Engine::rollback() noexcept {
+    SURE(write_depth_ > 0);
     if (--write_depth_ > 0) return;
     pager_->rollback();
     unfit_.reset();
@@ -220,6 +237,7 @@ void Engine::fail(const Error& error) noexcept {
 
 void Engine::forget() {
     objects_known_ = false;
+    latest_ = nullptr;
     for (auto& [id, state] : tables_) state.definition.reset();
     hints_.clear();
     numbered_.clear();
@@ -252,14 +270,15 @@ const Object* Engine::object(std::u16string_view name, std::int32_t parent) {
     return nullptr;
 }
 
-const Table_State& Engine::table(Page_Number id) {
+const Table_State& Engine::look_up_table(Page_Number id) {
     const Reading reading(*this);
     objects();
     const auto found = tables_.find(id);
     if (found == tables_.end())
         throw Error(Failure::not_found, path_, "the table is no longer there");
     if (!found->second.definition) load(found->second);
-    return found->second;
+    latest_ = &found->second;
+    return *latest_;
 }
 
 const Table_State& Engine::system_table(std::u16string_view name) {
@@ -293,10 +312,10 @@ std::uint64_t Engine::foreign_changes() {
 }
 
 check::Report Engine::check() {
+    const Reading reading(*this);
     try {
-        const Reading reading(*this);
         return check::check(*disk_.open(path_, files::Access::read));
-    } catch (const files::Error& error) {
+    } catch (const Error& error) { // whatever keeps it from being opened once more
         throw Error(Failure::device, error.subject, error.what());
     }
 }

@@ -91,7 +91,12 @@ public:
     const std::vector<Object>& objects();
     const Object* object(std::u16string_view name, std::int32_t parent);
     /// Throws not_found when there is no such table (any more), damaged.
-    const Table_State& table(Page_Number id);
+    const Table_State& table(Page_Number id) {
+        // Nobody else can change anything meanwhile, and who reads asks for every cell.
+        const bool locked = read_depth_ + write_depth_ > 0;
+        const bool is_latest = latest_ != nullptr && latest_->object.page() == id;
+        return locked && is_latest ? *latest_ : look_up_table(id);
+    }
     const Table_State& system_table(std::u16string_view name);
     std::vector<Relation> relations();
 
@@ -124,10 +129,12 @@ private:
     void check_tables();
     void note_end(std::uint64_t pages);
     void ensure_writable() const;
+    void look_again();
     void check_once();
     void check_after_spoiled_journal();
     void fail(const Error& error) noexcept;
     void load_objects();
+    const Table_State& look_up_table(Page_Number id);
     void load(Table_State& state);
 
     files::Disk& disk_;
@@ -135,6 +142,7 @@ private:
     std::unique_ptr<Pager> pager_;
     Header header_;
     bool checked_; ///< the file was made by us or has passed check()
+    int doubts_;   ///< see Pager_Report
     Blocked blocked_ = Blocked::no;
     std::string blocked_detail_;
     std::optional<Lost_End> lost_end_;
@@ -149,6 +157,7 @@ private:
     std::shared_ptr<const Definition> objects_definition_;
     std::vector<Object> objects_;
     std::map<Page_Number, Table_State> tables_;
+    const Table_State* latest_ = nullptr; ///< that was asked for last, as long as it holds
     Heap_Hints hints_;
     std::map<Page_Number, std::int32_t> numbered_;
     std::optional<double> date_;
@@ -157,7 +166,7 @@ private:
 /// begin_read and end_read as one.
 class Reading {
 public:
-    explicit Reading(Engine& engine) : engine_(&engine) { engine.begin_read(); }
+    [[nodiscard]] explicit Reading(Engine& engine) : engine_(&engine) { engine.begin_read(); }
     Reading(Reading&& other) noexcept : engine_(std::exchange(other.engine_, nullptr)) {}
     Reading(const Reading&) = delete;
     Reading& operator=(const Reading&) = delete;

@@ -30,10 +30,7 @@ std::vector<Row_Place> rows_sorted(Engine& engine, const Definition& definition,
                                    const Real_Index& index) {
     std::vector<std::pair<std::vector<Value>, Row_Place>> keyed;
     for_each_row(engine.pager(), definition, [&](Row_Source& source) {
-        std::vector<Value> values;
-        for (const auto& part : index.columns)
-            values.push_back(value_at(source, position_of(definition, part.column)));
-        keyed.emplace_back(std::move(values), source.id());
+        keyed.emplace_back(values_at(source, index.columns), source.id());
     });
     std::stable_sort(keyed.begin(), keyed.end(),
                      [](const auto& a, const auto& b) { return before(a.first, b.first); });
@@ -59,6 +56,13 @@ std::vector<Value> values_of(const Definition& definition, const Real_Index& ind
     std::vector<Value> values;
     for (const auto& part : index.columns)
         values.push_back(row[position_of(definition, part.column)]);
+    return values;
+}
+
+std::vector<Value> values_at(const Row_Source& source, std::span<const Index_Part> parts) {
+    std::vector<Value> values;
+    for (const auto& part : parts)
+        values.push_back(value_at(source, position_of(source.definition(), part.column)));
     return values;
 }
 

@@ -31,6 +31,8 @@ std::size_t position_of(const Definition& definition, std::uint16_t column_numbe
 /// The values of an index out of those of a row, in the order of the index.
 std::vector<Value> values_of(const Definition& definition, const Real_Index& index,
                              const std::vector<Value>& row);
+/// The same out of the row on which the source stands.
+std::vector<Value> values_at(const Row_Source& source, std::span<const Index_Part> parts);
 
 /// The value of one cell of the row on which the source stands.
 Value value_at(const Row_Source& source, std::size_t column);

@@ -103,9 +103,7 @@ void New_Relation::check_rows(const Table_State& table, const Table_State& forei
     if (!can_compute(shape) || !can_compute(own))
         refuse(relation_.name, "the keys of its columns cannot be computed");
     for_each_row(engine_.pager(), *foreign.definition, [&](Row_Source& source) {
-        std::vector<Value> values;
-        for (const auto& part : foreign_columns_)
-            values.push_back(value_at(source, position_of(*foreign.definition, part.column)));
+        const std::vector<Value> values = values_at(source, foreign_columns_);
         const bool refers = !std::all_of(values.begin(), values.end(), is_null);
         if (refers && !tree.contains(key_of(shape.columns, values)))
             refuse(relation_.name, "there are rows that refer to nothing");

@@ -126,9 +126,7 @@ std::vector<Index_Tree::Entry> entries_of(Engine& engine, const Table_State& tab
     std::vector<Index_Tree::Entry> entries;
     std::vector<Bytes> unique;
     for_each_row(engine.pager(), definition, [&](Row_Source& source) {
-        std::vector<Value> values;
-        for (const auto& part : parts)
-            values.push_back(value_at(source, position_of(definition, part.column)));
+        const std::vector<Value> values = values_at(source, parts);
         const auto rule = null_rule(shape, values);
         if (rule == Null_Rule::left_out) return;
         if (rule == Null_Rule::refused) refuse(name, "there are rows with null");

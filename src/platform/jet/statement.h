@@ -17,7 +17,8 @@ namespace jet {
 class Statement {
 public:
     explicit Statement(Engine& engine, Origin origin = Origin::typed)
-        : engine_(engine), origin_(origin) {}
+        : engine_(engine), origin_(origin == Origin::orphan ? Origin::restored : origin),
+          orphan_(origin == Origin::orphan) {}
 
     void insert(Page_Number table, std::span<const Cell> cells);
     void update(Page_Number table, Row_Place row, std::span<const Cell> cells);
@@ -85,6 +86,7 @@ private:
 
     Engine& engine_;
     Origin origin_;
+    bool orphan_;              ///< relations are not asked for a partner
     std::deque<Planned> plan_; ///< references stay valid while it grows
     std::map<std::pair<Page_Number, Row_Place>, std::size_t> places_;
     std::deque<std::size_t> to_follow_;

@@ -104,7 +104,7 @@ void Statement::check_reference(const Table_State& table, const Planned& row,
     const auto& real = table.definition->reals[index.real];
     const auto& columns = table.shapes[index.real].columns;
     const auto values = values_of(*table.definition, real, row.values);
-    if (all_null(values)) return;
+    if (orphan_ || all_null(values)) return;
     if (row.kind == Kind::update &&
         key_of(columns, values) ==
             key_of(columns, values_of(*table.definition, real, row.stored.values)))

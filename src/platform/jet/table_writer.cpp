@@ -126,7 +126,8 @@ void Table_Writer::replace_row(Row_Place id, Row_Place place, const Bytes& row) 
     if (moved) rows.remove(place);
     Bytes to_it(4);
     store_u32(to_it.data(), at.number());
-    rows.replace(id, to_it, Slot_Kind::pointer);
+    if (!rows.replace(id, to_it, Slot_Kind::pointer)) // shorter than any row of ours
+        throw damaged(id.page, "a row has no room for its pointer");
 }
 
 void Table_Writer::update(const Stored_Row& before, const New_Row& row) {

@@ -5,6 +5,7 @@
 #include <condition_variable>
 #include <mutex>
 #include <utility>
+#include <vector>
 
 namespace timing {
 
@@ -12,6 +13,7 @@ struct Interruption::Inside {
     mutable std::mutex mutex;
     std::condition_variable changed;
     bool raised = false;
+    std::vector<Listener*> listeners;
 };
 
 Interruption::Interruption() : inside_(std::make_unique<Inside>()) {}
@@ -21,6 +23,7 @@ void Interruption::raise() {
     {
         const std::lock_guard guard(inside_->mutex);
         inside_->raised = true;
+        for (const Listener* listener : inside_->listeners) listener->call_();
     }
     inside_->changed.notify_all();
 }
@@ -38,6 +41,18 @@ bool Interruption::raised() const {
 bool Interruption::wait_for(Milliseconds duration) {
     std::unique_lock guard(inside_->mutex);
     return inside_->changed.wait_for(guard, duration, [this] { return inside_->raised; });
+}
+
+Interruption::Listener::Listener(Interruption& to, std::function<void()> call)
+    : to_(to), call_(std::move(call)) {
+    const std::lock_guard guard(to_.inside_->mutex);
+    to_.inside_->listeners.push_back(this);
+    if (to_.inside_->raised) call_();
+}
+
+Interruption::Listener::~Listener() {
+    const std::lock_guard guard(to_.inside_->mutex);
+    std::erase(to_.inside_->listeners, this);
 }
 
 namespace {

@@ -21,7 +21,23 @@ public:
     void clear();
     bool raised() const;
     /// Blocks the calling thread. @return whether it was raised before the time was over
-    bool wait_for(Milliseconds duration);
+    [[nodiscard]] bool wait_for(Milliseconds duration);
+
+    /// For whoever waits for something else as well: as long as it lives, raising calls what it was
+    /// given, in the thread that raises; at once where the interruption is raised already. When it
+    /// has gone no call is under way. The call must not touch the interruption.
+    class Listener {
+    public:
+        Listener(Interruption& to, std::function<void()> call);
+        Listener(const Listener&) = delete;
+        Listener& operator=(const Listener&) = delete;
+        ~Listener();
+
+    private:
+        friend class Interruption;
+        Interruption& to_;
+        std::function<void()> call_;
+    };
 
 private:
     struct Inside;
@@ -49,7 +65,7 @@ public:
     /// The local time that a person reads off a clock; may be set back at any moment.
     virtual QDateTime date() const = 0;
     /// Blocks the calling thread. @return false: interrupted before the time was over
-    virtual bool wait_until(Milliseconds moment, Interruption& by) = 0;
+    [[nodiscard]] virtual bool wait_until(Milliseconds moment, Interruption& by) = 0;
     /// A timer of the calling thread, which needs an event loop; disabled, with 1000 ms. It must
     /// not outlive this.
     virtual std::unique_ptr<Tick_Timer> tick_timer(std::function<void()> handler) = 0;

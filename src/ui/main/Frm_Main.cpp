@@ -10,6 +10,7 @@
 #include "ui/main/history_commands.h"
 #include "ui/main/kept_copies.h"
 #include "ui/main/library_view.h"
+#include "ui/main/link_commands.h"
 #include "ui/main/main_form.h"
 #include "ui/main/menus.h"
 #include "ui/main/messages.h"
@@ -39,7 +40,8 @@ struct Frm_Main::Inside {
           cv_panel(*window.form_, window.database_, view, messages),
           at{window, window.desktop_, window.disk_, window.database_, *window.form_,
              menus,  messages,        view,         copies,           window.gate_},
-          files(at), exports(at), sets(at), clipboard(at, cv_panel), history(at, files) {}
+          files(at), exports(at), sets(at), clipboard(at, cv_panel), history(at, files),
+          center(window, window.desktop_, window.ports_, window.job_), link(at, center) {}
 
     Menus menus;
     Kept_Copies copies;
@@ -52,12 +54,15 @@ struct Frm_Main::Inside {
     Set_Commands sets;
     Clipboard_Commands clipboard;
     History_Commands history;
+    link_ui::Link_Center center;
+    Link_Commands link;
 };
 
-Frm_Main::Frm_Main(desktop::Desktop& desktop, files::Disk& disk, store::clsDBConn& database)
-    : desktop_(desktop), disk_(disk), database_(database), form_(new Main_Form(this)),
-      status_(new ui_parts::Status_Line(this)), write_protected_(new QLabel(this)),
-      settings_lost_(new QLabel(this)) {
+Frm_Main::Frm_Main(desktop::Desktop& desktop, files::Disk& disk, store::clsDBConn& database,
+                   const link_ui::Link_Ports& ports)
+    : desktop_(desktop), disk_(disk), database_(database), ports_(ports),
+      form_(new Main_Form(this)), status_(new ui_parts::Status_Line(this)),
+      write_protected_(new QLabel(this)), settings_lost_(new QLabel(this)) {
     app::TextTable.fill();
     setObjectName(QStringLiteral("Frm_Main"));
     setCentralWidget(form_);
@@ -152,7 +157,7 @@ void Frm_Main::show_title() {
     if (is_incomplete(blocked)) title += text(Text::title_incomplete);
     setWindowTitle(title.replace(u"[*]"_qs, u"[*][*]"_qs)); // else the mark of a changed document
     write_protected_->setVisible(blocked != store::Blocked::no);
-    write_protected_->setToolTip(ui_parts::reason(blocked, opening.journal_owner));
+    write_protected_->setToolTip(ui_parts::reason(opening));
 }
 
 void Frm_Main::meet(const store::Trouble& trouble) {

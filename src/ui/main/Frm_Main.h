@@ -3,6 +3,7 @@
 #include "app/job_state.h"
 #include "app/leaving_gate.h"
 #include "app/sequences.h"
+#include "link/ui/link_ports.h"
 #include "platform/desktop/desktop.h"
 #include "platform/files/disk.h"
 #include "store/clsDBConn.h"
@@ -28,7 +29,8 @@ class Main_Form;
 class Frm_Main final : public QMainWindow, public app::Main_Window {
     Q_OBJECT
 public:
-    Frm_Main(desktop::Desktop& desktop, files::Disk& disk, store::clsDBConn& database);
+    Frm_Main(desktop::Desktop& desktop, files::Disk& disk, store::clsDBConn& database,
+             const link_ui::Link_Ports& ports);
     ~Frm_Main() override;
 
     /// The start-up sequence. Call once, before the window is shown.
@@ -75,6 +77,7 @@ private:
     desktop::Desktop& desktop_;
     files::Disk& disk_;
     store::clsDBConn& database_;
+    link_ui::Link_Ports ports_;
     app::Job_State job_;
     app::Leaving_Gate gate_{job_};
     Main_Form* form_;

@@ -85,7 +85,8 @@ void File_Commands::say_opening() {
         parts.append(text(form).arg(file));
     }
     if (at_.database.is_library() || cut_off) append_protection(parts, opening);
-    if (opening.recovered) parts.append(text(Text::recovered));
+    if (opening.recovered && opening.blocked != store::Blocked::second_name)
+        parts.append(text(Text::recovered));
     if (opening.journal_spoiled) parts.append(text(Text::journal_spoiled));
     if (!opening.journal_set_aside.isEmpty()) {
         const Text form =
@@ -102,8 +103,7 @@ void File_Commands::say_opening() {
 
 void File_Commands::append_protection(QStringList& parts, const store::Opening& opening) const {
     if (at_.database.writable()) return;
-    parts.append(text(Text::write_protected) + u": "_qs +
-                 ui_parts::reason(opening.blocked, opening.journal_owner));
+    parts.append(text(Text::write_protected) + u": "_qs + ui_parts::reason(opening));
     const store::Lost_End& lost = opening.lost_end;
     if (lost.bytes == 0) return;
     constexpr std::int64_t kilobyte = 1024;

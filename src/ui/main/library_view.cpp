@@ -118,6 +118,7 @@ void Library_View::show_selected() {
     }
     Redraw_Script_List();
     show_hints();
+    Q_EMIT shown();
 }
 
 // The list is still working on the key or click: it must be neither filled anew under it nor kept

@@ -60,6 +60,7 @@ public:
 Q_SIGNALS:
     void refreshed(); ///< another library may be shown
     void family_chosen(int index);
+    void shown(); ///< a set, perhaps another one
 
 private:
     void wire();

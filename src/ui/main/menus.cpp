@@ -58,6 +58,15 @@ constexpr Menu_Row menu_rows[] = {
     {"mnu_extras", "mnu_redo", u"&Wiederholen"},
     {"mnu_extras", "nix3", u"", Kind::separator},
     {"mnu_extras", "mnu_restore", u"&Sicherung wiederherstellen"},
+    {"mnu_extras", "nix4", u"", Kind::separator},
+    {"mnu_extras", "mnu_alle_lesen", u"Alle CVs aus Decoder &lesen"},
+    {"mnu_extras", "mnu_alle_schreiben", u"Alle CVs in Decoder s&chreiben"},
+    {"mnu_extras", "mnu_susi", u"Über S&USI", Kind::menu},
+    {"mnu_susi", "mnu_susi_laden", u"&Gewähltes CV-Set laden"},
+    {"mnu_susi", "mnu_susi_typ", u"&Decodertyp abfragen"},
+    {"mnu_susi", "mnu_susi_lesen", u"Alle CVs &lesen"},
+    {"mnu_susi", "mnu_susi_schreiben", u"Alle CVs s&chreiben"},
+    {"mnu_extras", "mnu_protokoll", u"&Protokoll der Übertragung"},
 };
 
 bool is_menu(const Menu_Row& entry) {

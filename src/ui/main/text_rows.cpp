@@ -16,6 +16,11 @@ QRect place_of_text(const QStyleOptionViewItem& option) {
     return option.rect.adjusted(margin + 1, 0, -margin - 1, 0);
 }
 
+QPalette::ColorGroup group_of(QStyle::State state) {
+    if (!state.testFlag(QStyle::State_Enabled)) return QPalette::Disabled;
+    return state.testFlag(QStyle::State_Active) ? QPalette::Active : QPalette::Inactive;
+}
+
 // False, and nothing is drawn, if there is no room for the whole text.
 bool draw_text(QPainter& painter, const QStyleOptionViewItem& option, const QString& text) {
     const QRect place = place_of_text(option);
@@ -24,9 +29,7 @@ bool draw_text(QPainter& painter, const QStyleOptionViewItem& option, const QStr
     const QTextLine line = layout.createLine();
     layout.endLayout();
     if (line.naturalTextWidth() > place.width()) return false;
-    painter.setPen(option.palette.color(
-        option.state.testFlag(QStyle::State_Active) ? QPalette::Active : QPalette::Inactive,
-        QPalette::Text));
+    painter.setPen(option.palette.color(group_of(option.state), QPalette::Text));
     const int height = qCeil(line.height());
     layout.draw(&painter, QPoint(place.left(), place.top() + (place.height() - height) / 2));
     return true;

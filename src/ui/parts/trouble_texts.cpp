@@ -58,8 +58,9 @@ constexpr Blocked_Entry blocks[] = {
      u"Die Datei hat noch einen Namen (harter Link). Bitte im Dateimanager kopieren und mit der "
      u"Kopie arbeiten."},
     {store::Blocked::journal_doubted,
-     u"Neben der Datei liegt ein Änderungsprotokoll (-journal) von „%1“, der sie nicht schreiben "
-     u"darf. Es wurde nicht benutzt; erst wenn es von dort weg ist, kann geschrieben werden."},
+     u"Neben der Datei liegt ein Änderungsprotokoll (-journal) von „%1“, das in Besitzer oder "
+     u"Rechten nicht zu ihr passt. Es wurde nicht benutzt; geschrieben werden kann erst, wenn die "
+     u"Rechte wieder gleich sind oder es von dort weg ist."},
     {store::Blocked::journal_barred,
      u"Das Änderungsprotokoll (-journal) neben der Datei gehört „%1“ und lässt sich weder "
      u"benutzen noch ersetzen."},
@@ -124,6 +125,15 @@ QString reason(store::Blocked blocked, const QString& journal_owner) {
         return form.contains(u"%1") ? form.arg(journal_owner) : form;
     }
     return {};
+}
+
+QString reason(const store::Opening& opening) {
+    if (opening.blocked == store::Blocked::second_name && opening.recovered)
+        return QStringLiteral(
+            "Die Datei hat noch einen Namen (harter Link), und eine Änderung ist nicht zu Ende "
+            "geschrieben. Bitte nicht kopieren, sondern den Namen löschen, neben dem kein "
+            "Änderungsprotokoll (-journal) liegt, und die Datei neu öffnen.");
+    return reason(opening.blocked, opening.journal_owner);
 }
 
 QString shortened(const QString& name) {

@@ -17,6 +17,9 @@ QString reason(files::Failure failure);
 /// Why a library cannot be changed, as the end of a sentence.
 /// @param journal_owner whose journal stands in the way, if one does
 QString reason(store::Blocked blocked, const QString& journal_owner);
+/// The same, as the library was found. A change that is unfinished under another name of the file
+/// makes the usual advice, to copy it, wrong.
+QString reason(const store::Opening& opening);
 /// A name as sentences and menus quote it: not so long that it hides what else is said.
 QString shortened(const QString& name);
 

@@ -192,7 +192,7 @@ TEST_F(Records, columns_of_other_types_hold_our_numbers_too) {
 }
 
 TEST_F(Records, tell_what_they_cannot_do) {
-    EXPECT_THAT([&] { query(u"SELECT * FROM T"_s); }, refuses(ado::Failure::closed));
+    EXPECT_THAT([&] { query(u"SELECT * FROM T"_s); }, refuses(ado::Failure::not_open));
     EXPECT_THAT([&] { connection.open(u"a.mdb"_s); }, refuses(ado::Failure::statement));
     make(false);
     insert(1, 1);
@@ -213,7 +213,7 @@ TEST_F(Records, tell_what_they_cannot_do) {
     EXPECT_EQ(command.execute(), 0);
     EXPECT_THAT([&] { rows.erase(); }, refuses(ado::Failure::not_found));
     rows.close();
-    EXPECT_THAT([&] { rows.record_count(); }, refuses(ado::Failure::closed));
+    EXPECT_THAT([&] { rows.record_count(); }, refuses(ado::Failure::not_open));
 }
 
 TEST(Numbers, are_held_once_when_a_wider_one_comes) {

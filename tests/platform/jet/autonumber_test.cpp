@@ -49,7 +49,7 @@ TEST_F(Lagging_Counter, a_row_that_was_refused_leaves_the_next_one_a_number) {
     const auto table = *database.table(u"T");
     {
         jet::Transaction all(database);
-        EXPECT_EQ(failure([&] { table.insert({}); }), jet::Failure::refused);
+        EXPECT_EQ(failure_of([&] { table.insert({}); }), jet::Failure::refused);
         EXPECT_EQ(table.insert({{1, 1}}).auto_number, 6);
         all.commit();
     }

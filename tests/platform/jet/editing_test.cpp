@@ -38,7 +38,7 @@ TEST_F(Editing, rows_come_change_and_go) {
     EXPECT_FALSE(cvs.row(inserted.id));
     EXPECT_EQ(cvs.row_count(), before);
     EXPECT_EQ(faults(database), "");
-    EXPECT_EQ(failure([&] { cvs.erase(inserted.id); }), Failure::not_found);
+    EXPECT_EQ(failure_of([&] { cvs.erase(inserted.id); }), Failure::not_found);
 }
 
 TEST_F(Editing, what_is_refused_leaves_every_byte_as_it_was) {
@@ -111,7 +111,7 @@ TEST_F(Editing, what_is_refused_leaves_every_byte_as_it_was) {
          }},
     };
     for (const auto& [what, action] : refused) {
-        EXPECT_EQ(failure(action), Failure::refused) << what;
+        EXPECT_EQ(failure_of(action), Failure::refused) << what;
         EXPECT_TRUE(disk.bytes(path) == before) << what;
     }
 }
@@ -129,7 +129,7 @@ TEST_F(Editing, a_transaction_is_all_or_nothing_and_joins_inner_ones) {
             sets.insert({{1, u"two"}});
             inner.commit();
         }
-        EXPECT_EQ(failure([&] {
+        EXPECT_EQ(failure_of([&] {
                       sets.insert({{1, std::u16string(300, u'x')}});
                   }),
                   Failure::refused);

@@ -29,7 +29,7 @@ inline jet::Database open(files::Disk& disk, jet::Mode mode = jet::Mode::read_wr
 
 /// The kind of the jet::Error that `action` throws; nothing when it throws none.
 template <typename Action>
-std::optional<jet::Failure> failure(Action action) {
+std::optional<jet::Failure> failure_of(Action action) {
     try {
         action();
         return std::nullopt;

@@ -154,15 +154,15 @@ TEST_F(Mdbtools, sees_an_old_library_completed_in_place) {
         sets.update(row, {{2, 10}, {3, 8}});
         const auto first = std::get<std::int32_t>((*sets.row(row))[0]);
         database.table(u"Scripte")->insert({{1, first}, {2, u"Fahrt"}});
-        EXPECT_EQ(failure([&] {
+        EXPECT_EQ(failure_of([&] {
                       database.table(u"Scripte")->insert({{1, 9999}});
                   }),
                   jet::Failure::refused);
-        EXPECT_EQ(failure([&] {
+        EXPECT_EQ(failure_of([&] {
                       database.table(u"Scripte")->insert({{2, u"x"}});
                   }),
                   jet::Failure::refused);
-        EXPECT_EQ(failure([&] { sets.erase(row); }), jet::Failure::refused);
+        EXPECT_EQ(failure_of([&] { sets.erase(row); }), jet::Failure::refused);
         EXPECT_EQ(faults(database, true), "");
         const auto all = disk.bytes(path);
         files::real_disk().open(name, files::Access::create_new)->write_at(0, all);

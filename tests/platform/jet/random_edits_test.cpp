@@ -165,7 +165,7 @@ private:
         ASSERT_TRUE(rows.emplace(std::get<std::int32_t>(row[0]), row).second);
     }
     void expect_refused(const std::function<void()>& action) {
-        EXPECT_EQ(failure(action), Failure::refused);
+        EXPECT_EQ(failure_of(action), Failure::refused);
     }
 
     Value title() { return below(10) == 0 ? Value(Null{}) : Value(text(12)); }

@@ -99,7 +99,7 @@ TEST_F(Own_Table, rows_may_refer_to_themselves_and_to_each_other) {
     EXPECT_EQ(changed([&] { table.update(one, {{0, 5}}); }), 2U) << "another row follows";
     EXPECT_EQ(*table.row(one), (std::vector<Value>{5, 5}));
     EXPECT_EQ(*table.row(two), (std::vector<Value>{2, 5}));
-    EXPECT_EQ(failure([&] {
+    EXPECT_EQ(failure_of([&] {
                   table.update(three, {{0, 6}, {1, 3}});
               }),
               Failure::refused)
@@ -199,9 +199,9 @@ TEST_F(Own_Table, a_refusal_comes_before_any_change) {
     const auto row = table.insert({{1, u"first"}}).id;
     jet::Transaction all(database);
     for (const auto& cells : refused) {
-        EXPECT_EQ(failure([&] { table.insert(cells); }), Failure::refused);
-        EXPECT_EQ(failure([&] { table.update(row, cells); }), Failure::refused);
-        EXPECT_EQ(failure([&] { table.check(cells); }), Failure::refused);
+        EXPECT_EQ(failure_of([&] { table.insert(cells); }), Failure::refused);
+        EXPECT_EQ(failure_of([&] { table.update(row, cells); }), Failure::refused);
+        EXPECT_EQ(failure_of([&] { table.check(cells); }), Failure::refused);
     }
     table.insert({{1, u"\uFEFFx語"}});
     all.commit();
@@ -212,7 +212,8 @@ TEST_F(Own_Table, a_refusal_comes_before_any_change) {
 TEST(A_Long_Value, has_less_than_1_GiB) {
     jet::Column_Record record;
     record.type = Column_Type::ole;
-    EXPECT_EQ(failure([&] { jet::check_length(record, std::size_t{1} << 30U); }), Failure::refused);
+    EXPECT_EQ(failure_of([&] { jet::check_length(record, std::size_t{1} << 30U); }),
+              Failure::refused);
     jet::check_length(record, jet::Long_Header::longest);
     const jet::Long_Header longest{jet::Long_Header::longest, jet::Long_Header::Kind::chain, {}, 0};
     const auto bytes = longest.bytes();
@@ -229,7 +230,7 @@ TEST_F(Own_Table, relations_follow_their_rules) {
     EXPECT_EQ(faults(database, true), "");
     for (int i = 1; i <= 2000; ++i) // a long chain
         table.insert({{1, i == 1 ? Value(Null{}) : Value(i - 1)}});
-    EXPECT_EQ(failure([&] { table.insert({{1, 5000}}); }), Failure::refused);
+    EXPECT_EQ(failure_of([&] { table.insert({{1, 5000}}); }), Failure::refused);
     table.insert({{0, 5000}, {1, 5000}}); // refers to itself
     auto found = table.find({{0, 2}});
     ASSERT_TRUE(found.next());
@@ -249,7 +250,7 @@ TEST_F(Own_Table, relations_follow_their_rules) {
     auto last = table.find({{0, 5000}});
     ASSERT_TRUE(last.next());
     const auto parent = last.id();
-    EXPECT_EQ(failure([&] { table.update(parent, {{0, 5001}}); }), Failure::refused);
+    EXPECT_EQ(failure_of([&] { table.update(parent, {{0, 5001}}); }), Failure::refused);
     table.erase(parent);
     EXPECT_EQ(*other.row(row), std::vector<Value>{Null{}});
     EXPECT_EQ(faults(database, true), "");

@@ -135,15 +135,69 @@ TEST_F(Survival, a_journal_spoiled_after_a_crash_is_kept_and_the_file_looked_thr
     EXPECT_GT(damaged, 5);
 }
 
+/// Only the file itself tells what it is then, also to a copy of the program that has had it open,
+/// and looked it through, all the while.
+TEST_F(Survival, a_journal_lost_after_a_crash_hides_no_half_written_file) {
+    const std::string journal_name = std::string(path) + "-journal";
+    constexpr std::size_t state_at = 504;
+    constexpr std::size_t in_table = 512 + 8;
+    const std::function<void(files::Memory_Disk&)> losses[] = {
+        [&](files::Memory_Disk& d) {
+            auto bytes = d.bytes(journal_name);
+            if (bytes.size() > in_table) bytes[in_table] ^= std::byte{4};
+            d.set_bytes(journal_name, bytes);
+        },
+        [&](files::Memory_Disk& d) { d.set_bytes(journal_name, {}); },
+        [&](files::Memory_Disk& d) { d.set_bytes(journal_name, jet::Bytes(600)); },
+        [&](files::Memory_Disk& d) { d.remove(journal_name); }};
+    const auto write = [](jet::Database& database) {
+        database.table(u"Sets")->insert({{1, u"Andere"}});
+    };
+    int damaged = 0;
+    files::Crash_Disk crashing(disk);
+    crashing.before_change = [&] {
+        std::mt19937 unused;
+        files::Memory_Disk left = crashing.after_power_loss(
+            [](std::size_t) { return files::Crash_Disk::Fate::kept; }, unused);
+        if (!left.file_exists(journal_name)) return;
+        auto emptied = left.bytes(journal_name);
+        if (emptied.size() > state_at) emptied[state_at] = {};
+        for (const auto& lose : losses)
+            for (const bool open_before : {false, true}) {
+                files::Memory_Disk found = disk.copy();
+                found.set_bytes(journal_name, emptied);
+                std::optional<jet::Database> database;
+                if (open_before) write(database.emplace(open(found)));
+                found.set_bytes(path, left.bytes(path));
+                found.set_bytes(journal_name, left.bytes(journal_name));
+                lose(found);
+                if (!open_before) database.emplace(open(found));
+                const bool sound =
+                    jet::check::check(*found.open(path, files::Access::read)).sound();
+                damaged += !sound;
+                const bool written = !failure_of([&] { write(*database); });
+                // sound as far as it goes, without the pages that were to be appended
+                const bool cut_off = database->status().blocked == jet::Blocked::cut_off;
+                ASSERT_EQ(written, sound && !cut_off) << open_before;
+                ASSERT_TRUE(written || found.bytes(path) == left.bytes(path));
+            }
+    };
+    Session()(crashing);
+    EXPECT_GT(damaged, 30);
+}
+
 TEST_F(Survival, a_damaged_file_is_shown_and_never_written) {
     auto bytes = disk.bytes(path);
     bytes.at(6 * 4096 + 2) ^= std::byte{0x55}; // the count of free bytes of some page
     disk.set_bytes(path, bytes);
     auto database = open(disk);
     EXPECT_GT(database.table(u"Sets")->row_count(), 0U);
-    EXPECT_EQ(failure([&] { database.table(u"Sets")->insert({{1, u"x"}}); }), Failure::damaged);
+    EXPECT_EQ(failure_of([&] { database.table(u"Sets")->insert({{1, u"x"}}); }), Failure::damaged);
     EXPECT_EQ(database.status().blocked, jet::Blocked::damaged);
-    EXPECT_EQ(failure([&] { database.table(u"Sets")->insert({{1, u"x"}}); }), Failure::read_only);
+    EXPECT_EQ(failure_of([&] {
+                  database.table(u"Sets")->insert({{1, u"x"}});
+              }),
+              Failure::read_only);
     EXPECT_TRUE(disk.bytes(path) == bytes);
 }
 
@@ -168,7 +222,7 @@ TEST_F(Survival, rows_stand_in_the_order_of_the_key_even_when_its_tree_is_broken
     ASSERT_TRUE(third.next());
     EXPECT_EQ(third.values(), before.at(u"Sets")[2]);
     EXPECT_EQ(database.status().blocked, jet::Blocked::damaged);
-    EXPECT_EQ(failure([&] { database.table(u"Sets")->insert({}); }), Failure::read_only);
+    EXPECT_EQ(failure_of([&] { database.table(u"Sets")->insert({}); }), Failure::read_only);
 }
 
 /// Random damage: whatever is met, nothing crashes or hangs, and what the checker calls damaged is

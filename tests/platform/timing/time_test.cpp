@@ -59,6 +59,20 @@ TEST_F(Virtual, an_interruption_ends_a_wait_where_it_came) {
     EXPECT_TRUE(time.wait_until(1h, stop));
 }
 
+TEST(Interrupted, listeners_hear_of_it_once_and_only_while_they_live) {
+    Interruption stop;
+    int calls = 0;
+    {
+        const Interruption::Listener early(stop, [&] { ++calls; });
+        std::jthread([&] { stop.raise(); }).join();
+        EXPECT_EQ(calls, 1);
+        const Interruption::Listener late(stop, [&] { calls += 10; });
+        EXPECT_EQ(calls, 11);
+    }
+    stop.raise();
+    EXPECT_EQ(calls, 11);
+}
+
 TEST(Real, waits_end_when_they_should_and_timers_tick) {
     Interruption stop;
     const auto begin = real_time().now();

@@ -144,7 +144,8 @@ TEST_F(Leaving_Test, a_job_locks_the_window_and_ends_with_the_program) {
         const QString name = action->objectName();
         if (!name.startsWith(u"mnu_") || name.startsWith(u"mnu_last_files") || action->menu())
             continue;
-        EXPECT_EQ(action->isEnabled(), name == u"mnu_datei_beenden") << name.toStdString();
+        EXPECT_EQ(action->isEnabled(), name == u"mnu_datei_beenden" || name == u"mnu_protokoll")
+            << name.toStdString();
     }
     EXPECT_FALSE(get<QMenu>("mnu_open_last").menuAction()->isEnabled());
     QTest::keyClick(window.get(), Qt::Key_Z, Qt::ControlModifier);
@@ -164,4 +165,22 @@ TEST_F(Leaving_Test, a_job_locks_the_window_and_ends_with_the_program) {
     run = std::make_unique<app::Job_State::Run>(window->job(), [&] { run.reset(); });
     EXPECT_TRUE(window->close());
     EXPECT_EQ(run, nullptr);
+}
+
+// The interface is gone: the ports are shown, and the job that follows ends in order and says why.
+TEST_F(Leaving_Test, a_job_without_a_port_asks_and_says_what_to_do) {
+    holder.agrees = true;
+    click_option("opt_dec_1");
+    in_set_dialog([](QDialog& dialog) {
+        ASSERT_EQ(dialog.objectName(), u"frm_comm");
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            dialog.findChild<QPushButton*>(QStringLiteral("cmd_ok"))->click();
+            return !dialog.isVisible();
+        }));
+    });
+    choose("mnu_CVSet_Laden");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !window->job().runs(); }));
+    EXPECT_THAT(status(), testing::HasSubstr("„COM1“ gibt es nicht: Interface einstecken"));
+    EXPECT_EQ(get<QLabel>("Label1").text(), QStringLiteral("Verbindung fehlgeschlagen"));
+    EXPECT_TRUE(sets().isEnabled());
 }

@@ -119,7 +119,10 @@ TEST_F(Looks, menus_have_their_names_and_captions) {
         {"mnu_copymenu", {"mnu_copy Kopieren", "mnu_paste Einfügen"}},
         {"mnu_extras",
          {"mnu_undo Rückgängig", "mnu_redo Wiederholen", "nix3 ",
-          "mnu_restore Sicherung wiederherstellen"}},
+          "mnu_restore Sicherung wiederherstellen", "nix4 ",
+          "mnu_alle_lesen Alle CVs aus Decoder lesen",
+          "mnu_alle_schreiben Alle CVs in Decoder schreiben", "mnu_susi Über SUSI",
+          "mnu_protokoll Protokoll der Übertragung"}},
     };
     for (const auto& menu : menus)
         EXPECT_EQ(entries(get<QMenu>(menu.menu).actions()), menu.entries);

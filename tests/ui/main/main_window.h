@@ -4,6 +4,7 @@
 #include "platform/files/memory_disk.h"
 #include "platform/files/replace.h"
 #include "platform/jet/database.h"
+#include "platform/serial/fake_scomm.h"
 #include "scripts/cls_script_coll.h"
 #include "store/clsDBConn.h"
 #include "support/scripted_desktop.h"
@@ -73,7 +74,7 @@ protected:
     }
 
     void start_bare() {
-        window = std::make_unique<Frm_Main>(desktop, disk, database);
+        window = std::make_unique<Frm_Main>(desktop, disk, database, ports);
         window->load();
         window->show();
         QApplication::setActiveWindow(window.get());
@@ -191,6 +192,9 @@ protected:
     files::Memory_Disk disk;
     support::Scripted_Desktop desktop;
     store::clsDBConn database{disk};
+    timing::Virtual_Time link_time;
+    link_ui::Link_Ports ports{[this] { return std::make_unique<serial::Fake_SComm>(link_time); },
+                              link_time, link_transport::real_bit_loop()};
     std::unique_ptr<Frm_Main> window;
 
 private:

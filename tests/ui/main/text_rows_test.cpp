@@ -22,13 +22,14 @@ struct Case {
     int row;      ///< current and selected
     int pixels;   ///< size of the font
     double scale; ///< device pixels per pixel
+    bool enabled = true;
 };
 
 const std::vector<Case> cases{
     {"nothing selected", -1, 13, 1}, {"plain row selected", 0, 13, 1},
     {"long row selected", 2, 13, 1}, {"small font", -1, 9, 1},
     {"large font", -1, 22, 1},       {"two pixels for one", 1, 13, 2},
-    {"one and a half", -1, 13, 1.5},
+    {"one and a half", -1, 13, 1.5}, {"switched off", -1, 13, 1, false},
 };
 
 QImage picture(const Case& look, QAbstractItemDelegate& delegate) {
@@ -42,6 +43,7 @@ QImage picture(const Case& look, QAbstractItemDelegate& delegate) {
     QFont font = list.font();
     font.setPixelSize(look.pixels);
     list.setFont(font);
+    list.setEnabled(look.enabled);
     if (look.row >= 0) list.setCurrentIndex(texts.index(look.row));
     QImage image((QSizeF(list.size()) * look.scale).toSize(), QImage::Format_RGB32);
     image.setDevicePixelRatio(look.scale);

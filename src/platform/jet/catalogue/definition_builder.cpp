@@ -1,5 +1,6 @@
 #include "platform/jet/catalogue/definition_builder.h"
 
+#include "platform/failure/sure.h"
 #include "platform/jet/format/text.h"
 #include "platform/jet/index/index_key.h"
 
@@ -60,8 +61,9 @@ bool name_before(std::u16string_view one, std::u16string_view other) {
 }
 
 Logical_Index& logical_numbered(Definition& definition, std::uint32_t number) {
-    return *std::find_if(definition.logicals.begin(), definition.logicals.end(),
-                         [&](const Logical_Index& index) { return index.number == number; });
+    const auto found = std::ranges::find(definition.logicals, number, &Logical_Index::number);
+    SURE(found != definition.logicals.end());
+    return *found;
 }
 
 void encode_logical(Logical_Index& index) {

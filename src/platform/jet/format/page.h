@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/failure/sure.h"
+
 #include <compare>
 #include <cstddef>
 #include <cstdint>
@@ -25,7 +27,10 @@ struct Row_Place {
     static Row_Place from(std::uint32_t number) {
         return {number >> 8U, static_cast<std::uint8_t>(number)};
     }
-    std::uint32_t number() const { return page << 8U | slot; }
+    std::uint32_t number() const {
+        SURE(page >> 24U == 0);
+        return page << 8U | slot;
+    }
 };
 
 } // namespace jet

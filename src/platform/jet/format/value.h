@@ -82,9 +82,10 @@ inline bool same_value(const Value& one, const Value& other) {
 
 /// Where the values of a row come from.
 enum class Origin {
-    typed,   ///< somebody wants them stored: they are made to fit, or refused
-    restored ///< they were in the file: other programs store what we refuse, and what comes back
-             ///< must not differ
+    typed,    ///< somebody wants them stored: they are made to fit, or refused
+    restored, ///< they were in the file: other programs store what we refuse, and what comes back
+              ///< must not differ
+    orphan    ///< the same, and it had no partner in a relation
 };
 
 } // namespace jet

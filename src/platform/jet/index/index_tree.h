@@ -70,11 +70,11 @@ public:
 
     /// @return whether the key is new, which the statistic of different keys counts.
     /// Throws Error: refused for a key that is too long, damaged when the entry is there already.
-    bool insert(Page_Space& space, std::span<const std::byte> key, Row_Place row);
+    [[nodiscard]] bool insert(Page_Space& space, std::span<const std::byte> key, Row_Place row);
     /// Pages left empty are given back. Throws Error (damaged) when the entry is not there.
     void erase(Page_Space& space, std::span<const std::byte> key, Row_Place row);
     /// Fills an empty tree, leaves packed full. @return the number of different keys.
-    std::size_t build(Page_Space& space, std::vector<Entry> entries);
+    [[nodiscard]] std::size_t build(Page_Space& space, std::vector<Entry> entries);
 
     /// Makes an empty tree: a root page without entries, and a map that holds it (placed by
     /// Usage_Map::make with `near`).

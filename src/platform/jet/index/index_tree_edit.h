@@ -21,7 +21,7 @@ public:
                     Row_Place map)
         : pager_(pager), space_(space), table_(table), root_(root), map_(pager, map) {}
 
-    bool insert(std::span<const std::byte> key, Row_Place row);
+    [[nodiscard]] bool insert(std::span<const std::byte> key, Row_Place row);
     void erase(std::span<const std::byte> key, Row_Place row);
 
 private:

@@ -1,5 +1,7 @@
 #include "platform/jet/index/index_tree_image.h"
 
+#include "platform/failure/sure.h"
+
 #include <algorithm>
 
 namespace jet {
@@ -39,6 +41,7 @@ void Index_Image::replace(std::size_t number, std::span<const std::byte> entry) 
 }
 
 void Index_Image::erase(std::size_t number) {
+    SURE(number < size());
     entries_.erase(entries_.begin() + static_cast<std::ptrdiff_t>(number));
 }
 
@@ -71,6 +74,7 @@ void Index_Image::set_key(std::size_t number, std::span<const std::byte> key_and
 }
 
 Bytes Index_Image::make_tail() {
+    SURE(size() > 0);
     const auto last = key_and_row(size() - 1);
     Bytes key(last.begin(), last.end());
     tail = child(size() - 1);

@@ -15,7 +15,8 @@
 //     so such a journal is kept and reported. Only a file of zeros, or one shorter than a head whose
 //     bytes name no operation, was never used. One that somebody empties or removes after a crash
 //     takes what it knew with it: nothing in the database tells that an operation had begun, and
-//     only the look at the whole file before the first change finds what is half written.
+//     only the look at the whole file before the first change finds what is half written; a copy that
+//     has looked already looks again when the journal is no longer the one that it knew.
 // J5  A journal is written, emptied and rolled back only under the exclusive lock on the database.
 // J6  A journal is applied only if every sector of every page that it names is as before the
 //     operation or as after it, and size and page 0 fit. Any other is renamed and reported, never
@@ -49,7 +50,8 @@
 //     the database. What it then shows counts, not what was refused. An empty one that does not
 //     serve is mended or made anew; one that was too open is always made anew, since somebody may
 //     still have it open. A database with a second name is not written, because
-//     nobody would find the journal from there, and who reads it is told.
+//     nobody would find the journal from there, and who reads it is told. He sees what journals of
+//     other names in the same folder say, those in other folders he cannot know of.
 // J13 What is shown in place of pages, where a journal cannot be rolled back, ends with the lock
 //     under which it was read.
 // J14 Every number in a journal is bounded before it is used: sizes are whole pages and at most
@@ -58,6 +60,7 @@
 //     that is looked at, and of a file whose head is zeros no more than 64 MiB.
 
 #include "platform/jet/pages/journal.h"
+#include "platform/failure/sure.h"
 #include "platform/jet/pages/journal_trust.h"
 
 #include <algorithm>
@@ -89,7 +92,10 @@ public:
         waiting_.insert(waiting_.end(), bytes.begin(), bytes.end());
         if (waiting_.size() >= portion) flush();
     }
-    void fill_to(std::uint64_t offset) { waiting_.resize(offset - written_); }
+    void fill_to(std::uint64_t offset) {
+        SURE(offset >= written_ + waiting_.size());
+        waiting_.resize(offset - written_);
+    }
     void flush() {
         file_.write_at(written_, waiting_);
         written_ += waiting_.size();
@@ -120,6 +126,13 @@ void Journal::detach() {
     state_ = State::absent;
     writable_ = false;
     served_.reset();
+}
+
+void Journal::turn_to(const std::string& database) {
+    if (database == database_) return;
+    detach();
+    database_ = database;
+    path_ = database + "-journal";
 }
 
 void Journal::attach(bool writable, files::File& database) { // J8

@@ -50,6 +50,8 @@ public:
     /// reads the head. Needs a lock on the database. @param writable false: opens for reading only.
     void attach(bool writable, files::File& database);
     void detach();
+    /// The journal of another name of the database, to be attached next.
+    void turn_to(const std::string& database);
     /// Under the exclusive lock, after attach: makes the file and the head where they are missing,
     /// and anew what is empty and does not serve all who may write the database. Throws
     /// Journal_Unusable too.

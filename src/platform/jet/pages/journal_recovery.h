@@ -5,7 +5,7 @@
 namespace jet {
 
 /// What a journal that is not empty means for the database beside it.
-struct Journal_Finding {
+struct [[nodiscard]] Journal_Finding {
     enum class Verdict {
         settled,   ///< the operation never began or is complete: the journal can be emptied
         take_back, ///< `pages` and `size` are the state before

@@ -36,7 +36,7 @@ Usage_Map::Growth Page_Space::growth() {
 void Page_Space::mark(Page_Number page, bool free) {
     if (free_.set(page, free)) return;
     free_.cover(page, growth());
-    free_.set(page, free);
+    free_.put(page, free);
 }
 
 } // namespace jet

@@ -13,7 +13,7 @@ public:
 
     /// A page of zeros, marked as in use: the lowest free one, else a new one at the end of the
     /// file.
-    Page_Number allocate();
+    [[nodiscard]] Page_Number allocate();
     /// Gives a page back. Whoever owned it has taken it out of its maps. Throws Error (damaged)
     /// when it is free already.
     void release(Page_Number page);

@@ -1,4 +1,4 @@
-#include "platform/jet/pages/pager_border.h"
+#include "platform/failure/sure.h"
 #include "platform/jet/pages/pager_file.h"
 
 #include "platform/files/replace.h"
@@ -21,12 +21,10 @@ File_Pager::File_Pager(files::Disk& disk, std::string path, Open_Mode mode,
                        std::chrono::milliseconds patience)
     : disk_(disk), path_(std::move(path)), real_path_(disk.resolve(path_)), patience_(patience),
       journal_(disk, real_path_) {
-    at_border([&] {
-        open_file(mode);
-        read_header();
-        cache_ = Page_Cache(page_size_);
-        prepare();
-    });
+    open_file(mode);
+    read_header();
+    cache_ = Page_Cache(page_size_);
+    prepare();
 }
 
 File_Pager::~File_Pager() {
@@ -47,7 +45,7 @@ void File_Pager::open_file(Open_Mode mode) {
     try {
         open(files::Access::read_write);
         file_writable_ = true;
-    } catch (const files::Error& error) {
+    } catch (const Error& error) {
         if (!is_protection(error.kind)) throw;
         report_.refusal = {Failure::read_only, error.detail};
         open(files::Access::read);
@@ -70,13 +68,14 @@ void File_Pager::read_header() {
 }
 
 void File_Pager::commit() {
+    SURE(write_depth_ > 0);
     if (write_depth_ > 1) {
         --write_depth_;
         return;
     }
     try {
         if (doomed_) throw Error(Failure::refused, path_, "an inner operation was rolled back");
-        at_border([&] { store(); });
+        store();
     } catch (...) {
         rollback();
         throw;
@@ -86,6 +85,7 @@ void File_Pager::commit() {
 }
 
 void File_Pager::rollback() noexcept {
+    SURE(write_depth_ > 0);
     forget_changes();
     doomed_ = --write_depth_ > 0;
     if (!doomed_) release();
@@ -104,13 +104,13 @@ void File_Pager::store() {
     try {
         write_pages();
         file_->sync();
-    } catch (const files::Error&) {
+    } catch (const Error&) {
         put_back();
         throw;
     }
     try {
         journal_.empty(); // J2
-    } catch (const files::Error&) {
+    } catch (const Error&) {
         // The operation is complete all the same (J3); whoever comes next empties the journal or
         // says why it cannot be done.
     }
@@ -125,10 +125,10 @@ void File_Pager::write_journal() {
     head.page_0 = checksum_of_page_0(*file_, page_size_);
     try {
         journal_.write(head, changed_);
-    } catch (const files::Error&) {
+    } catch (const Error&) {
         try {
             journal_.empty();
-        } catch (const files::Error&) {
+        } catch (const Error&) {
             // All pages are old (J3), so whoever comes next empties it.
         }
         throw;
@@ -139,7 +139,7 @@ void File_Pager::write_journal() {
 void File_Pager::put_back() noexcept {
     try {
         journal_.mark_take_back(); // J7
-    } catch (const files::Error&) {
+    } catch (const Error&) {
         // The journal remembers it, and the old pages may find their way all the same.
     }
     try {
@@ -192,10 +192,8 @@ Page File_Pager::read_from_file(Page_Number number) {
     if (Page held = cache_.find(number)) return held;
     if (shown_ && shown_->pages.contains(number)) return shown_->pages[number];
     auto bytes = std::make_shared<Page_Bytes>(page_size_);
-    at_border([&] {
-        if (file_->read_at(std::uint64_t{number} * page_size_, *bytes) != page_size_)
-            throw Error(Failure::damaged, path_, "page " + std::to_string(number) + " is cut off");
-    });
+    if (file_->read_at(std::uint64_t{number} * page_size_, *bytes) != page_size_)
+        throw Error(Failure::damaged, path_, "page " + std::to_string(number) + " is cut off");
     cache_.put(number, bytes);
     return bytes;
 }
@@ -242,11 +240,9 @@ std::unique_ptr<Pager> open_pager(files::Disk& disk, const std::string& path, Op
 std::unique_ptr<Pager> create_pager(files::Disk& disk, const std::string& path,
                                     std::span<const Page_Bytes> pages,
                                     std::chrono::milliseconds patience) {
-    at_border([&] {
-        files::Replacement file(disk, path);
-        for (const Page_Bytes& page : pages) file.write(page);
-        file.finish();
-    });
+    files::Replacement file(disk, path);
+    for (const Page_Bytes& page : pages) file.write(page);
+    file.finish();
     return open_pager(disk, path, Open_Mode::read_write, patience);
 }
 

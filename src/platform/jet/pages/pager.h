@@ -37,6 +37,9 @@ struct Pager_Report {
     bool foreign_journal = false;
     /// The journal of this file was spoiled and was never applied: a change may be half written.
     bool spoiled_journal = false;
+    /// How often a journal was met that could not be used, or none or another one than before. What
+    /// was known of the file no longer holds then.
+    int doubts = 0;
     std::string set_aside; ///< new path of either; empty when it could not be renamed
     std::optional<Write_Refusal> refusal; ///< nothing while the file may be written
 };
@@ -66,7 +69,7 @@ public:
     /// a page that was read in between must not change under its holder.
     virtual std::span<std::byte> change(Page_Number number) = 0;
     /// Lengthens the file by one page of zeros. @return its number.
-    virtual Page_Number append() = 0;
+    [[nodiscard]] virtual Page_Number append() = 0;
     virtual Pager_Report report() const { return {}; }
     /// Differs from what it was whenever another copy may have changed the file in between. Fresh
     /// after each outermost begin; what was derived from pages is kept as long as it stays the

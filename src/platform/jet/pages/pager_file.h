@@ -5,6 +5,11 @@
 
 namespace jet {
 
+/// Errors that say: look, but do not write.
+constexpr bool is_protection(Failure kind) {
+    return kind == Failure::denied || kind == Failure::read_only;
+}
+
 /// What must be unchanged for pages to stay in the cache from one operation to the next.
 struct Cache_Mark {
     std::uint64_t salt = 0;
@@ -49,6 +54,8 @@ private:
     void check_still_named();
     void check_may_write() const;
     bool must_settle() const;
+    void attach_journal();
+    void look_at_other_names();
     void enter_reading();
     void enter_writing();
     void look_at_names();
@@ -80,7 +87,9 @@ private:
     bool file_writable_ = false;
     bool unsure_ = false;     ///< the last sync failed: what reads well need not be on the medium
     std::uint64_t names_ = 1; ///< hard links, as far as they were judged
+    std::vector<std::string> names_beside_; ///< in the same folder, where there are several
     Journal journal_;
+    std::optional<std::uint64_t> salt_; ///< of the journal that was open last
     std::size_t page_size_ = 0;
     Page_Number page_count_ = 0; ///< with the appended ones
     Page_Number count_in_file_ = 0;

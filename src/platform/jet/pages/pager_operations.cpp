@@ -1,9 +1,10 @@
 // Beginning and ending operations: locks, what the journal says, what the cache may keep.
 
-#include "platform/jet/pages/pager_border.h"
+#include "platform/failure/sure.h"
 #include "platform/jet/pages/pager_file.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace jet {
 namespace {
@@ -20,8 +21,8 @@ void File_Pager::take(files::Lock wanted) {
 
 void File_Pager::release() noexcept {
     try {
-        file_->lock(read_depth_ > 0 ? files::Lock::shared : files::Lock::none, {});
-    } catch (const files::Error&) {
+        std::ignore = file_->lock(read_depth_ > 0 ? files::Lock::shared : files::Lock::none, {});
+    } catch (const Error&) {
         // Closing the file drops it at the latest.
     }
 }
@@ -43,9 +44,10 @@ void File_Pager::prepare() {
 void File_Pager::make_journal() {
     try {
         journal_.make(page_size_, *file_);
+        salt_ = journal_.head().salt;
     } catch (const Journal_Unusable& why) {
         refuse(why);
-    } catch (const files::Error& error) {
+    } catch (const Error& error) {
         // A full disk, say, may have room again when the first change comes, and is reported then.
         if (is_protection(error.kind)) report_.refusal = {Failure::read_only, error.detail};
     }
@@ -78,17 +80,35 @@ bool File_Pager::must_settle() const {
            journal_.state() == Journal::State::unreadable;
 }
 
+/// Where the file has several names its change may be unfinished under another one.
+void File_Pager::look_at_other_names() {
+    for (const std::string& other : names_beside_) {
+        journal_.turn_to(other);
+        journal_.attach(false, *file_);
+        if (journal_.state() == Journal::State::hot) return;
+    }
+    journal_.turn_to(real_path_);
+    journal_.attach(false, *file_);
+}
+
+/// Whoever takes a journal away, or its content, takes with it what it knew (J4).
+void File_Pager::attach_journal() {
+    names_beside_.empty() ? journal_.attach(file_writable_, *file_) : look_at_other_names();
+    const bool tells =
+        journal_.state() == Journal::State::empty || journal_.state() == Journal::State::hot;
+    if (salt_ && !(tells && salt_ == journal_.head().salt)) ++report_.doubts;
+    salt_ = tells ? std::optional(journal_.head().salt) : std::nullopt;
+}
+
 void File_Pager::begin_read() {
     if (read_depth_ + write_depth_ == 0) {
-        at_border([&] {
-            take(files::Lock::shared);
-            try {
-                enter_reading();
-            } catch (...) {
-                release();
-                throw;
-            }
-        });
+        take(files::Lock::shared);
+        try {
+            enter_reading();
+        } catch (...) {
+            release();
+            throw;
+        }
     }
     ++read_depth_;
 }
@@ -97,16 +117,16 @@ void File_Pager::enter_reading() {
     shown_.reset();  // J13
     look_at_names(); // J12
     if (still_named())
-        journal_.attach(file_writable_, *file_);
+        attach_journal();
     else
         journal_.detach(); // the one at the path belongs to another file now
     if (const auto why = journal_.bar()) refuse(*why);
     if (must_settle() && file_writable_ && journal_.writable()) {
         // Not from shared to exclusive in one step: two copies that try would wait for each other.
-        file_->lock(files::Lock::none, {});
+        std::ignore = file_->lock(files::Lock::none, {});
         take(files::Lock::exclusive);
         enter_writing();
-        file_->lock(files::Lock::shared, {});
+        std::ignore = file_->lock(files::Lock::shared, {}); // if not, the exclusive one stays
         return;
     }
     if (must_settle()) show_settled();
@@ -117,7 +137,7 @@ void File_Pager::enter_writing() {
     shown_.reset();      // J13
     check_still_named(); // J9
     look_at_names();     // J12
-    journal_.attach(file_writable_, *file_);
+    attach_journal();
     if (must_settle()) file_writable_&& journal_.writable() ? settle() : show_settled();
     notice_state();
 }
@@ -128,6 +148,11 @@ void File_Pager::look_at_names() {
     if (!files::has_one_name(disk_, *file_, real_path_)) {
         file_writable_ = false;
         refuse({Blocked::second_name, path_, "the file has another name (hard link)"});
+        try {
+            names_beside_ = files::names_beside(disk_, *file_, real_path_);
+        } catch (const files::Error&) {
+            // Like one in another folder: nothing can be known of it.
+        }
     }
     names_ = names;
 }
@@ -155,6 +180,7 @@ bool File_Pager::note_useless(const Journal_Finding& finding) {
     const bool spoiled = useless && !rubbish;
     report_.foreign_journal = report_.foreign_journal || foreign;
     report_.spoiled_journal = report_.spoiled_journal || spoiled;
+    if (foreign || spoiled) ++report_.doubts;
     return foreign || spoiled;
 }
 
@@ -194,8 +220,8 @@ void File_Pager::sync_settled(const Journal_Finding& finding) {
 void File_Pager::set_aside() {
     try {
         report_.set_aside = journal_.set_aside();
-    } catch (const files::Error& error) {
-        const bool too_long = error.kind == files::Failure::name_too_long;
+    } catch (const Error& error) {
+        const bool too_long = error.kind == Failure::name_too_long;
         if (!is_protection(error.kind) && !too_long) throw;
         refuse({too_long ? Blocked::journal_name : Blocked::journal_barred, path_, error.detail,
                 journal_.owner()});
@@ -212,6 +238,7 @@ void File_Pager::show_settled() {
 }
 
 void File_Pager::end_read() noexcept {
+    SURE(read_depth_ > 0);
     if (--read_depth_ == 0 && write_depth_ == 0) release();
 }
 
@@ -228,21 +255,20 @@ void File_Pager::check_may_write() const {
 void File_Pager::begin_write() {
     check_may_write();
     if (write_depth_ == 0) {
-        at_border([&] {
-            take(files::Lock::exclusive);
-            try {
-                enter_writing();
-                check_may_write();
-                journal_.make(page_size_, *file_); // J8
-            } catch (const Journal_Unusable& why) {
-                release();
-                refuse(why);
-                check_may_write();
-            } catch (...) {
-                release();
-                throw;
-            }
-        });
+        take(files::Lock::exclusive);
+        try {
+            enter_writing();
+            check_may_write();
+            journal_.make(page_size_, *file_); // J8
+            salt_ = journal_.head().salt;
+        } catch (const Journal_Unusable& why) {
+            release();
+            refuse(why);
+            check_may_write();
+        } catch (...) {
+            release();
+            throw;
+        }
     }
     ++write_depth_;
 }

@@ -1,10 +1,12 @@
 #include "platform/jet/pages/usage_map.h"
 
+#include "platform/failure/sure.h"
 #include "platform/jet/pages/page_space.h"
 #include "platform/jet/pages/usage_map_row.h"
 
 #include <algorithm>
 #include <bit>
+#include <tuple>
 
 namespace jet {
 namespace {
@@ -168,16 +170,21 @@ bool Usage_Map::set(Page_Number page, bool on) {
     return true;
 }
 
+void Usage_Map::put(Page_Number page, bool on) {
+    if (!set(page, on))
+        throw damaged(place_.page, "a map has no place for " + std::to_string(page));
+}
+
 void Usage_Map::add(Page_Space& space, Page_Number page) {
     if (contains(page) || set(page, true)) return;
     cover(page, {.global = false, .longest = longest_inline, .take_page = [&space] {
                      return space.allocate();
                  }});
-    set(page, true);
+    put(page, true);
 }
 
 void Usage_Map::remove(Page_Number page) {
-    if (contains(page)) set(page, false);
+    if (contains(page)) put(page, false);
 }
 
 /// Makes a place for a page that the map does not reach.
@@ -222,7 +229,8 @@ void Usage_Map::refer(Page_Number page, const Growth& growth) {
     const std::vector<Page_Number> members = pages();
     std::vector<std::byte> row(Bits(*pager_, place_).size(), std::byte{0});
     row[0] = reference_kind;
-    replace_map_row(*pager_, place_, row);
+    if (!replace_map_row(*pager_, place_, row))
+        throw damaged(place_.page, "its map rows are out of order");
     const std::size_t each = pages_per_reference(*pager_);
     const auto refer_to = [&](std::size_t span) {
         if (!Bits(*pager_, place_).reference(span)) add_reference(span, growth);
@@ -231,7 +239,7 @@ void Usage_Map::refer(Page_Number page, const Growth& growth) {
         for (std::size_t span = 0; span * each < pager_->page_count(); ++span) refer_to(span);
     for (const Page_Number member : members) {
         refer_to(member / each);
-        set(member, true);
+        put(member, true);
     }
     refer_to(page / each);
 }
@@ -252,7 +260,7 @@ void Usage_Map::add_reference(std::size_t span, const Growth& growth) {
     const std::size_t place = reference_place(span);
     store_u32(&pager_->change(place_.page)[place], number);
     // where the global map does not reach this page yet, it is in use for lack of a bit
-    if (growth.global) set(number, false);
+    if (growth.global) std::ignore = set(number, false);
 }
 
 /// Where on the map's page the reference of a span stands; a short row is lengthened.
@@ -277,6 +285,7 @@ Usage_Map Usage_Map::make(Pager& pager, Page_Space& space, Page_Number near) {
         format_map_page(pager, page);
         place = append_map_row(pager, page, row);
     }
+    SURE(place);
     return {pager, *place};
 }
 

@@ -49,9 +49,10 @@ private:
         std::function<Page_Number()> take_page;
     };
 
-    bool set(Page_Number page, bool on);
+    [[nodiscard]] bool set(Page_Number page, bool on);
+    void put(Page_Number page, bool on); ///< one that the map has a place for; else damaged
     void cover(Page_Number page, const Growth& growth);
-    bool stretch(Page_Number page, const Growth& growth);
+    [[nodiscard]] bool stretch(Page_Number page, const Growth& growth);
     void refer(Page_Number page, const Growth& growth);
     void add_reference(std::size_t span, const Growth& growth);
     std::size_t reference_place(std::size_t span);

@@ -4,6 +4,7 @@
 #include "platform/jet/rows/long_value.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <limits>
@@ -37,7 +38,7 @@ std::pair<std::int64_t, std::int64_t> range(Column_Type type) {
     return {std::numeric_limits<std::int32_t>::min(), std::numeric_limits<std::int32_t>::max()};
 }
 
-Value fitted_integer(const Column_Record& column, const Value& value) {
+Value fitted_integer(const Column_Record& column, const Value& value, Origin /*origin*/) {
     const auto* number = std::get_if<std::int32_t>(&value);
     if (number == nullptr) refuse(column, "takes whole numbers");
     const auto [low, high] = range(column.type);
@@ -92,7 +93,7 @@ Value fitted_as(const Column_Record& column, const Value& value, const char* wha
     return value;
 }
 
-Value fitted_decimal(const Column_Record& column, const Value& value) {
+Value fitted_decimal(const Column_Record& column, const Value& value, Origin /*origin*/) {
     const auto* decimal = std::get_if<Decimal>(&value);
     if (decimal == nullptr) refuse(column, "takes decimal numbers");
     if (decimal->scale != static_cast<std::uint8_t>(column.extra >> 8U))
@@ -158,104 +159,143 @@ void decode_text_cell(Pager& pager, const Layout& layout, const Column_Record& c
         decode(cell.bytes());
 }
 
+namespace {
+
+/// Where long values are read from.
+struct Source {
+    Pager& pager;
+    const Layout& layout;
+};
+
+/// What a type of columns does with its cells.
+struct Cell_Type {
+    Column_Type type;
+    Value (*decode)(const Source& from, const Column_Record& column, const View& cell);
+    Value (*fit)(const Column_Record& column, const Value& value, Origin origin);
+    Bytes (*encode)(const Value& value, const Column_Record& column);
+};
+
+using From = const Source&;
+using Of = const Column_Record&;
+using In = const View&;
+
+Value decode_whole(From, Of column, In cell) { return decode_integer(column, cell); }
+
+Value decode_any_text(From from, Of column, In cell) {
+    std::u16string text;
+    decode_text_cell(from.pager, from.layout, column, cell, text);
+    return text;
+}
+
+Value decode_bytes(From, Of, In cell) { return Bytes(cell.bytes().begin(), cell.bytes().end()); }
+
+template <std::size_t size>
+Bytes encode_whole(const Value& value, Of) {
+    return number_bytes(static_cast<std::uint32_t>(std::get<std::int32_t>(value)), size);
+}
+
+Bytes encode_any_text(const Value& value, Of column) {
+    return encode_text_cell(column, std::get<std::u16string>(value));
+}
+
+Bytes encode_bytes(const Value& value, Of) { return std::get<Bytes>(value); }
+
+constexpr Cell_Type cell_types[] = {
+    {Column_Type::boolean, [](From, Of, In) { return Value(true); },
+     [](Of column, const Value& value, Origin) {
+         return fitted_as<bool>(column, value, "takes true and false");
+     },
+     [](const Value&, Of) { return Bytes(); }},
+    {Column_Type::byte, decode_whole, fitted_integer, encode_whole<1>},
+    {Column_Type::integer, decode_whole, fitted_integer, encode_whole<2>},
+    {Column_Type::long_integer, decode_whole, fitted_integer, encode_whole<4>},
+    {Column_Type::currency,
+     [](From, Of, In cell) {
+         return Value(Currency{static_cast<std::int64_t>(cell.number(0, 8))});
+     },
+     [](Of column, const Value& value, Origin) {
+         return fitted_as<Currency>(column, value, "takes amounts");
+     },
+     [](const Value& value, Of) {
+         return number_bytes(static_cast<std::uint64_t>(std::get<Currency>(value).ten_thousandths),
+                             8);
+     }},
+    {Column_Type::single_float,
+     [](From, Of, In cell) {
+         return Value(static_cast<double>(std::bit_cast<float>(cell.u32(0))));
+     },
+     fitted_floating,
+     [](const Value& value, Of) {
+         const auto number = static_cast<float>(std::get<double>(value));
+         return number_bytes(std::bit_cast<std::uint32_t>(number), 4);
+     }},
+    {Column_Type::double_float,
+     [](From, Of, In cell) { return Value(std::bit_cast<double>(cell.number(0, 8))); },
+     fitted_floating,
+     [](const Value& value, Of) {
+         return number_bytes(std::bit_cast<std::uint64_t>(std::get<double>(value)), 8);
+     }},
+    {Column_Type::date,
+     [](From, Of, In cell) { return Value(Date{std::bit_cast<double>(cell.number(0, 8))}); },
+     fitted_date,
+     [](const Value& value, Of) {
+         return number_bytes(std::bit_cast<std::uint64_t>(std::get<Date>(value).days), 8);
+     }},
+    {Column_Type::binary, decode_bytes, fitted_bytes, encode_bytes},
+    {Column_Type::text, decode_any_text, fitted_text, encode_any_text},
+    {Column_Type::ole,
+     [](From from, Of, In cell) { return Value(read_long_value(from.pager, from.layout, cell)); },
+     fitted_bytes, encode_bytes},
+    {Column_Type::memo, decode_any_text, fitted_text, encode_any_text},
+    {Column_Type::guid, [](From, Of, In cell) { return Value(decode_guid(cell)); },
+     [](Of column, const Value& value, Origin) {
+         return fitted_as<Guid>(column, value, "takes GUIDs");
+     },
+     [](const Value& value, Of) {
+         const auto& guid = std::get<Guid>(value).bytes;
+         return Bytes(guid.begin(), guid.end());
+     }},
+    {Column_Type::decimal,
+     [](From, Of column, In cell) { return Value(decode_decimal(column, cell)); }, fitted_decimal,
+     [](const Value& value, Of) { return encode_decimal(std::get<Decimal>(value)); }},
+};
+
+/// Of other programs: read as it is, and so put back.
+constexpr Cell_Type unknown_type{{},
+                                 decode_bytes,
+                                 [](Of column, const Value& value, Origin origin) {
+                                     if (origin == Origin::typed ||
+                                         !std::holds_alternative<Bytes>(value))
+                                         refuse(column, "has a type that is not written");
+                                     return value;
+                                 },
+                                 encode_bytes};
+
+const Cell_Type& cell_type(Column_Type type) {
+    constexpr auto by_code = [] {
+        std::array<const Cell_Type*, static_cast<std::size_t>(Column_Type::decimal) + 1> all{};
+        all.fill(&unknown_type);
+        for (const Cell_Type& each : cell_types) all[static_cast<std::size_t>(each.type)] = &each;
+        return all;
+    }();
+    const auto code = static_cast<std::size_t>(type);
+    return code < by_code.size() ? *by_code[code] : unknown_type;
+}
+
+} // namespace
+
 Value decode_cell(Pager& pager, const Layout& layout, const Column_Record& column,
                   const View& cell) {
-    switch (column.type) {
-    case Column_Type::boolean:
-        return true;
-    case Column_Type::byte:
-    case Column_Type::integer:
-    case Column_Type::long_integer:
-        return decode_integer(column, cell);
-    case Column_Type::currency:
-        return Currency{static_cast<std::int64_t>(cell.number(0, 8))};
-    case Column_Type::single_float:
-        return static_cast<double>(std::bit_cast<float>(cell.u32(0)));
-    case Column_Type::double_float:
-        return std::bit_cast<double>(cell.number(0, 8));
-    case Column_Type::date:
-        return Date{std::bit_cast<double>(cell.number(0, 8))};
-    case Column_Type::decimal:
-        return decode_decimal(column, cell);
-    case Column_Type::guid:
-        return decode_guid(cell);
-    case Column_Type::ole:
-        return read_long_value(pager, layout, cell);
-    case Column_Type::text:
-    case Column_Type::memo: {
-        std::u16string text;
-        decode_text_cell(pager, layout, column, cell, text);
-        return text;
-    }
-    default:
-        return Bytes(cell.bytes().begin(), cell.bytes().end());
-    }
+    return cell_type(column.type).decode({pager, layout}, column, cell);
 }
 
 Value fitted(const Column_Record& column, const Value& value, Origin origin) {
     if (is_null(value)) return column.boolean() ? Value(false) : value;
-    switch (column.type) {
-    case Column_Type::boolean:
-        return fitted_as<bool>(column, value, "takes true and false");
-    case Column_Type::byte:
-    case Column_Type::integer:
-    case Column_Type::long_integer:
-        return fitted_integer(column, value);
-    case Column_Type::single_float:
-    case Column_Type::double_float:
-        return fitted_floating(column, value, origin);
-    case Column_Type::currency:
-        return fitted_as<Currency>(column, value, "takes amounts");
-    case Column_Type::date:
-        return fitted_date(column, value, origin);
-    case Column_Type::decimal:
-        return fitted_decimal(column, value);
-    case Column_Type::guid:
-        return fitted_as<Guid>(column, value, "takes GUIDs");
-    case Column_Type::text:
-    case Column_Type::memo:
-        return fitted_text(column, value, origin);
-    case Column_Type::binary:
-    case Column_Type::ole:
-        return fitted_bytes(column, value, origin);
-    default: // read as they are, and so put back
-        if (origin == Origin::restored && std::holds_alternative<Bytes>(value)) return value;
-        refuse(column, "has a type that is not written");
-    }
+    return cell_type(column.type).fit(column, value, origin);
 }
 
 Bytes encode_cell(const Column_Record& column, const Value& value) {
-    switch (column.type) {
-    case Column_Type::boolean:
-        return {};
-    case Column_Type::byte:
-        return number_bytes(static_cast<std::uint32_t>(std::get<std::int32_t>(value)), 1);
-    case Column_Type::integer:
-        return number_bytes(static_cast<std::uint32_t>(std::get<std::int32_t>(value)), 2);
-    case Column_Type::long_integer:
-        return number_bytes(static_cast<std::uint32_t>(std::get<std::int32_t>(value)), 4);
-    case Column_Type::currency:
-        return number_bytes(static_cast<std::uint64_t>(std::get<Currency>(value).ten_thousandths),
-                            8);
-    case Column_Type::single_float:
-        return number_bytes(
-            std::bit_cast<std::uint32_t>(static_cast<float>(std::get<double>(value))), 4);
-    case Column_Type::double_float:
-        return number_bytes(std::bit_cast<std::uint64_t>(std::get<double>(value)), 8);
-    case Column_Type::date:
-        return number_bytes(std::bit_cast<std::uint64_t>(std::get<Date>(value).days), 8);
-    case Column_Type::decimal:
-        return encode_decimal(std::get<Decimal>(value));
-    case Column_Type::guid: {
-        const auto& guid = std::get<Guid>(value).bytes;
-        return {guid.begin(), guid.end()};
-    }
-    case Column_Type::text:
-    case Column_Type::memo:
-        return encode_text_cell(column, std::get<std::u16string>(value));
-    default:
-        return std::get<Bytes>(value);
-    }
+    return cell_type(column.type).encode(value, column);
 }
 
 } // namespace jet

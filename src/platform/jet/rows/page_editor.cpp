@@ -1,5 +1,7 @@
 #include "platform/jet/rows/page_editor.h"
 
+#include "platform/failure/sure.h"
+
 #include <algorithm>
 #include <cstring>
 
@@ -110,6 +112,7 @@ std::optional<std::uint8_t> Page_Editor::add(std::span<const std::byte> row, Slo
 }
 
 bool Page_Editor::replace(std::size_t slot, std::span<const std::byte> row, Slot_Kind kind) {
+    SURE(slot < count());
     const auto length = end(slot) - offset(slot);
     if (row.size() > length + free_bytes()) return false;
     squeeze();
@@ -121,6 +124,7 @@ bool Page_Editor::replace(std::size_t slot, std::span<const std::byte> row, Slot
 }
 
 void Page_Editor::remove(std::size_t slot) {
+    SURE(slot < count());
     set_slot(slot, offset(slot), Slot_Kind::deleted);
     resize(slot, 0);
     note_free();

@@ -21,9 +21,9 @@ public:
     bool fits(std::size_t length) const;
     /// Puts a row into the first deleted slot, else into a new one.
     /// @return nothing when there is no room, bytes of deleted rows counted as room.
-    std::optional<std::uint8_t> add(std::span<const std::byte> row, Slot_Kind kind);
+    [[nodiscard]] std::optional<std::uint8_t> add(std::span<const std::byte> row, Slot_Kind kind);
     /// Gives a row other bytes. @return false (and nothing changed) when they do not fit.
-    bool replace(std::size_t slot, std::span<const std::byte> row, Slot_Kind kind);
+    [[nodiscard]] bool replace(std::size_t slot, std::span<const std::byte> row, Slot_Kind kind);
     void remove(std::size_t slot);
     bool empty() const; ///< all slots are deleted
 

@@ -83,7 +83,7 @@ public:
     /// Goes to a page of the table. Throws damaged when it belongs to something else.
     const Data_Page& page(Page_Number number);
     /// Goes to a row by its original slot. @return false when there is none.
-    bool find(Row_Place id);
+    [[nodiscard]] bool find(Row_Place id);
     Row_Place id() const { return id_; }
     /// Where the bytes of the row really stand.
     Row_Place place() const { return place_; }

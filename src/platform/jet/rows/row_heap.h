@@ -25,9 +25,9 @@ public:
           free_(pager, free) {}
 
     /// @param fresh on a page of its own, taken new.
-    Row_Place add(std::span<const std::byte> row, Slot_Kind kind, bool fresh = false);
+    [[nodiscard]] Row_Place add(std::span<const std::byte> row, Slot_Kind kind, bool fresh = false);
     /// @return false (and nothing changed) when the page has no room.
-    bool replace(Row_Place at, std::span<const std::byte> row, Slot_Kind kind);
+    [[nodiscard]] bool replace(Row_Place at, std::span<const std::byte> row, Slot_Kind kind);
     void remove(Row_Place at);
 
 private:

@@ -23,7 +23,7 @@ inline constexpr std::size_t longest_on_page = jet4_layout.page_size - jet4_layo
 /// @param kept the cells as they stand, for those that are not set
 /// @return whether the row has at most `longest` bytes. Throws refused for a text without a form,
 /// damaged for a column that has no place for its long values.
-bool lay_out(const Definition& definition, New_Row& row, const Raw_Cells& kept, std::size_t longest,
-             Origin origin);
+[[nodiscard]] bool lay_out(const Definition& definition, New_Row& row, const Raw_Cells& kept,
+                           std::size_t longest, Origin origin);
 
 } // namespace jet

@@ -105,8 +105,12 @@ TEST(Journal, where_nothing_may_be_written_the_old_state_is_shown) {
         const char* what;
         std::function<void(Memory_Disk&)> prepare;
         Open_Mode mode;
+        std::string opened = name;
     };
+    const auto link = [](Memory_Disk& d) { d.link(name, "second.mdb"); };
     const Case cases[] = {
+        {"a second name", link, Open_Mode::read_write},
+        {"by its second name", link, Open_Mode::read_write, "second.mdb"},
         {"asked for", [](Memory_Disk&) {}, Open_Mode::read_only},
         {"file protected", [](Memory_Disk& d) { d.protect(name); }, Open_Mode::read_write},
         {"journal protected", [](Memory_Disk& d) { d.protect(journal_name); },
@@ -116,7 +120,7 @@ TEST(Journal, where_nothing_may_be_written_the_old_state_is_shown) {
         Memory_Disk disk = killed_at(between);
         c.prepare(disk);
         const auto before = disk.bytes(name);
-        const auto pager = open_pager(disk, name, c.mode);
+        const auto pager = open_pager(disk, c.opened, c.mode);
         EXPECT_EQ(content(*pager), old_state());
         EXPECT_EQ(content(*pager), old_state());
         EXPECT_EQ(pager->report().recovery, Recovery::shown_only);
@@ -492,6 +496,12 @@ TEST(Journal, serves_all_who_may_write_the_library) {
          Blocked::folder_hidden},
         {"a second name of the library", 1000, usual,
          [](Memory_Disk& d) { d.link(name, "second.mdb"); }, Blocked::second_name},
+        {"the same in a folder that cannot be listed", 1000, usual,
+         [](Memory_Disk& d) {
+             d.link(name, "second.mdb");
+             d.hide_folder("");
+         },
+         Blocked::second_name},
         {"a short name",
          1000,
          usual,
