@@ -27,7 +27,7 @@ TEST(Statement, anything_else_is_refused_and_quoted) {
         EXPECT_THAT([&] { ado::parse(QString::fromLatin1(sql)); },
                     testing::Throws<ado::Error>(
                         testing::AllOf(testing::Field(&ado::Error::kind, ado::Failure::statement),
-                                       testing::Field(&ado::Error::subject, QLatin1String(sql)))));
+                                       testing::Field(&ado::Error::subject, sql))));
 }
 
 } // namespace
