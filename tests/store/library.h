@@ -1,12 +1,14 @@
 #pragma once
 
 #include "platform/files/memory_disk.h"
+#include "platform/jet/database.h"
 #include "store/clsDBConn.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <utility>
 #include <vector>
 
@@ -39,13 +41,22 @@ std::string trouble(store::clsDBConn& connection); ///< what was noted, in words
 /// What the checker finds wrong with a file, beyond untidiness.
 std::vector<std::string> faults(const files::Memory_Disk& disk, const std::string& path);
 
+/// Columns and indexes as other programs make them.
+jet::Column whole(const char16_t* name, bool key = false);
+jet::Column text(const char16_t* name, std::size_t length = 40);
+jet::Index key_on(const char16_t* column);
+jet::Index unique_on(const std::vector<const char16_t*>& columns);
+
 } // namespace library
 
 /// Opens samples on a disk of its own; skips the test where there are none.
 class On_Library : public testing::Test {
 protected:
+    void SetUp() override;
     void open(const std::string& sample, bool write_protected = false);
     void reopen();
+    /// What another program does to the file.
+    void in_file(const std::function<void(jet::Database&)>& act);
 
     files::Memory_Disk disk;
     store::clsDBConn db{disk};
