@@ -28,15 +28,7 @@ protected:
         return id;
     }
     bool write(int number, int value, int hi = 0, int lo = 1) {
-        CVRec rec{static_cast<std::uint8_t>(hi),
-                  static_cast<std::uint8_t>(lo),
-                  static_cast<std::int16_t>(number),
-                  static_cast<std::int16_t>(value),
-                  0,
-                  false};
-        const bool stored = db.DB_Write_CV(rec);
-        EXPECT_EQ(stored, rec.CVID != 0);
-        return stored;
+        return library::write(db, library::cv(number, value, hi, lo));
     }
     std::vector<std::string> texts(std::int32_t set) {
         std::vector<std::string> texts;
@@ -124,14 +116,10 @@ TEST_F(Editing, values_of_the_current_set_are_read_on_page_0_1) {
     db.AktCVSetID(one);
     write(980, 5);
     write(300, 6, 0, 2);
-    CVRec found{0, 1, 980, 0, 0, false};
-    EXPECT_TRUE(db.DB_Find_CV(found));
-    EXPECT_EQ(found.CVWert, 5);
-    found = {0, 1, 300, 0, 0, false};
-    EXPECT_FALSE(db.DB_Find_CV(found));
+    EXPECT_EQ(library::value(db, 980), 5);
+    EXPECT_EQ(library::value(db, 300), -1);
     db.AktCVSetID(other);
-    found = {0, 1, 980, 0, 0, false};
-    EXPECT_FALSE(db.DB_Find_CV(found));
+    EXPECT_EQ(library::value(db, 980), -1);
 }
 
 TEST_F(Editing, without_a_current_set_nothing_is_written) {

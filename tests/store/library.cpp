@@ -71,6 +71,26 @@ Shown cvs(store::clsDBConn& connection, std::int32_t set_id) {
     return list.entries;
 }
 
+store::CVRec cv(int number, int value, int hi, int lo) {
+    return {static_cast<std::uint8_t>(hi),
+            static_cast<std::uint8_t>(lo),
+            static_cast<std::int16_t>(number),
+            static_cast<std::int16_t>(value),
+            0,
+            false};
+}
+
+bool write(store::clsDBConn& connection, store::CVRec rec) {
+    const bool stored = connection.DB_Write_CV(rec);
+    EXPECT_EQ(stored, rec.CVID != 0);
+    return stored;
+}
+
+int value(store::clsDBConn& connection, int number) {
+    store::CVRec rec = cv(number, 0);
+    return connection.DB_Find_CV(rec) ? rec.CVWert : -1;
+}
+
 std::string trouble(store::clsDBConn& connection) {
     using store::Failure;
     static const std::map<Failure, std::string> kinds{

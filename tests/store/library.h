@@ -36,7 +36,10 @@ void put(files::Memory_Disk& disk, const std::string& sample, const std::string&
 
 Shown sets(store::clsDBConn& connection, std::int16_t res_cv);
 Shown cvs(store::clsDBConn& connection, std::int32_t set_id);
-std::string trouble(store::clsDBConn& connection); ///< what was noted, in words; takes it
+store::CVRec cv(int number, int value, int hi = 0, int lo = 1);
+bool write(store::clsDBConn& connection, store::CVRec rec);
+int value(store::clsDBConn& connection, int number); ///< of the current set; -1: is not there
+std::string trouble(store::clsDBConn& connection);   ///< what was noted, in words; takes it
 
 /// What the checker finds wrong with a file, beyond untidiness.
 std::vector<std::string> faults(const files::Memory_Disk& disk, const std::string& path);

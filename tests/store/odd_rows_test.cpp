@@ -118,8 +118,7 @@ TEST(A_Library, that_was_cut_off_is_never_written_to) {
         std::int16_t number = 0;
         EXPECT_EQ(db.DB_Add_CVSet(u"Neu"_s, number, 8), 0);
         db.AktCVSetID(1);
-        CVRec cv{0, 1, 1, 99, 0, false};
-        EXPECT_FALSE(db.DB_Write_CV(cv));
+        EXPECT_FALSE(library::write(db, library::cv(1, 99)));
         db.Connection_Close();
         EXPECT_TRUE(std::equal(bytes.begin(), cut, disk.bytes("a.mdb").begin()));
         EXPECT_EQ(disk.bytes("a.mdb").size(), pages * page);

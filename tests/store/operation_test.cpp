@@ -42,15 +42,8 @@ private:
 
 class Operations : public On_Library {
 protected:
-    bool write(int number, int value) {
-        CVRec rec{0, 1,    static_cast<std::int16_t>(number), static_cast<std::int16_t>(value),
-                  0, false};
-        return db.DB_Write_CV(rec);
-    }
-    int value(int number) {
-        CVRec rec{0, 1, static_cast<std::int16_t>(number), 0, 0, false};
-        return db.DB_Find_CV(rec) ? rec.CVWert : -1;
-    }
+    bool write(int number, int value) { return library::write(db, library::cv(number, value)); }
+    int value(int number) { return library::value(db, number); }
 };
 
 TEST_F(Operations, each_tells_the_rows_before_and_after) {
@@ -58,7 +51,7 @@ TEST_F(Operations, each_tells_the_rows_before_and_after) {
     Recorder recorder(db);
     db.AktCVSetID(1);
     const int before = value(29);
-    CVRec rec{0, 1, 900, 7, 0, false};
+    CVRec rec = library::cv(900, 7);
     ASSERT_TRUE(db.DB_Write_CV(rec));
     const std::string key = "CVs " + std::to_string(rec.CVID) + ": ";
     EXPECT_THAT(recorder.take(), ElementsAre("record", key + "- > 7"));
@@ -210,10 +203,8 @@ TEST_F(Operations, a_failing_disk_changes_nothing_or_everything) {
         Operation all(connection);
         connection.DB_Del_CVSet(3);
         connection.AktCVSetID(1);
-        for (std::int16_t number = 900; number < 940; ++number) {
-            CVRec rec{0, 1, number, 5, 0, false};
-            connection.DB_Write_CV(rec);
-        }
+        for (int number = 900; number < 940; ++number)
+            library::write(connection, library::cv(number, 5));
         connection.DB_Rename_CVSet(u"anders"_s, 77);
         return all.keep();
     };

@@ -53,8 +53,7 @@ protected:
         EXPECT_EQ(library::trouble(db), "no_library");
         EXPECT_EQ(db.set_name_width(), 0);
         EXPECT_EQ(library::trouble(db), "no_library");
-        CVRec rec{0, 1, 29, 6, 0, false};
-        EXPECT_FALSE(db.DB_Write_CV(rec));
+        EXPECT_FALSE(library::write(db, library::cv(29, 6)));
         EXPECT_EQ(library::trouble(db), "no_library");
     }
     std::vector<std::u16string> tables() {
@@ -194,10 +193,7 @@ TEST_F(Schema, tables_without_keys_get_the_columns_and_stay_usable) {
     EXPECT_EQ(library::sets(db, 8), (library::Shown{{"10 - Erster", 1}, {"11 - Zweiter", 2}}));
     EXPECT_EQ(db.DB_Count_Scripts(1), 0);
     db.AktCVSetID(2);
-    for (const int value : {5, 6}) {
-        CVRec rec{0, 1, 29, static_cast<std::int16_t>(value), 0, false};
-        EXPECT_TRUE(db.DB_Write_CV(rec));
-    }
+    for (const int value : {5, 6}) EXPECT_TRUE(library::write(db, library::cv(29, value)));
     EXPECT_EQ(library::cvs(db, 2), (library::Shown{{"CV#    29 = 6", 1}}));
     EXPECT_TRUE(db.DB_Del_CVSet(2));
     EXPECT_EQ(db.Get_Anz_CVSets(), 1);
@@ -251,8 +247,7 @@ TEST_F(Schema, a_set_that_rows_of_other_programs_refer_to_is_deleted_not_even_in
     }
     start();
     db.AktCVSetID(2);
-    CVRec rec{0, 1, 29, 6, 0, false};
-    ASSERT_TRUE(db.DB_Write_CV(rec));
+    ASSERT_TRUE(library::write(db, library::cv(29, 6)));
     EXPECT_FALSE(db.DB_Del_CVSet(2));
     EXPECT_EQ(library::trouble(db), "refused");
     EXPECT_EQ(library::cvs(db, 2).size(), 1U);

@@ -16,14 +16,11 @@ protected:
     }
     static bool write(clsDBConn& connection, int number, int value) {
         connection.AktCVSetID(1);
-        CVRec rec{0, 1,    static_cast<std::int16_t>(number), static_cast<std::int16_t>(value),
-                  0, false};
-        return connection.DB_Write_CV(rec);
+        return library::write(connection, library::cv(number, value));
     }
     static int value(clsDBConn& connection, int number) {
         connection.AktCVSetID(1);
-        CVRec rec{0, 1, static_cast<std::int16_t>(number), 0, 0, false};
-        return connection.DB_Find_CV(rec) ? rec.CVWert : -1;
+        return library::value(connection, number);
     }
     clsDBConn other{disk};
 };

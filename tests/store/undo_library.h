@@ -66,12 +66,7 @@ public:
     }
     store::CVRec write(std::int32_t set, int number, int value, int page = 1) {
         db_.AktCVSetID(set);
-        store::CVRec rec{0,
-                         static_cast<std::uint8_t>(page),
-                         static_cast<std::int16_t>(number),
-                         static_cast<std::int16_t>(value),
-                         0,
-                         false};
+        store::CVRec rec = library::cv(number, value, 0, page);
         EXPECT_TRUE(db_.DB_Write_CV(rec));
         return rec;
     }
