@@ -120,7 +120,8 @@ TEST(Script_Sets, are_found_by_position_and_key) {
     sets.Remove(2);
     sets.Remove(key(40));
     EXPECT_EQ(sets.Item(1)->SetID, 7);
-    for (const int gone : {-3, 40}) EXPECT_THAT([&] { sets.Remove(key(gone)); }, refuses(not_found));
+    for (const int gone : {-3, 40})
+        EXPECT_THAT([&] { sets.Remove(key(gone)); }, refuses(not_found));
     EXPECT_THAT([&] { sets.Item(2); }, refuses(not_found));
     sets.Clear();
     add(7);
