@@ -14,10 +14,10 @@ set(house_floors
     app export_msgpack scripts store sim
     link_types link_serial link_transport link_jobs
     export ui_parts ui_desktop
-    app_ui link_ui sim_ui scripts_ui ui_main)
+    app_ui ui_compare link_ui sim_ui scripts_ui ui_main)
 
 # Rooms on one floor that must not know each other.
-set(house_rooms app_ui link_ui sim_ui scripts_ui)
+set(house_rooms app_ui ui_compare link_ui sim_ui scripts_ui)
 
 # Only the standard library and what lies below; no Qt.
 set(house_without_qt platform_failure platform_files

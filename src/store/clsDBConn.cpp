@@ -143,7 +143,11 @@ void clsDBConn::Fill_Sets_in_SetObj(cls_Sets_Coll& sets) {
 }
 
 std::int16_t clsDBConn::Get_Set_Nummer(std::int32_t SetID) {
-    return parts_->file.active() ? parts_->sets.number(parts_->current(SetID)) : std::int16_t{0};
+    return to_16_bits(number_of_set(SetID));
+}
+
+std::int32_t clsDBConn::number_of_set(std::int32_t SetID) {
+    return parts_->file.active() ? parts_->sets.number(parts_->current(SetID)) : 0;
 }
 
 std::int16_t clsDBConn::Get_Set_Nummer2(std::int32_t SetID) {
@@ -211,6 +215,13 @@ CVRec clsDBConn::DB_Get_CV(std::int32_t CVID) { return parts_->cvs.get(CVID); }
 
 std::int16_t clsDBConn::DB_Open_CVs(std::int32_t SetID) {
     return to_16_bits(static_cast<std::int64_t>(parts_->cvs.open(SetID)));
+}
+
+std::vector<CVRec> clsDBConn::cvs_of(std::int32_t SetID) {
+    std::vector<CVRec> cvs(static_cast<std::size_t>(DB_Open_CVs(SetID)));
+    for (CVRec& cv : cvs) cv = DB_Next_CV();
+    DB_Close_CVs();
+    return cvs;
 }
 
 CVRec clsDBConn::DB_Next_CV() { return parts_->cvs.next(); }

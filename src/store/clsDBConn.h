@@ -104,6 +104,8 @@ public:
     void Fill_Sets_in_SetObj(cls_Sets_Coll& sets);
     /// Number of a set, a running number where it has none; 0 when there is no such set.
     std::int16_t Get_Set_Nummer(std::int32_t SetID);
+    /// The same where a file stores a number of more than 16 bits: as the list shows it.
+    std::int32_t number_of_set(std::int32_t SetID);
     /// The stored number; 0 when it is missing.
     std::int16_t Get_Set_Nummer2(std::int32_t SetID);
     std::int16_t Get_Anz_CVSets();
@@ -146,6 +148,8 @@ public:
     /// The next row of the picture; all zero after the last one and when none is open.
     CVRec DB_Next_CV();
     void DB_Close_CVs();
+    /// The CVs of a set at once. Changes no current set.
+    std::vector<CVRec> cvs_of(std::int32_t SetID);
 
     // Scripts; a position counts from 1 in AktScripts. Operations go by the keys of the script there:
     // they refuse when it belongs to another set than the current one, or is gone.

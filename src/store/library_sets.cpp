@@ -109,13 +109,13 @@ void Library_Sets::fill(List_Filler& list, std::int16_t ResCV) {
     for (const Entry& entry : listing.entries) list.add(entry.text, entry.id);
 }
 
-std::int16_t Library_Sets::number(std::int32_t SetID) {
-    std::int16_t number = 0;
+std::int32_t Library_Sets::number(std::int32_t SetID) {
+    std::int32_t number = 0;
     operation_.reading(ado::Extent::some, [&] {
         Running_Number numbers;
         visit([&](const Set_Row& row) {
             const std::int32_t visited = numbers.visit(row.Nummer);
-            if (row.SetID == SetID) number = to_16_bits(visited);
+            if (row.SetID == SetID) number = visited;
         });
     });
     return number;

@@ -43,7 +43,7 @@ public:
     void fill(List_Filler& list, std::int16_t ResCV);
     void visit(const std::function<void(const Set_Row&)>& visit); ///< in table order; throws
     std::optional<Set_Row> find(std::int32_t SetID);
-    std::int16_t number(std::int32_t SetID); ///< a running number where it has none
+    std::int32_t number(std::int32_t SetID); ///< a running number where it has none
     int count();
     std::int16_t free_number(std::int16_t ResCV);
 

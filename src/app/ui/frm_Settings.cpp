@@ -13,7 +13,7 @@ namespace app_ui {
 
 namespace {
 
-constexpr int ports_offered = 32;
+constexpr int always_offered = 32; ///< COM1 and on; further ones where they exist
 
 template <class Widget, class... Arguments>
 Widget* named(const char* name, Arguments&&... arguments) {
@@ -24,7 +24,7 @@ Widget* named(const char* name, Arguments&&... arguments) {
 
 } // namespace
 
-frm_Settings::frm_Settings(QWidget* parent, desktop::Desktop& desktop)
+frm_Settings::frm_Settings(QWidget* parent, desktop::Desktop& desktop, const Port_Access& ports)
     : QDialog(parent), desktop_(desktop), combo_com(named<QComboBox>("combo_com", this)),
       cmd_search(named<QPushButton>("cmd_search", text(Text::search), this)),
       txt_std_set_pfad(named<QLineEdit>("txt_std_set_pfad", app::globals.StdSetdir, this)),
@@ -33,20 +33,31 @@ frm_Settings::frm_Settings(QWidget* parent, desktop::Desktop& desktop)
       btn_cancel(named<QPushButton>("btn_cancel", text(Text::cancel), this)) {
     setObjectName(QStringLiteral("frm_Settings"));
     setWindowTitle(text(Text::title));
-    for (int port = 1; port <= ports_offered; ++port)
-        combo_com->addItem(QStringLiteral("COM%1").arg(port));
-    combo_com->setCurrentIndex(app::globals.comport <= ports_offered ? app::globals.comport - 1
-                                                                     : -1);
-    cmd_search->setEnabled(false);
-    cmd_search->setToolTip(text(Text::search_later));
+    for (int port = 1; port <= always_offered; ++port) offer(port);
+    for (const int port : ports.existing)
+        if (port > always_offered) offer(port);
+    show_port();
     btn_ok->setDefault(true);
     lay_out();
-    connect(combo_com, &QComboBox::currentIndexChanged, this, [](int index) {
-        if (index >= 0) app::globals.comport = static_cast<std::int16_t>(index + 1);
+    connect(combo_com, &QComboBox::currentIndexChanged, this, [this] {
+        app::globals.comport = static_cast<std::int16_t>(combo_com->currentData().toInt());
+    });
+    connect(cmd_search, &QPushButton::clicked, this, [this, search = ports.search] {
+        search(*this);
+        show_port();
     });
     connect(cmd_change_set_path, &QPushButton::clicked, this, &frm_Settings::choose_folder);
     connect(btn_ok, &QPushButton::clicked, this, &frm_Settings::keep);
     connect(btn_cancel, &QPushButton::clicked, this, &QDialog::reject);
+}
+
+void frm_Settings::offer(int port) { combo_com->addItem(QStringLiteral("COM%1").arg(port), port); }
+
+// The chosen one is offered even while its device is not plugged in.
+void frm_Settings::show_port() {
+    const int port = app::globals.comport;
+    if (combo_com->findData(port) < 0) offer(port);
+    combo_com->setCurrentIndex(combo_com->findData(port));
 }
 
 void frm_Settings::lay_out() {

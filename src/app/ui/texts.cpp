@@ -6,11 +6,10 @@ namespace app_ui {
 
 namespace {
 
-constexpr std::array<const char16_t*, 9> german = {
+constexpr std::array<const char16_t*, 8> german = {
     u"Einstellungen",
     u"Serieller Port:",
     u"Suchen",
-    u"Die Suche nach dem Programmiergerät ist noch nicht möglich.",
     u"Datenbank-Ordner:",
     u"In diesem Ordner sucht das Programm beim nächsten Start die Datenbank „CV-Sets.mdb“, wenn "
     u"die "

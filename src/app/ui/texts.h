@@ -4,7 +4,7 @@
 
 namespace app_ui {
 
-enum class Text { title, port, search, search_later, folder, folder_hint, choose, ok, cancel };
+enum class Text { title, port, search, folder, folder_hint, choose, ok, cancel };
 
 QString text(Text which);
 

@@ -31,6 +31,7 @@ constexpr Move moves[] = {
 };
 
 constexpr int small_space = 256;
+constexpr int highest_cv = 1024;
 constexpr Range of_the_decoder[] = {
     {7, 8}, {65, 65}, {250, 253}}; ///< version, maker, serial number
 
@@ -55,10 +56,15 @@ std::optional<int> moved(int cv) {
 
 bool on_first_pages(const store::CVRec& cv) { return cv.CVPageHi == 0 && cv.CVPageLo <= 3; }
 
+/// A packet would carry another number or value instead of one that no decoder has.
+bool can_be_sent(const store::CVRec& cv) {
+    return cv.CVNr >= 1 && cv.CVNr <= highest_cv && cv.CVWert >= 0 && cv.CVWert <= 255;
+}
+
 } // namespace
 
 bool is_admitted(const store::CVRec& cv, Family_Group group) {
-    if (!on_first_pages(cv) || among(of_the_decoder, cv.CVNr)) return false;
+    if (!on_first_pages(cv) || !can_be_sent(cv) || among(of_the_decoder, cv.CVNr)) return false;
     if (group != Family_Group::cv256) return true;
     if (among(small_refused, cv.CVNr)) return false;
     return cv.CVNr <= small_space || among(small_above, cv.CVNr);

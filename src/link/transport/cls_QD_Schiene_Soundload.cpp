@@ -45,7 +45,8 @@ bool cls_QD_Schiene_Soundload::Connect() {
 bool cls_QD_Schiene_Soundload::connect() {
     open_port();
     int attempts = 0;
-    if (!values_.BasuModeActive) {
+    const bool believed_on = values_.BasuModeActive;
+    if (!believed_on) {
         switch_basu_on();
         attempts = 1;
     }
@@ -59,6 +60,8 @@ bool cls_QD_Schiene_Soundload::connect() {
         if (knows) return identify();
         RtsOff();
         if (++attempts == most_attempts || !host_.SComm1.is_open()) {
+            // it may have been without power since, and have forgotten it
+            if (believed_on) values_.BasuModeActive = false;
             close_port();
             return false;
         }

@@ -37,7 +37,7 @@ void Link_Center::start(Job job) {
 void Link_Center::begin() {
     take_globals(values_);
     const std::unique_ptr<serial::SComm> names = ports_.make_control();
-    link_serial::cls_comm comm(*names, values_, [this] { show_ports(); });
+    link_serial::cls_comm comm(*names, values_, [this] { show_ports(window_); });
     comm.transport(job_->susi ? 2 : 1);
     comm.SelectPort();
     give_globals(values_);
@@ -119,10 +119,19 @@ void Link_Center::show_log() {
     log_window_->activateWindow();
 }
 
-void Link_Center::show_ports() {
+std::vector<int> Link_Center::existing_ports() const {
+    const std::unique_ptr<serial::SComm> names = ports_.make_control();
+    names->look_for_ports();
+    std::vector<int> found;
+    for (int port = 1; port <= serial::highest_port; ++port)
+        if (!names->device_name(port).isEmpty()) found.push_back(port);
+    return found;
+}
+
+void Link_Center::show_ports(QWidget& above) {
     if (state_.runs()) return;
     take_globals(values_);
-    frm_comm(&window_, desktop_, ports_, values_, log_).exec();
+    frm_comm(&above, desktop_, ports_, values_, log_).exec();
     give_globals(values_);
 }
 

@@ -44,8 +44,9 @@ public:
     void start(Job job);
     void show_log();
     QDateTime date() const { return ports_.time.date(); }
-    /// The ports, to choose one. While a job runs there is nothing to choose.
-    void show_ports();
+    /// The ports, to choose one, above a window. While a job runs there is nothing to choose.
+    void show_ports(QWidget& above);
+    std::vector<int> existing_ports() const;
     /// Whether the last job may be repeated can have changed.
     void look_at_repeat();
 

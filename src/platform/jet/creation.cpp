@@ -21,13 +21,19 @@ namespace {
 
 using T = Column_Type;
 
-/// In these four tables all columns bear flag 0x10, and their records stand in the order of the
-/// names. They are listed here in the order of their numbers.
+/// The records of these columns stand in the order of the names. They are listed here in the order of their numbers.
 struct System_Column {
     std::u16string_view name;
     T type;
-    std::uint8_t flags = 0x12;
+    std::uint8_t flags = column_flags::updatable | column_flags::system;
 };
+constexpr std::uint8_t of_a_sid =
+    column_flags::updatable | column_flags::system | column_flags::sid;
+
+constexpr std::uint8_t plain = index_flags::always;
+constexpr std::uint8_t unique = plain | index_flags::unique;
+constexpr std::uint8_t nullable = plain | index_flags::ignores_nulls;
+constexpr std::uint8_t required = plain | index_flags::required;
 
 struct System_Index {
     std::u16string_view name;
@@ -58,27 +64,34 @@ constexpr Page_Number first_data_page = 14;
 constexpr std::size_t map_rows = 31;
 constexpr std::size_t map_size = 69;
 
-constexpr std::array objects_columns{
-    System_Column{u"Id", T::long_integer},    System_Column{u"ParentId", T::long_integer},
-    System_Column{u"Name", T::text},          System_Column{u"Type", T::integer},
-    System_Column{u"DateCreate", T::date},    System_Column{u"DateUpdate", T::date},
-    System_Column{u"Owner", T::binary, 0x32}, System_Column{u"Flags", T::long_integer},
-    System_Column{u"Database", T::memo},      System_Column{u"Connect", T::memo},
-    System_Column{u"ForeignName", T::text},   System_Column{u"RmtInfoShort", T::binary},
-    System_Column{u"RmtInfoLong", T::ole},    System_Column{u"Lv", T::ole},
-    System_Column{u"LvProp", T::ole},         System_Column{u"LvModule", T::ole},
-    System_Column{u"LvExtra", T::ole}};
+constexpr std::array objects_columns{System_Column{u"Id", T::long_integer},
+                                     System_Column{u"ParentId", T::long_integer},
+                                     System_Column{u"Name", T::text},
+                                     System_Column{u"Type", T::integer},
+                                     System_Column{u"DateCreate", T::date},
+                                     System_Column{u"DateUpdate", T::date},
+                                     System_Column{u"Owner", T::binary, of_a_sid},
+                                     System_Column{u"Flags", T::long_integer},
+                                     System_Column{u"Database", T::memo},
+                                     System_Column{u"Connect", T::memo},
+                                     System_Column{u"ForeignName", T::text},
+                                     System_Column{u"RmtInfoShort", T::binary},
+                                     System_Column{u"RmtInfoLong", T::ole},
+                                     System_Column{u"Lv", T::ole},
+                                     System_Column{u"LvProp", T::ole},
+                                     System_Column{u"LvModule", T::ole},
+                                     System_Column{u"LvExtra", T::ole}};
 constexpr std::array objects_indexes{
-    System_Index{u"ParentIdName", {1, 2}, 2, 0x81, 0x10, 7},
-    System_Index{u"Id", {0}, 1, 0x81, 0x11, 8, Index_Kind::primary}};
+    System_Index{u"ParentIdName", {1, 2}, 2, unique, 0x10, 7},
+    System_Index{u"Id", {0}, 1, unique, 0x11, 8, Index_Kind::primary}};
 constexpr std::array objects_maps{
     System_Maps{9, 0x04},  System_Maps{8, 0x02},  System_Maps{13, 0x08}, System_Maps{16, 0x0E},
     System_Maps{15, 0x0C}, System_Maps{14, 0x0A}, System_Maps{12, 0x06}};
 
 constexpr std::array rights_columns{
-    System_Column{u"ObjectId", T::long_integer}, System_Column{u"SID", T::binary, 0x32},
+    System_Column{u"ObjectId", T::long_integer}, System_Column{u"SID", T::binary, of_a_sid},
     System_Column{u"ACM", T::long_integer}, System_Column{u"FInheritable", T::boolean}};
-constexpr std::array rights_indexes{System_Index{u"ObjectId", {0}, 1, 0x88, 0x14, 9}};
+constexpr std::array rights_indexes{System_Index{u"ObjectId", {0}, 1, required, 0x14, 9}};
 
 constexpr std::array queries_columns{System_Column{u"ObjectId", T::long_integer},
                                      System_Column{u"Attribute", T::byte},
@@ -89,7 +102,7 @@ constexpr std::array queries_columns{System_Column{u"ObjectId", T::long_integer}
                                      System_Column{u"Flag", T::integer},
                                      System_Column{u"LvExtra", T::long_integer}};
 constexpr std::array queries_indexes{
-    System_Index{u"ObjectIdAttribute", {0, 1, 2}, 3, 0x81, 0x19, 10, Index_Kind::primary}};
+    System_Index{u"ObjectIdAttribute", {0, 1, 2}, 3, unique, 0x19, 10, Index_Kind::primary}};
 constexpr std::array queries_maps{System_Maps{5, 0x17}};
 
 constexpr std::array relations_columns{
@@ -97,9 +110,10 @@ constexpr std::array relations_columns{
     System_Column{u"ccolumn", T::long_integer},    System_Column{u"icolumn", T::long_integer},
     System_Column{u"szObject", T::text},           System_Column{u"szColumn", T::text},
     System_Column{u"szReferencedObject", T::text}, System_Column{u"szReferencedColumn", T::text}};
-constexpr std::array relations_indexes{System_Index{u"szRelationship", {0}, 1, 0x82, 0x1C, 11},
-                                       System_Index{u"szObject", {4}, 1, 0x82, 0x1D, 12},
-                                       System_Index{u"szReferencedObject", {6}, 1, 0x82, 0x1E, 13}};
+constexpr std::array relations_indexes{
+    System_Index{u"szRelationship", {0}, 1, nullable, 0x1C, 11},
+    System_Index{u"szObject", {4}, 1, nullable, 0x1D, 12},
+    System_Index{u"szReferencedObject", {6}, 1, nullable, 0x1E, 13}};
 
 constexpr std::array system_tables{
     System_Table{2, 0x00, objects_columns, objects_indexes, objects_maps},
@@ -154,8 +168,8 @@ Definition system_definition(const System_Table& table) {
 template <typename Fill>
 Page_Bytes map_page(std::uint32_t owner, std::size_t rows, Fill fill) {
     Page_Bytes page(jet4_layout.page_size);
-    store_u16(page.data(), 0x0101);
-    store_u32(page.data() + 4, owner);
+    store_u16(page.data(), page_kinds::data);
+    store_u32(page.data() + page_owner, owner);
     store_u16(page.data() + jet4_layout.slot_count, rows);
     for (std::size_t row = 0; row < rows; ++row) {
         const auto at = page.size() - map_size * (row + 1);
@@ -163,15 +177,15 @@ Page_Bytes map_page(std::uint32_t owner, std::size_t rows, Fill fill) {
         fill(row, std::span(page).subspan(at + 5, map_size - 5));
     }
     const auto lowest = page.size() - map_size * rows;
-    store_u16(page.data() + 2, lowest - jet4_layout.slots - 2 * rows);
+    store_u16(page.data() + page_free, lowest - jet4_layout.slots - 2 * rows);
     return page;
 }
 
 Page_Bytes empty_leaf(Page_Number table) {
     Page_Bytes page(jet4_layout.page_size);
-    store_u16(page.data(), 0x0104);
-    store_u16(page.data() + 2, 3616);
-    store_u32(page.data() + 4, table);
+    store_u16(page.data(), page_kinds::index_leaf);
+    store_u16(page.data() + page_free, index_entry_room);
+    store_u32(page.data() + page_owner, table);
     return page;
 }
 
@@ -193,7 +207,7 @@ std::vector<Page_Bytes> skeleton() {
         const auto joined = join_definition(system_definition(table));
         auto& page = pages[table.page];
         page = joined;
-        store_u16(page.data() + 2, jet4_layout.page_size - joined.size() - 8);
+        store_u16(page.data() + page_free, jet4_layout.page_size - joined.size() - 8);
         page.resize(jet4_layout.page_size);
         for (const auto& index : table.indexes) {
             pages[index.root] = empty_leaf(table.page);
@@ -207,9 +221,32 @@ std::vector<Page_Bytes> skeleton() {
     return pages;
 }
 
-Bytes sid(unsigned first, unsigned second) {
-    return {static_cast<std::byte>(first), static_cast<std::byte>(second)};
+using Sid = std::array<std::byte, 2>;
+
+/// Users as a file names them: two bytes that differ from file to file, and these differences.
+constexpr Sid sid(unsigned first, unsigned second) {
+    return {std::byte(0x65 ^ first), std::byte(0x8B ^ second)};
 }
+constexpr Sid users = sid(0, 0);      ///< everybody
+constexpr Sid admin = sid(1, 0);      ///< whom everything belongs to that a user creates
+constexpr Sid the_engine = sid(0, 2); ///< whom the system tables belong to
+constexpr Sid creator = sid(0, 5);    ///< in inherited rights: whoever creates the object
+
+Bytes bytes_of(const Sid& sid) { return {sid.begin(), sid.end()}; }
+
+/// Rights that new files of the format give, as they were found in them; the format is silent on
+/// what the bits say each.
+namespace rights {
+constexpr std::int32_t all = 0xFFFFF;
+constexpr std::int32_t all_but_one = 0xFFEFF; ///< on tables
+constexpr std::int32_t creators = 0xF00FE;
+constexpr std::int32_t administer = 0x60000; ///< change and hand on rights
+constexpr std::int32_t administer_relations = 0xE0000;
+constexpr std::int32_t administer_container = 0x60001;
+constexpr std::int32_t open_database = 0xE;
+constexpr std::int32_t administer_database = administer | open_database;
+constexpr std::int32_t read = 0x14;
+} // namespace rights
 
 /// Rows of one system table, written as a statement would.
 class System_Rows {
@@ -241,66 +278,61 @@ private:
 };
 
 void add_objects(Pager& pager, Date date) {
-    const auto engine = sid(0x65, 0x89);
-    const auto admin = sid(0x64, 0x8B);
     struct Entry {
         std::int32_t id, parent;
         const char16_t* name;
         Object_Type type;
-        const Bytes& owner;
+        Sid owner;
     };
     using enum Object_Type;
     System_Rows rows(pager, 2);
     for (const auto& entry : std::initializer_list<Entry>{
-             {object_ids::tables, object_ids::root, u"Tables", container, engine},
-             {object_ids::databases, object_ids::root, u"Databases", container, engine},
-             {object_ids::relations, object_ids::root, u"Relationships", container, engine},
+             {object_ids::tables, object_ids::root, u"Tables", container, the_engine},
+             {object_ids::databases, object_ids::root, u"Databases", container, the_engine},
+             {object_ids::relations, object_ids::root, u"Relationships", container, the_engine},
              {object_ids::database, object_ids::databases, u"MSysDb", database, admin},
-             {2, object_ids::tables, u"MSysObjects", table, engine},
-             {3, object_ids::tables, u"MSysACEs", table, engine},
-             {4, object_ids::tables, u"MSysQueries", table, engine},
-             {5, object_ids::tables, u"MSysRelationships", table, engine}})
+             {2, object_ids::tables, u"MSysObjects", table, the_engine},
+             {3, object_ids::tables, u"MSysACEs", table, the_engine},
+             {4, object_ids::tables, u"MSysQueries", table, the_engine},
+             {5, object_ids::tables, u"MSysRelationships", table, the_engine}})
         rows.add({{u"Id", entry.id},
                   {u"ParentId", entry.parent},
                   {u"Name", std::u16string(entry.name)},
                   {u"Type", static_cast<std::int32_t>(entry.type)},
                   {u"DateCreate", date},
                   {u"DateUpdate", date},
-                  {u"Owner", entry.owner},
+                  {u"Owner", bytes_of(entry.owner)},
                   {u"Flags", std::numeric_limits<std::int32_t>::min()}});
 }
 
 void add_rights(Pager& pager) {
-    const auto admin = sid(0x64, 0x8B);
-    const auto users = sid(0x65, 0x8B);
-    const auto creator = sid(0x65, 0x8E);
     struct Entry {
         std::int32_t object;
-        const Bytes& sid;
-        std::int32_t rights;
+        Sid sid;
+        std::int32_t granted;
         bool inheritable = false;
     };
     System_Rows rows(pager, 3);
     for (const auto& entry :
-         std::initializer_list<Entry>{{2, admin, 0x60000},
-                                      {3, admin, 0x60000},
-                                      {4, admin, 0x60000},
-                                      {5, admin, 0xE0000},
-                                      {object_ids::tables, creator, 0xF00FE, true},
-                                      {object_ids::tables, admin, 0x60001},
-                                      {object_ids::relations, creator, 0xF00FE, true},
-                                      {object_ids::relations, admin, 0x60001},
-                                      {object_ids::databases, admin, 0x60000},
-                                      {object_ids::database, admin, 0x6000E},
-                                      {object_ids::database, users, 0xE},
-                                      {4, users, 0x14},
-                                      {5, users, 0x14},
-                                      {2, users, 0x14},
-                                      {object_ids::tables, users, 0xFFEFF, true},
-                                      {object_ids::relations, users, 0xFFFFF, true}})
+         std::initializer_list<Entry>{{2, admin, rights::administer},
+                                      {3, admin, rights::administer},
+                                      {4, admin, rights::administer},
+                                      {5, admin, rights::administer_relations},
+                                      {object_ids::tables, creator, rights::creators, true},
+                                      {object_ids::tables, admin, rights::administer_container},
+                                      {object_ids::relations, creator, rights::creators, true},
+                                      {object_ids::relations, admin, rights::administer_container},
+                                      {object_ids::databases, admin, rights::administer},
+                                      {object_ids::database, admin, rights::administer_database},
+                                      {object_ids::database, users, rights::open_database},
+                                      {4, users, rights::read},
+                                      {5, users, rights::read},
+                                      {2, users, rights::read},
+                                      {object_ids::tables, users, rights::all_but_one, true},
+                                      {object_ids::relations, users, rights::all, true}})
         rows.add({{u"ObjectId", entry.object},
-                  {u"SID", entry.sid},
-                  {u"ACM", entry.rights},
+                  {u"SID", bytes_of(entry.sid)},
+                  {u"ACM", entry.granted},
                   {u"FInheritable", entry.inheritable}});
 }
 

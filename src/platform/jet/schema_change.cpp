@@ -77,7 +77,7 @@ void New_Table::add_columns(Definition& definition, Page_Space& space) {
 
 void New_Table::add_index(Definition& definition, Page_Space& space, const Index& index) {
     const auto parts = parts_of(definition, index);
-    const auto flags = index_flags(index);
+    const auto flags = flags_of(index);
     auto real = real_with(definition, parts, flags);
     if (!real) real = add_tree(engine_.pager(), space, definition, parts, flags, {});
     insert_logical(definition, index.name, *real,
@@ -155,7 +155,7 @@ New_Index::New_Index(Engine& engine, Page_Number table, const Index& index)
     check_catalogue(engine);
     check_new_index(state.columns, state.indexes, index);
     const auto parts = parts_of(*state.definition, index);
-    const auto flags = index_flags(index);
+    const auto flags = flags_of(index);
     entries_ =
         entries_of(engine, state, parts, shape_of(*state.definition, parts, flags), index.name);
 }
@@ -166,7 +166,7 @@ void New_Index::apply() {
     const auto object = engine_.table(table_).object;
     auto definition = read_definition(pager, jet4_layout, table_);
     const auto parts = parts_of(definition, index_);
-    const auto flags = index_flags(index_);
+    const auto flags = flags_of(index_);
     auto real = real_with(definition, parts, flags);
     if (!real) real = add_tree(pager, space, definition, parts, flags, std::move(entries_));
     insert_logical(definition, index_.name, *real,

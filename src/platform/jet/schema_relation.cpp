@@ -99,7 +99,7 @@ void New_Relation::check_rows(const Table_State& table, const Table_State& forei
     const auto& shape = table.shapes[real];
     Table_Writer keys(engine_.pager(), engine_.hints(), table);
     const auto tree = keys.tree(real);
-    const auto own = shape_of(*foreign.definition, foreign_columns_, 0x80);
+    const auto own = shape_of(*foreign.definition, foreign_columns_, index_flags::always);
     if (!can_compute(shape) || !can_compute(own))
         refuse(relation_.name, "the keys of its columns cannot be computed");
     for_each_row(engine_.pager(), *foreign.definition, [&](Row_Source& source) {
@@ -116,10 +116,11 @@ void New_Relation::check_rows(const Table_State& table, const Table_State& forei
 void New_Relation::add_indexes() {
     auto& pager = engine_.pager();
     Page_Space space(pager);
-    const auto flags = std::uint8_t{0x80};
     auto foreign = read_definition(pager, jet4_layout, foreign_table_);
     auto real = tree_over(foreign, foreign_columns_);
-    if (!real) real = add_tree(pager, space, foreign, foreign_columns_, flags, std::move(entries_));
+    if (!real)
+        real = add_tree(pager, space, foreign, foreign_columns_, index_flags::always,
+                        std::move(entries_));
     one_to_one_ = foreign.reals[*real].unique();
     const auto referring = insert_logical(foreign, relation_.name, *real, Index_Kind::relation);
     const bool itself = table_ == foreign_table_;

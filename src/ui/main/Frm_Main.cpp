@@ -4,6 +4,7 @@
 #include "app/text_table.h"
 #include "app/ui/frm_Settings.h"
 #include "ui/main/clipboard_commands.h"
+#include "ui/main/compare_commands.h"
 #include "ui/main/cv_panel.h"
 #include "ui/main/export_commands.h"
 #include "ui/main/file_commands.h"
@@ -41,7 +42,8 @@ struct Frm_Main::Inside {
           at{window, window.desktop_, window.disk_, window.database_, *window.form_,
              menus,  messages,        view,         copies,           window.gate_},
           files(at), exports(at), sets(at), clipboard(at, cv_panel), history(at, files),
-          center(window, window.desktop_, window.ports_, window.job_), link(at, center) {}
+          compare(at), center(window, window.desktop_, window.ports_, window.job_),
+          link(at, center) {}
 
     Menus menus;
     Kept_Copies copies;
@@ -54,6 +56,7 @@ struct Frm_Main::Inside {
     Set_Commands sets;
     Clipboard_Commands clipboard;
     History_Commands history;
+    Compare_Commands compare;
     link_ui::Link_Center center;
     Link_Commands link;
 };
@@ -96,12 +99,17 @@ void Frm_Main::build_foot() {
 void Frm_Main::bring_program_commands() {
     Messages& messages = inside_->messages;
     inside_->menus.bring({
-        {.name = "mnu_einstellungen",
-         .run = messages.command([this] { app_ui::frm_Settings(this, desktop_).exec(); })},
+        {.name = "mnu_einstellungen", .run = messages.command([this] { show_settings(); })},
         {.name = "mnu_datei_beenden",
          .run = messages.command([this] { end_program(); }),
          .during_job = true},
     });
+}
+
+void Frm_Main::show_settings() {
+    link_ui::Link_Center& center = inside_->center;
+    const auto search = [&center](QWidget& window) { center.show_ports(window); };
+    app_ui::frm_Settings(this, desktop_, {center.existing_ports(), search}).exec();
 }
 
 void Frm_Main::wire() {

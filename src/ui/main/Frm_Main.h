@@ -67,6 +67,7 @@ private:
 
     void build_foot();
     void bring_program_commands();
+    void show_settings();
     void wire();
     void show_title();
     void meet(const store::Trouble& trouble);

@@ -22,9 +22,9 @@ using End = Outcome::End;
 
 constexpr int milliseconds_for_writing = 100; ///< a CV, about
 
-/// The first sentence, then the second if there is one.
+/// Both sentences, of which either may be missing.
 QString joined(const QString& first, const QString& second) {
-    return second.isEmpty() ? first : first + u' ' + second;
+    return first.isEmpty() || second.isEmpty() ? first + second : first + u' ' + second;
 }
 
 } // namespace
@@ -60,9 +60,7 @@ bool Link_Commands::expect_set() {
 }
 
 std::optional<std::vector<store::CVRec>> Link_Commands::cvs_of(std::int32_t SetID) {
-    std::vector<store::CVRec> cvs(static_cast<std::size_t>(at_.database.DB_Open_CVs(SetID)));
-    for (store::CVRec& cv : cvs) cv = at_.database.DB_Next_CV();
-    at_.database.DB_Close_CVs();
+    std::vector<store::CVRec> cvs = at_.database.cvs_of(SetID);
     if (at_.messages.say_trouble() || at_.view.leave_gone_set()) return std::nullopt;
     return cvs;
 }
@@ -85,11 +83,13 @@ void Link_Commands::load_set(bool susi) {
     if (!expect_set()) return;
     link_ui::Job job = job_on_set(Job_Mode::write_set, susi);
     job.caption = QStringLiteral("CV-Set schreiben");
-    job.done = [this, set = job.what](const Outcome& outcome) { return set_loaded(set, outcome); };
+    job.done = [this, set = job.what, susi](const Outcome& outcome) {
+        return set_loaded(set, susi, outcome);
+    };
     center_.start(std::move(job));
 }
 
-QString Link_Commands::set_loaded(const QString& set, const Outcome& outcome) {
+QString Link_Commands::set_loaded(const QString& set, bool susi, const Outcome& outcome) {
     if (outcome.end == End::done) {
         const QString done =
             QStringLiteral("CV-Set „%1“ in „%2“ geladen.").arg(set, outcome.values.decoder.name);
@@ -101,8 +101,9 @@ QString Link_Commands::set_loaded(const QString& set, const Outcome& outcome) {
         why += QStringLiteral(" Der Decoder enthält „%1“ vielleicht nur zum Teil.").arg(set);
     at_.messages.say_and_log(why, QString());
     if (outcome.end == End::unsupported)
-        why +=
-            QStringLiteral(" Menü „Extras“, „Alle CVs in Decoder schreiben“ schreibt sie einzeln.");
+        why += (susi ? QStringLiteral(" Menü „Extras“, „Über SUSI“, „Alle CVs schreiben“")
+                     : QStringLiteral(" Menü „Extras“, „Alle CVs in Decoder schreiben“")) +
+               QStringLiteral(" schreibt sie einzeln.");
     return why;
 }
 

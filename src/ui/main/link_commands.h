@@ -23,7 +23,7 @@ private:
     std::optional<std::vector<store::CVRec>> cvs_of(std::int32_t SetID);
     /// Whether a set is chosen that can be written into a decoder as a whole; says why not.
     bool expect_set();
-    QString set_loaded(const QString& set, const link_jobs::Outcome& outcome);
+    QString set_loaded(const QString& set, bool susi, const link_jobs::Outcome& outcome);
     QString all_written(const QString& set, const link_jobs::Outcome& outcome);
     QString all_read(const link_jobs::Outcome& outcome);
     bool store_read(const link_jobs::Outcome& outcome, const QString& name);

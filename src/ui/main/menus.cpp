@@ -67,6 +67,8 @@ constexpr Menu_Row menu_rows[] = {
     {"mnu_susi", "mnu_susi_lesen", u"Alle CVs &lesen"},
     {"mnu_susi", "mnu_susi_schreiben", u"Alle CVs s&chreiben"},
     {"mnu_extras", "mnu_protokoll", u"&Protokoll der Übertragung"},
+    {"mnu_extras", "nix5", u"", Kind::separator},
+    {"mnu_extras", "mnu_vergleichen", u"CV-Sets &vergleichen"},
 };
 
 bool is_menu(const Menu_Row& entry) {

@@ -25,13 +25,6 @@ Set_Commands::Set_Commands(const Surroundings& at) : at_(at) {
     connect(sets, &QListView::doubleClicked, this, run(&Set_Commands::rename_set));
 }
 
-// Get_Set_Nummer tells 16 bits; the list shows what is stored.
-int Set_Commands::stored_number(std::int32_t SetID) {
-    const std::int16_t told = at_.database.Get_Set_Nummer(SetID);
-    const int listed = ui_parts::leading_number(at_.view.shown_set());
-    return store::to_16_bits(listed) == told ? listed : told;
-}
-
 // A cut name is the user's text changed: that is said where he looks next, too.
 QString Set_Commands::with_cut(const QString& sentence, const frm_get_2_string& dialog) const {
     if (!dialog.name_was_cut()) return sentence;
@@ -75,7 +68,7 @@ void Set_Commands::rename_set() {
     frm_get_2_string dialog(&at_.window, name_width);
     const QString shown = at_.view.shown_set();
     const QString name = at_.database.Get_Set_Name(SetID);
-    const int number = stored_number(SetID);
+    const std::int32_t number = at_.database.number_of_set(SetID);
     dialog.set_texts(text(Text::rename_set), name, number);
     const Two_Strings given = dialog.Get_2_Strings();
     if (given.first.isEmpty()) return;

@@ -23,7 +23,6 @@ private:
     void delete_set_at_once();
     void delete_shown_set(std::int32_t SetID, const QString& shown);
     QString with_cut(const QString& sentence, const frm_get_2_string& dialog) const;
-    int stored_number(std::int32_t SetID); ///< of the selected set
 
     Surroundings at_;
 };

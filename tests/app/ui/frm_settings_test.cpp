@@ -11,7 +11,7 @@ namespace {
 struct Settings_Window : testing::Test {
     ~Settings_Window() override { app::reset_globals(); }
     void open() {
-        window = std::make_unique<app_ui::frm_Settings>(nullptr, desktop);
+        window = std::make_unique<app_ui::frm_Settings>(nullptr, desktop, access);
         window->show();
         folder = window->findChild<QLineEdit*>(QStringLiteral("txt_std_set_pfad"));
         ports = window->findChild<QComboBox*>(QStringLiteral("combo_com"));
@@ -21,26 +21,33 @@ struct Settings_Window : testing::Test {
     }
 
     support::Scripted_Desktop desktop;
+    app_ui::Port_Access access{{3, 33, 64}, [](QWidget&) { app::globals.comport = 50; }};
     std::unique_ptr<app_ui::frm_Settings> window;
     QLineEdit* folder = nullptr;
     QComboBox* ports = nullptr;
 };
 
-TEST_F(Settings_Window, a_port_counts_at_once_and_one_beyond_the_list_stays) {
-    app::globals.comport = 31;
+TEST_F(Settings_Window, a_port_counts_at_once_and_survives_cancel) {
+    app::globals.comport = 7;
     open();
-    EXPECT_EQ(ports->currentText(), QStringLiteral("COM31"));
+    ASSERT_EQ(ports->count(), 34); // and those above that exist
+    EXPECT_EQ(ports->currentText(), QStringLiteral("COM7"));
     QTest::keyClick(ports, Qt::Key_Down);
-    QTest::keyClick(ports, Qt::Key_Down); // there is no further one
-    EXPECT_EQ(app::globals.comport, 32);
+    EXPECT_EQ(app::globals.comport, 8);
     click("btn_cancel");
-    for (const auto port : {std::int16_t{32}, std::int16_t{40}}) {
-        app::globals.comport = port;
-        open();
-        EXPECT_EQ(ports->currentIndex(), port == 32 ? 31 : -1);
-        click("btn_ok");
-        EXPECT_EQ(app::globals.comport, port);
-    }
+    EXPECT_EQ(app::globals.comport, 8);
+}
+
+TEST_F(Settings_Window, a_port_beyond_the_list_is_offered_and_a_search_may_choose_one) {
+    app::globals.comport = 40;
+    open();
+    EXPECT_EQ(ports->currentText(), QStringLiteral("COM40"));
+    ports->setCurrentText(QStringLiteral("COM64"));
+    EXPECT_EQ(app::globals.comport, 64);
+    click("cmd_search");
+    EXPECT_EQ(ports->currentText(), QStringLiteral("COM50"));
+    click("btn_ok");
+    EXPECT_EQ(app::globals.comport, 50);
 }
 
 TEST_F(Settings_Window, the_folder_changes_only_with_ok_and_gets_its_separator) {

@@ -38,7 +38,7 @@ std::uint32_t stored_extra(const Column& column) {
 void encode_column(Column_Record& column) {
     auto& record = column.record;
     record.assign(jet4_layout.column_record, std::byte{0});
-    const bool system = (column.flags & 0x10U) != 0;
+    const bool system = (column.flags & column_flags::system) != 0;
     record[0] = static_cast<std::byte>(column.type);
     store_u32(record.data() + 1, record_mark);
     store_u16(record.data() + 5, column.number);
@@ -89,7 +89,7 @@ Definition new_definition(Page_Number page, bool system) {
     definition.chain = {page};
     definition.head.assign(jet4_layout.blocks, std::byte{0});
     auto* head = definition.head.data();
-    store_u16(head, 0x0102);
+    store_u16(head, page_kinds::definition);
     store_u32(head + 0x0C, record_mark);
     store_u32(head + 0x18, 1);
     head[jet4_layout.type] = std::byte{system ? system_table : user_table};
@@ -109,7 +109,8 @@ Column_Record& append_column(Definition& definition, const Column& column, std::
     record.flags = flags;
     record.more_flags = column.compressed ? 1 : 0;
     if (fixed_type(column.type)) {
-        record.flags |= column.auto_number ? 5U : 1U;
+        record.flags |= column.auto_number ? column_flags::fixed | column_flags::auto_number
+                                           : column_flags::fixed;
     } else {
         ++definition.variable_slots;
         if (record.slot == 0) definition.first_variable = record.number;
@@ -174,11 +175,11 @@ void set_relation(Definition& definition, std::uint32_t number, const Relation_E
     encode_logical(index);
 }
 
-std::uint8_t index_flags(const Index& index) {
-    unsigned flags = 0x80;
-    if (index.unique || index.primary) flags |= 0x01U;
-    if (index.ignore_nulls) flags |= 0x02U;
-    if (index.required || index.primary) flags |= 0x08U;
+std::uint8_t flags_of(const Index& index) {
+    unsigned flags = index_flags::always;
+    if (index.unique || index.primary) flags |= index_flags::unique;
+    if (index.ignore_nulls) flags |= index_flags::ignores_nulls;
+    if (index.required || index.primary) flags |= index_flags::required;
     return static_cast<std::uint8_t>(flags);
 }
 
@@ -200,7 +201,7 @@ void write_definition(Pager& pager, Page_Space& space, const Definition& definit
                     page.begin() + static_cast<std::ptrdiff_t>(head));
         at += size;
         const auto used = head + size;
-        store_u16(page.data(), 0x0102);
+        store_u16(page.data(), page_kinds::definition);
         store_u16(page.data() + 2, used + definition_page_head < page_size
                                        ? page_size - used - definition_page_head
                                        : 0);

@@ -12,9 +12,9 @@ namespace jet {
 Definition new_definition(Page_Number page, bool system);
 
 /// Adds a column with the next number. Memo and OLE columns still need their maps.
-/// @param flags beside those for fixed length and autonumber: 0x02 in user tables.
+/// @param flags beside those for fixed length and autonumber.
 Column_Record& append_column(Definition& definition, const Column& column,
-                             std::uint8_t flags = 0x02);
+                             std::uint8_t flags = column_flags::updatable);
 
 /// Adds the record of a tree. @return its number.
 std::uint32_t append_real(Definition& definition, std::vector<Index_Part> columns,
@@ -38,8 +38,8 @@ void set_relation(Definition& definition, std::uint32_t number, const Relation_E
 /// The number that the next logical index gets.
 std::uint32_t next_logical(const Definition& definition);
 
-/// Flags of a tree; 0x80 is set in all of them.
-std::uint8_t index_flags(const Index& index);
+/// Flags of a tree.
+std::uint8_t flags_of(const Index& index);
 
 /// Writes the definition to its chain, which grows as needed. The first page stays where it is.
 void write_definition(Pager& pager, Page_Space& space, const Definition& definition);

@@ -34,9 +34,13 @@ struct Column_Record {
     std::uint8_t flags = 0;
     std::uint8_t more_flags = 0;
 
-    bool fixed() const { return (flags & 1U) != 0; }
-    bool auto_number() const { return type == Column_Type::long_integer && (flags & 4U) != 0; }
-    bool auto_guid() const { return type == Column_Type::guid && (flags & 0x40U) != 0; }
+    bool fixed() const { return (flags & column_flags::fixed) != 0; }
+    bool auto_number() const {
+        return type == Column_Type::long_integer && (flags & column_flags::auto_number) != 0;
+    }
+    bool auto_guid() const {
+        return type == Column_Type::guid && (flags & column_flags::auto_guid) != 0;
+    }
     bool compressed() const { return (more_flags & 1U) != 0; }
     bool long_value() const { return type == Column_Type::memo || type == Column_Type::ole; }
     bool boolean() const { return type == Column_Type::boolean; }
@@ -58,9 +62,9 @@ struct Real_Index {
     Page_Number root = 0;
     std::uint8_t flags = 0;
 
-    bool unique() const { return (flags & 1U) != 0; }
-    bool ignores_nulls() const { return (flags & 2U) != 0; }
-    bool required() const { return (flags & 8U) != 0; }
+    bool unique() const { return (flags & index_flags::unique) != 0; }
+    bool ignores_nulls() const { return (flags & index_flags::ignores_nulls) != 0; }
+    bool required() const { return (flags & index_flags::required) != 0; }
 };
 
 enum class Index_Kind : std::uint8_t { other = 0, primary = 1, relation = 2 };

@@ -8,6 +8,37 @@ namespace jet {
 /// Code of the sort order that new files have: General, as of Access 2000 to 2007.
 inline constexpr std::uint32_t general_collation = 0x0409;
 
+/// First word of a page: the kind in the low byte, the high byte is 1 in all of them.
+namespace page_kinds {
+inline constexpr std::uint16_t data = 0x0101;
+inline constexpr std::uint16_t definition = 0x0102;
+inline constexpr std::uint16_t index_leaf = 0x0104;
+} // namespace page_kinds
+
+/// Offsets of what data, definition and index pages have in common.
+inline constexpr std::size_t page_free = 2;  ///< u16, unused bytes
+inline constexpr std::size_t page_owner = 4; ///< u32, page of the table's definition
+/// Bytes for entries on a page of an index, behind header and mask.
+inline constexpr std::size_t index_entry_room = 3616;
+
+/// Of a column. Those without a name in the format are known by what sets them.
+namespace column_flags {
+inline constexpr std::uint8_t fixed = 0x01; ///< the value lies in the fixed part of a row
+inline constexpr std::uint8_t updatable = 0x02;
+inline constexpr std::uint8_t auto_number = 0x04;
+inline constexpr std::uint8_t system = 0x10; ///< every column of the four system tables
+inline constexpr std::uint8_t sid = 0x20;    ///< their two columns that name a user
+inline constexpr std::uint8_t auto_guid = 0x40;
+} // namespace column_flags
+
+/// Of an index.
+namespace index_flags {
+inline constexpr std::uint8_t unique = 0x01;
+inline constexpr std::uint8_t ignores_nulls = 0x02;
+inline constexpr std::uint8_t required = 0x08;
+inline constexpr std::uint8_t always = 0x80; ///< in every index since Access 2000
+} // namespace index_flags
+
 /// Where things stand in the two generations of the format. Offsets of fields, in bytes.
 struct Layout {
     bool jet3;

@@ -28,7 +28,7 @@ File_Pager::File_Pager(files::Disk& disk, std::string path, Open_Mode mode,
 }
 
 File_Pager::~File_Pager() {
-    while (write_depth_ > 0) rollback();
+    if (writing_) rollback();
     journal_.leave(*file_);
 }
 
@@ -68,27 +68,22 @@ void File_Pager::read_header() {
 }
 
 void File_Pager::commit() {
-    SURE(write_depth_ > 0);
-    if (write_depth_ > 1) {
-        --write_depth_;
-        return;
-    }
+    SURE(writing_);
     try {
-        if (doomed_) throw Error(Failure::refused, path_, "an inner operation was rolled back");
         store();
     } catch (...) {
         rollback();
         throw;
     }
-    write_depth_ = 0;
+    writing_ = false;
     release();
 }
 
 void File_Pager::rollback() noexcept {
-    SURE(write_depth_ > 0);
+    SURE(writing_);
     forget_changes();
-    doomed_ = --write_depth_ > 0;
-    if (!doomed_) release();
+    writing_ = false;
+    release();
 }
 
 void File_Pager::forget_changes() noexcept {
@@ -182,7 +177,7 @@ void File_Pager::keep_written() {
 }
 
 void File_Pager::check_number(Page_Number number) const {
-    if (read_depth_ + write_depth_ == 0) throw std::logic_error("page outside of an operation");
+    if (!reading_ && !writing_) throw std::logic_error("page outside of an operation");
     if (number >= page_count_)
         throw Error(Failure::damaged, path_,
                     "page " + std::to_string(number) + " lies beyond the end of the file");
@@ -207,7 +202,7 @@ Page File_Pager::read(Page_Number number) {
 
 std::span<std::byte> File_Pager::change(Page_Number number) {
     check_number(number);
-    if (write_depth_ == 0 || doomed_) throw std::logic_error("change outside of a transaction");
+    if (!writing_) throw std::logic_error("change outside of a transaction");
     auto found = changed_.find(number);
     if (found == changed_.end()) {
         const Page before = read_from_file(number);
@@ -223,7 +218,7 @@ std::span<std::byte> File_Pager::change(Page_Number number) {
 }
 
 Page_Number File_Pager::append() {
-    if (write_depth_ == 0 || doomed_) throw std::logic_error("append outside of a transaction");
+    if (!writing_) throw std::logic_error("append outside of a transaction");
     const Page_Number number = page_count_;
     if ((std::uint64_t{number} + 1) * page_size_ > largest_database)
         throw Error(Failure::refused, path_, "the file has reached its largest size, 2 GiB");

@@ -46,8 +46,8 @@ struct Pager_Report {
 
 /// Pages of one database file: cache, locks and the rollback journal. Knows nothing of what the
 /// pages mean. Reading happens between begin_read and end_read (shared lock), changing between
-/// begin_write and commit or rollback (exclusive lock); both nest, and only the outermost pair
-/// acts. Everything throws jet::Error; an operation without its begin is a std::logic_error.
+/// begin_write and commit or rollback (exclusive lock); changing may begin
+/// while reading, but neither nests. Everything throws jet::Error; an operation without its begin is a std::logic_error.
 class Pager {
 public:
     virtual ~Pager() = default;
@@ -59,8 +59,7 @@ public:
     /// Returns when everything is on the medium. After an Error everything is rolled back and the
     /// transaction is over; rollback is not called then.
     virtual void commit() = 0;
-    /// Takes back everything since the outermost begin_write. At an inner level the outer ones can
-    /// no longer change anything, and the outermost commit throws.
+    /// Takes back everything since begin_write.
     virtual void rollback() noexcept = 0;
     virtual bool in_write() const = 0;
     /// Throws jet::Error (damaged) for a page beyond the end of the file.

@@ -34,7 +34,7 @@ public:
     void begin_write() override;
     void commit() override;
     void rollback() noexcept override;
-    bool in_write() const override { return write_depth_ > 0; }
+    bool in_write() const override { return writing_; }
     Page read(Page_Number number) override;
     std::span<std::byte> change(Page_Number number) override;
     Page_Number append() override;
@@ -93,9 +93,8 @@ private:
     std::size_t page_size_ = 0;
     Page_Number page_count_ = 0; ///< with the appended ones
     Page_Number count_in_file_ = 0;
-    int read_depth_ = 0;
-    int write_depth_ = 0;
-    bool doomed_ = false;          ///< rolled back at an inner level
+    bool reading_ = false;
+    bool writing_ = false;
     std::uint64_t generation_ = 0; ///< counts how often the cache had to start anew
     Page_Cache cache_{4096};
     std::optional<Cache_Mark> cached_at_;

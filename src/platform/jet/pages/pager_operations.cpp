@@ -21,7 +21,7 @@ void File_Pager::take(files::Lock wanted) {
 
 void File_Pager::release() noexcept {
     try {
-        std::ignore = file_->lock(read_depth_ > 0 ? files::Lock::shared : files::Lock::none, {});
+        std::ignore = file_->lock(reading_ ? files::Lock::shared : files::Lock::none, {});
     } catch (const Error&) {
         // Closing the file drops it at the latest.
     }
@@ -101,7 +101,8 @@ void File_Pager::attach_journal() {
 }
 
 void File_Pager::begin_read() {
-    if (read_depth_ + write_depth_ == 0) {
+    SURE(!reading_);
+    if (!writing_) {
         take(files::Lock::shared);
         try {
             enter_reading();
@@ -110,7 +111,7 @@ void File_Pager::begin_read() {
             throw;
         }
     }
-    ++read_depth_;
+    reading_ = true;
 }
 
 void File_Pager::enter_reading() {
@@ -238,8 +239,9 @@ void File_Pager::show_settled() {
 }
 
 void File_Pager::end_read() noexcept {
-    SURE(read_depth_ > 0);
-    if (--read_depth_ == 0 && write_depth_ == 0) release();
+    SURE(reading_);
+    reading_ = false;
+    if (!writing_) release();
 }
 
 void File_Pager::check_still_named() {
@@ -253,24 +255,23 @@ void File_Pager::check_may_write() const {
 }
 
 void File_Pager::begin_write() {
+    SURE(!writing_);
     check_may_write();
-    if (write_depth_ == 0) {
-        take(files::Lock::exclusive);
-        try {
-            enter_writing();
-            check_may_write();
-            journal_.make(page_size_, *file_); // J8
-            salt_ = journal_.head().salt;
-        } catch (const Journal_Unusable& why) {
-            release();
-            refuse(why);
-            check_may_write();
-        } catch (...) {
-            release();
-            throw;
-        }
+    take(files::Lock::exclusive);
+    try {
+        enter_writing();
+        check_may_write();
+        journal_.make(page_size_, *file_); // J8
+        salt_ = journal_.head().salt;
+    } catch (const Journal_Unusable& why) {
+        release();
+        refuse(why);
+        check_may_write();
+    } catch (...) {
+        release();
+        throw;
     }
-    ++write_depth_;
+    writing_ = true;
 }
 
 } // namespace jet

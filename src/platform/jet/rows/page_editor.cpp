@@ -22,7 +22,7 @@ Page_Editor::Page_Editor(Pager& pager, Page_Number number) : page_(pager.change(
 
 void Page_Editor::format(std::uint32_t owner) {
     std::fill(page_.begin(), page_.end(), std::byte{0});
-    store_u16(page_.data(), 0x0101);
+    store_u16(page_.data(), page_kinds::data);
     store_u32(page_.data() + 4, owner);
     note_free();
 }

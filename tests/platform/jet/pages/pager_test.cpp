@@ -62,22 +62,6 @@ TEST(Pager, rollback_leaves_the_file_untouched) {
     EXPECT_EQ(disk.bytes(name), file_of(4));
 }
 
-TEST(Pager, inner_transactions_join_the_outer_one) {
-    Memory_Disk disk = disk_with(4);
-    const auto pager = open_pager(disk, name, Open_Mode::read_write);
-    pager->begin_write();
-    put(*pager, {1}, 1);
-    EXPECT_EQ(disk.bytes(name), file_of(4));
-    pager->begin_write();
-    pager->rollback(); // an inner one that is taken back takes the outer one with it
-    EXPECT_THROW(pager->change(1), std::logic_error);
-    EXPECT_EQ(failure_of([&] { pager->commit(); }), jet::Failure::refused);
-    EXPECT_EQ(disk.bytes(name), file_of(4));
-    put(*pager, {1}, 2);
-    EXPECT_EQ(content(*pager).size(), file_of(4).size());
-    EXPECT_NE(disk.bytes(name), file_of(4));
-}
-
 TEST(Pager, a_change_that_changes_nothing_writes_nothing) {
     Memory_Disk disk = disk_with(4);
     files::Faulty_Disk counted(disk);
