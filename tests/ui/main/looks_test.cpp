@@ -118,7 +118,8 @@ TEST_F(Looks, menus_have_their_names_and_captions) {
           "mnu_restore Sicherung wiederherstellen", "nix4 ",
           "mnu_alle_lesen Alle CVs aus Decoder lesen",
           "mnu_alle_schreiben Alle CVs in Decoder schreiben", "mnu_susi Über SUSI",
-          "mnu_protokoll Protokoll der Übertragung"}},
+          "mnu_protokoll Protokoll der Übertragung", "nix5 ",
+          "mnu_vergleichen CV-Sets vergleichen"}},
     };
     for (const auto& menu : menus)
         EXPECT_EQ(entries(get<QMenu>(menu.menu).actions()), menu.entries);
