@@ -13,8 +13,7 @@ namespace {
 
 constexpr Window_Place design{{8000}, {15945}, {100}, {200}};
 
-class Settings : public testing::Test {
-protected:
+struct Settings : testing::Test {
     void SetUp() override {
         reset_globals();
         if (!disk.folder_exists("/u")) disk.make_folder("/u");
@@ -64,56 +63,45 @@ TEST_F(Settings, are_written_in_their_order_and_read_back) {
     EXPECT_EQ(saved(), bytes);
 }
 
-TEST_F(Settings, only_the_thirty_newest_files_are_written) {
-    for (int i = 1; i <= 35; ++i) globals.LastFiles.append(QString::number(i));
+TEST_F(Settings, the_thirty_newest_files_are_written_and_old_project_paths_are_among_them) {
+    load("\"Last_vqx_file\",\"b\"\r\n\"Last_mdb_file\",\"b\"\r\n");
+    EXPECT_EQ(globals.LastFiles, QStringList(2, QStringLiteral("b"))); // doubles stay
+    for (int i = 3; i <= 35; ++i) globals.LastFiles.append(QString::number(i));
     globals.LastFiles[10] = QStringLiteral("line\nend"); // would come back as another path
     const QByteArray bytes = saved();
     EXPECT_FALSE(bytes.contains("\"5\""));
     EXPECT_TRUE(bytes.contains("\"Last_mdb_file\",\"6\"\r\n"));
     EXPECT_TRUE(bytes.endsWith("\"Last_mdb_file\",\"35\"\r\n"));
-    EXPECT_EQ(bytes.count("Last_mdb_file"), 29);
+    EXPECT_EQ(bytes.count("Last_"), 29);
 }
 
 TEST_F(Settings, a_hand_made_or_damaged_file_is_read_as_far_as_it_goes) {
     const struct {
-        const char* what;
         QByteArray bytes;
         int comport;
         const char* file;
     } cases[] = {
-        {"LF line ends", "\"comport\",5\n\"Database_File\",\"x.mdb\"\n", 5, "x.mdb"},
-        {"a byte-order mark", "\xEF\xBB\xBF\"comport\",5\r\n", 5, "CV-Sets.mdb"},
-        {"no quotes", "comport, 5\r\nDatabase_File, x.mdb \r\n", 5, "x.mdb"},
-        {"Windows-1252", "\"Database_File\",\"Z\xFCge\x80.mdb\"\r\n", 1, "Züge€.mdb"},
-        {"an unknown key", "\"Farbe\",\"comport\",9\r\n\"Database_File\",\"x.mdb\"\r\n", 9,
-         "x.mdb"},
-        {"keys are case-sensitive", "\"Comport\",9\r\n", 1, "CV-Sets.mdb"},
-        {"garbage in the middle",
-         QByteArray("\"comport\",5\r\n\0\xFF,,\"\"\"\r\n\"Database_File\",\"x.mdb\"", 45), 5,
-         "x.mdb"},
-        {"text for a number", "\"comport\",drei\r\n\"Database_File\",\"x.mdb\"\r\n", 1, "x.mdb"},
-        {"a port that cannot be", "\"comport\",65\r\n", 1, "CV-Sets.mdb"},
-        {"a huge number", "\"comport\",1e300\r\n\"Database_File\",\"x.mdb\"", 1, "x.mdb"},
-        {"an open quote ends with its line", "\"Database_File\",\"x.mdb\r\n\"comport\",5\r\n", 5,
-         "x.mdb"},
-        {"cut off in a key", "\"comport\",5\r\n\"Datab", 5, "CV-Sets.mdb"},
-        {"cut off before a value", "\"comport\"", 1, "CV-Sets.mdb"},
-        {"nothing", "", 1, "CV-Sets.mdb"},
+        {"\"comport\",5\n\"Database_File\",\"x.mdb\"\n", 5, "x.mdb"},
+        {"\xEF\xBB\xBF\"comport\",5\r\n", 5, "CV-Sets.mdb"}, // a byte-order mark
+        {"comport, 5\r\nDatabase_File, x.mdb \r\n", 5, "x.mdb"},
+        {"\"Database_File\",\"Z\xFCge\x80.mdb\"\r\n", 1, "Züge€.mdb"}, // Windows-1252
+        {"\"Farbe\",\"comport\",9\r\n\"Database_File\",\"x.mdb\"\r\n", 9, "x.mdb"},
+        {"\"Comport\",9\r\n", 1, "CV-Sets.mdb"},
+        {"\"comport\",drei\r\n\"Database_File\",\"x.mdb\"\r\n", 1, "x.mdb"},
+        {"\"comport\",63.6\r\n", 64, "CV-Sets.mdb"},
+        {"\"comport\",65\r\n", 1, "CV-Sets.mdb"},
+        {"\"comport\",0\r\n", 1, "CV-Sets.mdb"},
+        {"\"comport\",1e300\r\n\"Database_File\",\"x.mdb\"", 1, "x.mdb"},
+        {"\"Database_File\",\"x.mdb\r\n\"comport\",5\r\n", 5,
+         "x.mdb"}, // a quote ends with its line
     };
     for (const auto& c : cases) {
-        SCOPED_TRACE(c.what);
+        SCOPED_TRACE(c.bytes.toStdString());
         SetUp();
         load(c.bytes);
         EXPECT_EQ(globals.comport, c.comport);
         EXPECT_EQ(globals.Database_File, QString::fromUtf8(c.file));
     }
-}
-
-TEST_F(Settings, old_project_paths_are_recent_files_and_doubles_stay) {
-    load("\"Last_mdb_file\",\"a\"\r\n\"Last_vqx_file\",\"b\"\r\n\"Last_mdb_file\",\"a\"\r\n");
-    EXPECT_EQ(globals.LastFiles,
-              (QStringList{QStringLiteral("a"), QStringLiteral("b"), QStringLiteral("a")}));
-    EXPECT_TRUE(saved().contains("\"Last_mdb_file\",\"b\"\r\n"));
 }
 
 TEST_F(Settings, every_cut_and_every_changed_byte_leaves_a_program_that_starts) {
@@ -127,56 +115,39 @@ TEST_F(Settings, every_cut_and_every_changed_byte_leaves_a_program_that_starts) 
         ASSERT_GE(globals.comport, 1);
         ASSERT_LE(globals.comport, 64);
     }
-}
-
-TEST_F(Settings, a_missing_folder_is_reported_when_saving) {
     globals.UserDataDir = QStringLiteral("/nowhere/");
-    EXPECT_TRUE(Save_Settings(disk, place));
+    EXPECT_TRUE(Save_Settings(disk, place)) << "what stood in the way";
 }
 
 TEST(Records, texts_over_several_lines_end_at_their_quote_or_end_the_reading) {
     const QString longest(255, u'x');
-    const struct {
-        QString written;
-        std::optional<QString> text;
-    } cases[] = {{QStringLiteral("\"a\r\nb\",1"), QStringLiteral("a\r\nb")},
-                 {QStringLiteral("\"a\"\"b\""), QStringLiteral("a\"b")},
-                 {QStringLiteral("\"\""), QString()},
-                 {QStringLiteral("\"a\" junk,1"), QStringLiteral("a")},
-                 {u'"' + longest + u'"', longest},
-                 {u'"' + longest + QStringLiteral("x\""), std::nullopt},
-                 {QStringLiteral("\"open"), std::nullopt}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.written.toStdString());
-        EXPECT_EQ(Record_Reader(c.written, Record_Reader::Text_End::quote).text(), c.text);
-    }
+    const std::pair<QString, std::optional<QString>> cases[] = {
+        {QStringLiteral("\"a\r\nb\",1"), QStringLiteral("a\r\nb")},
+        {QStringLiteral("\"a\"\"b\""), QStringLiteral("a\"b")},
+        {u'"' + longest + u'"', longest},
+        {u'"' + longest + QStringLiteral("x\""), std::nullopt},
+        {QStringLiteral("\"open"), std::nullopt}};
+    for (const auto& [written, text] : cases)
+        EXPECT_EQ(Record_Reader(written, Record_Reader::Text_End::quote).text(), text)
+            << written.toStdString();
 }
 
 TEST(Records, the_reader_knows_where_records_end_and_hands_out_what_nobody_asked_for) {
-    Record_Reader file(u"a,1,\r\n"
-                       u";note, \"over\ntwo lines\", b\r"
-                       u"\r\n"
-                       u"last,\"x\" y,z",
+    Record_Reader file(u"a,\r\n;note, \"over\ntwo lines\", b\r\r\nlast,\"x\" y,z",
                        Record_Reader::Text_End::quote);
-    const struct {
-        int line;
-        const char* field;
-        const char* passed; ///< with the rest of the record, after this field
-    } fields[] = {{1, "a", nullptr},
-                  {1, "1", nullptr},
-                  {1, "", nullptr}, // behind the comma
-                  {2, ";note", " \"over\ntwo lines\", b"},
-                  {4, "", ""},
-                  {5, "last", "\"x\" y,z"}};
-    for (const auto& c : fields) {
-        SCOPED_TRACE(c.field);
-        EXPECT_EQ(file.line(), c.line);
-        EXPECT_EQ(file.text(), QString::fromUtf8(c.field));
-        if (c.passed == nullptr) continue;
-        EXPECT_EQ(file.skip_rest_of_record().toString(), QString::fromUtf8(c.passed));
-        EXPECT_TRUE(file.at_record_start());
+    const std::tuple<int, const char*, const char*> fields[] = {
+        {1, "a", nullptr}, // else with the rest of the record, behind this field
+        {1, "", nullptr},
+        {2, ";note", " \"over\ntwo lines\", b"},
+        {4, "", ""},
+        {5, "last", "\"x\" y,z"}};
+    for (const auto& [line, field, passed] : fields) {
+        EXPECT_EQ(file.line(), line) << field;
+        EXPECT_EQ(file.text(), QString::fromUtf8(field));
+        if (passed == nullptr) continue;
+        EXPECT_EQ(file.skip_rest_of_record().toString(), QString::fromUtf8(passed));
     }
-    EXPECT_TRUE(file.at_end());
+    EXPECT_TRUE(file.at_end() && file.at_record_start());
     Record_Reader open(u"a,\"never closed", Record_Reader::Text_End::quote);
     open.text();
     EXPECT_FALSE(open.at_record_start());

@@ -12,7 +12,6 @@
 #include "support/scripted_desktop.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 using namespace app;
 using testing::ElementsAre;
@@ -34,11 +33,9 @@ const std::string default_path = "/home/anna/Dokumente/KELDA/CV-Sets/CV-Sets.mdb
 
 struct Start : testing::Test {
     Start() {
-        reset_globals();
         for (const char* folder : {"/home", "/home/anna", "/home/anna/Dokumente", "/usr",
-                                   "/usr/share", "/usr/share/KELDA", "/usr/share/KELDA/TRV"}) {
+                                   "/usr/share", "/usr/share/KELDA", "/usr/share/KELDA/TRV"})
             disk.make_folder(folder);
-        }
     }
     ~Start() override { reset_globals(); }
 
@@ -58,50 +55,37 @@ struct Noting_Window : Main_Window {
     void Fill_Last_Files_Menu() override { calls.emplace_back("recent files"); }
     void Redraw_Script_List() override { calls.emplace_back("scripts"); }
     void Open_Database() override { calls.push_back("open " + current_database().toStdString()); }
-    void choose_decoder_family(int index) override {
-        calls.push_back("family " + std::to_string(index));
-    }
+    void choose_decoder_family(int i) override { calls.push_back("family " + std::to_string(i)); }
     void close_other_windows() override { calls.emplace_back("close windows"); }
     void Connection_Close() override { calls.emplace_back("close database"); }
-    void no_default_database(const files::Error& reason) override {
-        calls.push_back("missing: " + reason.subject);
-    }
+    void no_default_database(const files::Error& e) override { calls.push_back("no " + e.subject); }
 };
 
 } // namespace
 
-TEST_F(Start, first_on_a_clean_computer_copies_the_template) {
+TEST_F(Start, the_first_makes_a_library_and_the_next_finds_what_the_run_before_has_kept) {
     disk.set_bytes(template_path, bytes("template"));
+    disk.set_bytes("/home/anna/Anlage.mdb", bytes("mine"));
     Noting_Window window;
     start_up(window, desktop, disk);
     EXPECT_EQ(text(disk, default_path), "template");
-    EXPECT_TRUE(disk.folder_exists("/home/anna/.local/share/KELDA/TRV"));
     EXPECT_THAT(window.calls, ElementsAre("move to 10", "recent files", "scripts", "made",
                                           "open " + default_path, "family 0"));
     EXPECT_EQ(globals.EmptyDBTemplate.toStdString(), template_path); // not the first data folder
     EXPECT_EQ(globals.FKeyNames[29], QStringLiteral("MAN"));
     window.calls.clear();
+    set_current_database(QStringLiteral("/home/anna/Anlage.mdb"));
+    globals.comport = 7;
+    window.now.left = {4500};
     EXPECT_FALSE(shut_down(window, disk));
     EXPECT_THAT(window.calls, ElementsAre("close windows", "close database"));
-}
-
-TEST_F(Start, finds_the_settings_that_the_run_before_has_kept) {
-    disk.set_bytes(template_path, bytes("template"));
-    disk.set_bytes("/home/anna/Anlage.mdb", bytes("mine"));
-    {
-        Noting_Window window;
-        start_up(window, desktop, disk);
-        set_current_database(QStringLiteral("/home/anna/Anlage.mdb"));
-        globals.comport = 7;
-        window.now.left = {4500};
-        EXPECT_FALSE(shut_down(window, disk));
-    }
     reset_globals();
-    Noting_Window window;
-    start_up(window, desktop, disk);
+    Noting_Window next;
+    start_up(next, desktop, disk);
     EXPECT_EQ(globals.comport, 7);
-    EXPECT_THAT(window.calls, ElementsAre("move to 4500", "recent files", "scripts",
-                                          "open /home/anna/Anlage.mdb", "family 0"));
+    EXPECT_EQ(globals.MonitorCount, 1);
+    EXPECT_THAT(next.calls, ElementsAre("move to 4500", "recent files", "scripts",
+                                        "open /home/anna/Anlage.mdb", "family 0"));
 }
 
 TEST_F(Start, neither_a_crash_nor_a_failing_disk_loses_the_settings) {
@@ -129,88 +113,48 @@ TEST_F(Start, goes_on_without_a_database_and_says_why) {
     Noting_Window window;
     start_up(window, desktop, disk); // no template anywhere
     EXPECT_THAT(window.calls, ElementsAre("move to 10", "recent files", "scripts",
-                                          "missing: /opt/share/KELDA/TRV/CV-Sets_leer.mdb",
+                                          "no /opt/share/KELDA/TRV/CV-Sets_leer.mdb",
                                           "open " + default_path, "family 0"))
         << "the cause stands before what follows from it";
-    EXPECT_FALSE(disk.file_exists(default_path));
 
     disk.set_bytes(template_path, bytes("template"));
+    files::Faulty_Disk full(disk);
+    full.limit_room(4);
+    Window_Place place;
+    EXPECT_EQ(Init_Globals(desktop, full, place).trouble.value().kind, files::Failure::disk_full);
     disk.protect_folder("/home/anna/Dokumente/KELDA/CV-Sets");
     window.calls.clear();
     start_up(window, desktop, disk);
-    EXPECT_THAT(window.calls.at(3), testing::StartsWith("missing: /home/anna/Dokumente/KELDA"));
+    EXPECT_THAT(window.calls.at(3), testing::StartsWith("no /home/anna/Dokumente/KELDA"));
     EXPECT_THAT(disk.paths(), ElementsAre(template_path)) << "a half copy stayed behind";
-}
-
-TEST_F(Start, a_full_disk_leaves_no_half_database) {
-    disk.set_bytes(template_path, bytes(std::string(5000, 't')));
-    files::Faulty_Disk full(disk);
-    full.limit_room(4000);
-    Window_Place place;
-    const auto trouble = Init_Globals(desktop, full, place).trouble;
-    ASSERT_TRUE(trouble);
-    EXPECT_EQ(trouble->kind, files::Failure::disk_full);
-    EXPECT_THAT(disk.paths(), ElementsAre(template_path));
 }
 
 TEST_F(Start, falls_back_to_the_standard_folder_and_overwrites_nothing) {
     disk.set_bytes(template_path, bytes("template"));
     Init_Paths(desktop, disk);
-    const struct {
-        const char* name;
-        QString StdSetdir;
-        std::string found;
-    } cases[] = {
-        {"no standard folder chosen", {}, default_path},
-        {"a chosen folder that is missing", QStringLiteral("/home/anna/neu/tief/"),
-         "/home/anna/neu/tief/CV-Sets.mdb"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.name);
-        globals.StdSetdir = c.StdSetdir;
-        set_current_database(QStringLiteral("/home/anna/weg/Anlage.mdb"));
-        EXPECT_TRUE(Check_Database_File(disk).made);
-        EXPECT_EQ(current_database().toStdString(), c.found);
-        EXPECT_EQ(text(disk, c.found), "template");
-
-        disk.set_bytes(c.found, bytes("mine"));
-        set_current_database(QStringLiteral("/home/anna/weg/Anlage.mdb"));
-        EXPECT_FALSE(Check_Database_File(disk).made);
-        EXPECT_EQ(text(disk, c.found), "mine");
+    for (const std::string folder : {"", "/home/anna/neu/tief/"}) {
+        const std::string found = folder.empty() ? default_path : folder + "CV-Sets.mdb";
+        globals.StdSetdir = QString::fromStdString(folder);
+        for (const std::string content : {"template", "mine"}) {
+            if (content == "mine") disk.set_bytes(found, bytes(content));
+            set_current_database(QStringLiteral("/home/anna/weg/Anlage.mdb"));
+            EXPECT_EQ(Check_Database_File(disk).made, content == "template");
+            EXPECT_EQ(current_database().toStdString(), found);
+            EXPECT_EQ(text(disk, found), content);
+        }
     }
-    disk.set_bytes("/home/anna/Anlage.mdb", bytes("current"));
-    set_current_database(QStringLiteral("/home/anna/Anlage.mdb"));
-    EXPECT_FALSE(Check_Database_File(disk).made);
-    EXPECT_EQ(current_database(), QStringLiteral("/home/anna/Anlage.mdb"));
 }
 
 TEST_F(Start, folders_are_made_with_those_above_them) {
     disk.set_bytes("/home/datei", bytes("x"));
-    const struct {
-        const char* path;
-        bool made;
-    } cases[] = {
-        {"/home/a/b/c", true},  {"/home/a/b/c/", true},       {"/home", true},        {"/", true},
-        {"/home/datei", false}, {"/home/datei/unter", false}, {"ohne_wurzel", false},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(EnsureFolder(disk, QString::fromUtf8(c.path)), c.made) << c.path;
-    }
+    for (const char* made : {"/home/a/b/c", "/home/a/b/d/", "/"})
+        EXPECT_TRUE(EnsureFolder(disk, QString::fromUtf8(made))) << made;
+    for (const char* refused : {"/home/datei", "/home/datei/unter", "ohne_wurzel"})
+        EXPECT_FALSE(EnsureFolder(disk, QString::fromUtf8(refused))) << refused;
     EXPECT_TRUE(disk.folder_exists("/home/a/b/c"));
     EXPECT_FALSE(FileExists(disk, QStringLiteral("/home/a"))) << "a folder is no file";
-}
-
-TEST(Paths, split_at_the_last_separator) {
-    const struct {
-        const char* path;
-        const char* folder;
-        const char* file;
-    } cases[] = {
-        {"/a/b.mdb", "/a/", "b.mdb"}, {"b.mdb", "", "b.mdb"}, {"/a/", "/a/", ""}, {"", "", ""}};
-    for (const auto& c : cases) {
-        EXPECT_EQ(PathOf(QString::fromUtf8(c.path)).toStdString(), c.folder);
-        EXPECT_EQ(FileOf(QString::fromUtf8(c.path)).toStdString(), c.file);
-    }
+    EXPECT_EQ(FileOf(QStringLiteral("b.mdb")), QStringLiteral("b.mdb"));
+    EXPECT_EQ(PathOf(QStringLiteral("b.mdb")), QString());
 }
 
 TEST_F(Start, a_recent_file_moves_to_the_end_and_is_there_once) {

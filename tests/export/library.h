@@ -5,8 +5,6 @@
 #include "scripts/cls_Script_Sets.h"
 #include "store/cls_Sets_Coll.h"
 
-#include <algorithm>
-
 /// A library in memory, its scripts, and a disk for the project file.
 struct Library {
     store::cls_Sets_Coll sets;
@@ -34,10 +32,9 @@ struct Library {
     }
 
     std::vector<std::uint8_t> file() const {
-        const auto bytes = disk.bytes(path);
-        std::vector<std::uint8_t> numbers(bytes.size());
-        std::ranges::transform(bytes, numbers.begin(),
-                               [](std::byte byte) { return std::to_integer<std::uint8_t>(byte); });
+        std::vector<std::uint8_t> numbers;
+        for (const auto byte : disk.bytes(path))
+            numbers.push_back(std::to_integer<std::uint8_t>(byte));
         return numbers;
     }
 };

@@ -20,7 +20,6 @@ namespace {
 
 TEST_F(Copies, one_is_made_before_the_first_change_of_a_run) {
     put();
-    if (IsSkipped()) return;
     const auto before = disk.bytes("a.mdb");
     Program run(disk, time);
     run.db.Connection_Start(u"a.mdb"_s);
@@ -36,7 +35,6 @@ TEST_F(Copies, one_is_made_before_the_first_change_of_a_run) {
 
 TEST_F(Copies, a_library_made_in_this_run_needs_none_until_another_lies_there) {
     put();
-    if (IsSkipped()) return;
     Program run(disk, time);
     run.backups.made_now(u"a.mdb"_s);
     ASSERT_TRUE(run.change("a.mdb", 1));
@@ -49,7 +47,6 @@ TEST_F(Copies, a_library_made_in_this_run_needs_none_until_another_lies_there) {
 
 TEST_F(Copies, nobody_can_write_while_one_is_made) {
     put();
-    if (IsSkipped()) return;
     struct Keeper : Before_First_Write {
         explicit Keeper(clsDBConn& other_) : other(other_) {}
         bool keep_copy(const QString&) override {
@@ -76,7 +73,6 @@ TEST_F(Copies, nobody_can_write_while_one_is_made) {
 TEST_F(Copies, an_old_library_is_upgraded_only_when_there_is_one) {
     for (const bool possible : {true, false}) {
         put("a.mdb", "old_library");
-        if (IsSkipped()) return;
         const auto before = disk.bytes("a.mdb");
         if (!possible) {
             disk.set_bytes("user/Sicherungen", {});
@@ -101,7 +97,6 @@ TEST_F(Copies, an_old_library_is_upgraded_only_when_there_is_one) {
 
 TEST_F(Copies, the_newest_ten_are_kept_and_nothing_else_is_touched) {
     put();
-    if (IsSkipped()) return;
     disk.make_folder("Sicherungen");
     std::vector<std::string> strangers{"ab 2026-03-01 11-00-00.mdb",
                                        "a 2026-03-01 11-00-00.mdb-journal",
@@ -123,7 +118,6 @@ TEST_F(Copies, the_newest_ten_are_kept_and_nothing_else_is_touched) {
 
 TEST_F(Copies, what_a_crash_left_of_one_goes_with_the_next) {
     put();
-    if (IsSkipped()) return;
     disk.make_folder("Sicherungen");
     const std::vector<std::string> cut_off{"a 2026-03-01 11-00-00.mdb.new1",
                                            "a 2025-12-31 23-59-59.mdb.new12"};
@@ -143,7 +137,6 @@ TEST_F(Copies, what_a_crash_left_of_one_goes_with_the_next) {
 
 TEST_F(Copies, the_first_one_is_not_lost_with_the_folder_that_was_made_for_it) {
     put();
-    if (IsSkipped()) return;
     disk.set_bytes("Sicherungen", {}); // so it goes to the user's own
     files::Crash_Disk crashing(disk);
     {
@@ -161,7 +154,6 @@ TEST_F(Copies, the_first_one_is_not_lost_with_the_folder_that_was_made_for_it) {
 
 TEST_F(Copies, two_within_a_second_and_a_clock_that_goes_back_lose_none) {
     put();
-    if (IsSkipped()) return;
     change_at(0, 1);
     change_at(0, 2);
     EXPECT_EQ(names().size(), 2U);
@@ -175,7 +167,6 @@ TEST_F(Copies, two_within_a_second_and_a_clock_that_goes_back_lose_none) {
 }
 
 TEST_F(Copies, libraries_of_any_name_keep_theirs_apart) {
-    if (library::names().empty()) GTEST_SKIP() << "no samples";
     disk.make_folder("o");
     const std::vector<std::string> odd{"o/a.mdb",
                                        "o/a.MDB",
@@ -202,7 +193,6 @@ TEST_F(Copies, libraries_of_any_name_keep_theirs_apart) {
 }
 
 TEST_F(Copies, where_the_folder_cannot_be_made_they_go_to_the_users_own) {
-    if (library::names().empty()) GTEST_SKIP() << "no samples";
     for (const std::string folder : {"one", "two"}) {
         disk.make_folder(folder);
         put(folder + "/a.mdb");
@@ -224,7 +214,6 @@ TEST_F(Copies, where_the_folder_cannot_be_made_they_go_to_the_users_own) {
 
 TEST_F(Copies, one_is_brought_back_and_the_present_library_becomes_one) {
     put();
-    if (IsSkipped()) return;
     const Content before = content(disk);
     change_at(0, 1);
     time.set_date(noon.addSecs(60));
@@ -251,7 +240,6 @@ TEST_F(Copies, one_is_brought_back_and_the_present_library_becomes_one) {
 
 TEST_F(Copies, the_oldest_of_ten_can_be_brought_back) {
     put();
-    if (IsSkipped()) return;
     const Content first = content(disk);
     for (int i = 0; i < 10; ++i) change_at(i, i);
     time.set_date(noon.addSecs(60));
@@ -266,7 +254,6 @@ TEST_F(Copies, the_oldest_of_ten_can_be_brought_back) {
 TEST_F(Copies, a_damaged_or_missing_library_is_replaced_and_its_journal_is_not_applied) {
     for (const bool missing : {true, false}) {
         put();
-        if (IsSkipped()) return;
         change_at(missing ? 0 : 60, 1);
         const auto damaged = std::vector<std::byte>(5000, std::byte{7});
         disk.set_bytes("a.mdb-journal", damaged);
@@ -289,7 +276,6 @@ using Told = std::pair<std::optional<int>, Soundness>;
 
 TEST_F(Copies, a_spoiled_one_is_known_by_its_rows_and_its_end) {
     put("a.mdb", "library_2003");
-    if (IsSkipped()) return;
     change_at(0, 1);
     const std::string copy = "Sicherungen/a 2026-03-01 12-00-00.mdb";
     const std::vector<std::byte> whole = disk.bytes(copy);
@@ -313,7 +299,6 @@ TEST_F(Copies, a_spoiled_one_is_known_by_its_rows_and_its_end) {
 
 TEST_F(Copies, what_cannot_be_read_or_kept_is_not_brought_back) {
     put();
-    if (IsSkipped()) return;
     change_at(0, 1);
     change_at(1, 2);
     const auto present = disk.bytes("a.mdb");

@@ -71,6 +71,26 @@ Shown cvs(store::clsDBConn& connection, std::int32_t set_id) {
     return list.entries;
 }
 
+store::CVRec cv(int number, int value, int hi, int lo) {
+    return {static_cast<std::uint8_t>(hi),
+            static_cast<std::uint8_t>(lo),
+            static_cast<std::int16_t>(number),
+            static_cast<std::int16_t>(value),
+            0,
+            false};
+}
+
+bool write(store::clsDBConn& connection, store::CVRec rec) {
+    const bool stored = connection.DB_Write_CV(rec);
+    EXPECT_EQ(stored, rec.CVID != 0);
+    return stored;
+}
+
+int value(store::clsDBConn& connection, int number) {
+    store::CVRec rec = cv(number, 0);
+    return connection.DB_Find_CV(rec) ? rec.CVWert : -1;
+}
+
 std::string trouble(store::clsDBConn& connection) {
     using store::Failure;
     static const std::map<Failure, std::string> kinds{
@@ -104,10 +124,45 @@ std::vector<std::string> faults(const files::Memory_Disk& disk, const std::strin
     return sentences;
 }
 
+jet::Column whole(const char16_t* name, bool key) {
+    jet::Column column;
+    column.name = name;
+    column.auto_number = column.required = key;
+    column.fixed = true;
+    return column;
+}
+
+jet::Column text(const char16_t* name, std::size_t length) {
+    jet::Column column;
+    column.name = name;
+    column.type = jet::Column_Type::text;
+    column.length = length;
+    column.allow_zero_length = true;
+    return column;
+}
+
+jet::Index key_on(const char16_t* column) {
+    jet::Index index = unique_on({column});
+    index.name = u"PrimaryKey";
+    index.primary = index.required = true;
+    return index;
+}
+
+jet::Index unique_on(const std::vector<const char16_t*>& columns) {
+    jet::Index index;
+    index.name = u"Einmalig";
+    for (const auto* column : columns) index.columns.push_back({column, true});
+    index.unique = true;
+    return index;
+}
+
 } // namespace library
 
-void On_Library::open(const std::string& sample, bool write_protected) {
+void On_Library::SetUp() {
     if (library::names().empty()) GTEST_SKIP() << "no samples";
+}
+
+void On_Library::open(const std::string& sample, bool write_protected) {
     library::put(disk, sample, "a.mdb");
     if (write_protected) disk.protect("a.mdb");
     db.Connection_Start(QStringLiteral("a.mdb"));
@@ -118,4 +173,9 @@ void On_Library::reopen() {
     db.Connection_Close();
     db.Connection_Start(QStringLiteral("a.mdb"));
     ASSERT_TRUE(db.Connection_Active()) << library::trouble(db);
+}
+
+void On_Library::in_file(const std::function<void(jet::Database&)>& act) {
+    auto file = jet::Database::open(disk, "a.mdb", jet::Mode::read_write);
+    act(file);
 }

@@ -48,7 +48,6 @@ class Listing : public On_Library {};
 
 TEST_F(Listing, reads_complete_numbers_over_all_rows_and_store_nothing) {
     open("partly_numbered");
-    if (IsSkipped()) return;
     const auto before = disk.bytes("a.mdb");
     Numbers counted;
     for (const auto& [id, number] : over_all) {
@@ -69,7 +68,6 @@ TEST_F(Listing, reads_complete_numbers_over_all_rows_and_store_nothing) {
 
 TEST_F(Listing, a_protected_library_is_completed_in_memory) {
     open("partly_numbered", true);
-    if (IsSkipped()) return;
     const auto before = disk.bytes("a.mdb");
     EXPECT_FALSE(db.writable());
     EXPECT_EQ(db.opening().blocked, Blocked::write_protected);
@@ -94,7 +92,6 @@ TEST_F(Listing, a_protected_library_is_completed_in_memory) {
 
 TEST_F(Listing, tables_and_columns_that_a_protected_library_lacks_read_as_empty) {
     open("old_library", true);
-    if (IsSkipped()) return;
     const auto shown = library::sets(db, 8);
     ASSERT_EQ(shown.size(), 22U);
     EXPECT_EQ(shown.front().first, "10 - Grundeinstellung Lokdecoder");
@@ -107,7 +104,6 @@ TEST_F(Listing, tables_and_columns_that_a_protected_library_lacks_read_as_empty)
 
 TEST_F(Listing, stores_what_it_shows) {
     open("partly_numbered");
-    if (IsSkipped()) return;
     EXPECT_EQ(numbers_shown(db, 265), shown_265);
     EXPECT_EQ(db.sets_completed_in_memory(), 0);
     reopen();

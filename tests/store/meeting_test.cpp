@@ -18,11 +18,8 @@ struct Deed {
 bool write(clsDBConn& db, int count, int value) {
     db.AktCVSetID(3);
     Operation all(db);
-    for (int i = 0; i < count; ++i) {
-        CVRec rec{0, 1,    static_cast<std::int16_t>(900 + i), static_cast<std::int16_t>(value),
-                  0, false};
-        if (!db.DB_Write_CV(rec)) return false;
-    }
+    for (int i = 0; i < count; ++i)
+        if (!library::write(db, library::cv(900 + i, value))) return false;
     return all.keep();
 }
 

@@ -36,7 +36,6 @@ class Samples : public On_Library, public testing::WithParamInterface<std::strin
 TEST_P(Samples, load_into_the_model_as_they_stand) {
     for (const bool write_protected : {false, true}) {
         open(GetParam(), write_protected);
-        if (IsSkipped()) return;
         cls_Sets_Coll sets;
         db.Fill_Sets_in_SetObj(sets);
         EXPECT_EQ(library::trouble(db), "");
@@ -74,7 +73,6 @@ TEST_P(Samples, load_into_the_model_as_they_stand) {
 
 TEST_P(Samples, list_their_cvs_by_page_and_number) {
     open(GetParam());
-    if (IsSkipped()) return;
     const Rows all = library::expected_rows(GetParam(), u"CVs"_s);
     std::set<int> ids;
     for (const QJsonObject& cv : all) ids.insert(cv[u"SetID"_s].toInt());
@@ -102,7 +100,6 @@ TEST_P(Samples, list_their_cvs_by_page_and_number) {
 
 TEST_P(Samples, load_their_scripts) {
     open(GetParam());
-    if (IsSkipped()) return;
     std::map<int, std::vector<int>> scripts; // by set
     std::map<int, std::map<int, QJsonObject>> states;
     int odd = 0;

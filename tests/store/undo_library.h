@@ -66,12 +66,7 @@ public:
     }
     store::CVRec write(std::int32_t set, int number, int value, int page = 1) {
         db_.AktCVSetID(set);
-        store::CVRec rec{0,
-                         static_cast<std::uint8_t>(page),
-                         static_cast<std::int16_t>(number),
-                         static_cast<std::int16_t>(value),
-                         0,
-                         false};
+        store::CVRec rec = library::cv(number, value, 0, page);
         EXPECT_TRUE(db_.DB_Write_CV(rec));
         return rec;
     }
@@ -147,9 +142,41 @@ protected:
     /// Lists the sets first, so that no number is missing any more.
     void open_listed(const std::string& sample) {
         open(sample);
-        if (IsSkipped()) return;
+        list();
+    }
+    /// As another program has left it.
+    void open_changed(const std::function<void(jet::Database&)>& change,
+                      const std::string& sample = "library_2000") {
+        db.Connection_Close();
+        library::put(disk, sample, "a.mdb");
+        in_file(change);
+        db.Connection_Start(u"a.mdb"_qs);
+        list();
+    }
+    void list() {
         library::sets(db, 8);
         library::sets(db, 265);
+        before = undo::content(disk);
+    }
+    void expect_content(const undo::Content& expected) {
+        EXPECT_EQ(undo::difference(undo::content(disk), expected), "");
+    }
+    void expect_undone(const undo::Content& expected) {
+        EXPECT_EQ(history.undo().outcome, store::Undo_Result::Outcome::done) << shown();
+        expect_content(expected);
+    }
+    void expect_redone(const undo::Content& expected) {
+        EXPECT_EQ(history.redo().outcome, store::Undo_Result::Outcome::done) << shown();
+        expect_content(expected);
+    }
+    /// The last step, twice; it is done in the end.
+    void expect_back_and_forth() {
+        const undo::Content after = undo::content(disk);
+        EXPECT_NE(undo::difference(after, before), "");
+        for (int round = 0; round < 2; ++round) {
+            expect_undone(before);
+            expect_redone(after);
+        }
     }
     std::string shown() { ///< what was wrong, for the log
         const auto trouble = db.take_trouble();
@@ -157,4 +184,5 @@ protected:
     }
 
     store::Undo_History history{db};
+    undo::Content before; ///< when it was opened
 };

@@ -2,30 +2,14 @@
 
 #include "ui/desktop/german.h"
 
-#include <QAccessible>
-#include <QApplication>
-#include <QClipboard>
-#include <QContextMenuEvent>
-#include <QDialog>
-#include <QFile>
-#include <QLineEdit>
-#include <QMessageBox>
-#include <QMimeData>
-#include <QPushButton>
-#include <QScrollBar>
-#include <QTemporaryDir>
-#include <QTest>
-#include <QTimer>
-#include <QTranslator>
-#include <QTreeView>
+#include <QtTest>
+#include <QtWidgets>
 #include <functional>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <set>
 
 namespace {
 
-/// Real dialogs, in German, answered as soon as they are shown.
 /// Asked last, for what nobody has translated.
 struct Untranslated final : QTranslator {
     QString translate(const char* context, const char* source, const char*, int) const override {
@@ -51,6 +35,7 @@ struct Closer {
     QTimer timer;
 };
 
+/// Real dialogs, in German, answered as soon as they are shown.
 struct Qt_Desktop_Test : testing::Test {
     static void SetUpTestSuite() {
         QCoreApplication::installTranslator(&untranslated);
@@ -67,136 +52,121 @@ struct Qt_Desktop_Test : testing::Test {
             if (dialog->isVisible()) dialog->reject();
         });
     }
-    void type_name(const QString& name) {
-        in_dialog([name](QDialog& dialog) {
-            auto* field = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
-            field->setText(name);
-            QTest::keyClick(field, Qt::Key_Return);
+    static void enter(QDialog& dialog, const char* name) {
+        auto* field = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+        field->setText(QString::fromUtf8(name));
+        QTest::keyClick(field, Qt::Key_Return);
+    }
+    void type_name(const char* name) {
+        in_dialog([name](QDialog& dialog) { enter(dialog, name); });
+    }
+    /// Gives the dialog's files to `act` when they have all been listed.
+    void in_list(int files, std::function<void(QDialog&, QTreeView&)> act) {
+        in_dialog([=](QDialog& dialog) {
+            auto& view = *dialog.findChild<QTreeView*>(QStringLiteral("treeView"));
+            ASSERT_TRUE(
+                QTest::qWaitFor([&] { return view.model()->rowCount(view.rootIndex()) == files; }));
+            act(dialog, view);
         });
     }
-    static std::vector<std::string> button_texts(QDialog& dialog) {
-        std::vector<std::string> texts;
-        for (const QPushButton* button : dialog.findChildren<QPushButton*>()) {
-            texts.push_back(button->text().remove(u'&').toStdString());
-        }
-        return texts;
+    static std::string cell(const QTreeView& view, int row, int column) {
+        return view.model()->index(row, column, view.rootIndex()).data().toString().toStdString();
     }
-    desktop::File_Choice choice(const char* file) {
+    /// Presses the key, or the button where there is none.
+    void answer(Qt::Key key, const char* button, const std::vector<std::string>& buttons) {
+        in_dialog([=](QDialog& dialog) {
+            EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Achtung"));
+            std::vector<std::string> texts;
+            for (QPushButton* each : dialog.findChildren<QPushButton*>()) {
+                texts.push_back(each->text().remove(u'&').toStdString());
+                if (texts.back() == button) each->click();
+            }
+            EXPECT_THAT(texts, testing::UnorderedElementsAreArray(buttons));
+            if (key != 0) QTest::keyClick(&dialog, key);
+        });
+    }
+    desktop::File_Choice choice(const char* file, const char* filter = "Datenbank (*.mdb)") {
         return {folder.path(), QString::fromUtf8(file), QStringLiteral(".mdb"),
-                QStringLiteral("Datenbank (*.mdb)")};
+                QString::fromUtf8(filter)};
     }
     QString path(const char* name) { return folder.filePath(QString::fromUtf8(name)); }
     void make(const char* name) { QFile(path(name)).open(QFile::WriteOnly); }
 
     QTemporaryDir folder;
     ui_desktop::Qt_Desktop desktop;
+    const QString title = QStringLiteral("Achtung");
 };
 
 } // namespace
 
 TEST_F(Qt_Desktop_Test, saving_adds_the_extension_and_asks_nothing_of_its_own) {
     make("alt.mdb");
-    const struct {
-        const char* typed;
-        const char* path;
-    } cases[] = {{"neu", "neu.mdb"},
-                 {"alt", "alt.mdb"},
-                 {"alt.mdb", "alt.mdb"},
-                 {"Anlage 1.2", "Anlage 1.2.mdb"}};
-    for (const auto& c : cases) {
-        type_name(QString::fromUtf8(c.typed));
-        EXPECT_EQ(desktop.ask_save_file(choice("")), path(c.path)) << c.typed;
+    for (const auto& [typed, file] : {std::pair("neu", "neu.mdb"),
+                                      {"alt.mdb", "alt.mdb"},
+                                      {"alt", "alt.mdb"},
+                                      {"Anlage 1.2", "Anlage 1.2.mdb"}}) {
+        type_name(typed);
+        EXPECT_EQ(desktop.ask_save_file(choice("")), path(file)) << typed;
     }
-    in_dialog([](QDialog& dialog) { dialog.reject(); });
+    in_dialog([](QDialog& dialog) {
+        EXPECT_EQ(dialog.findChild<QDialogButtonBox*>()->buttons().at(0)->text(), u"S&peichern");
+    });
     EXPECT_EQ(desktop.ask_save_file(choice("alt.mdb")), std::nullopt);
 }
 
-TEST_F(Qt_Desktop_Test, opening_takes_files_that_exist) {
+TEST_F(Qt_Desktop_Test, opening_takes_files_that_exist_and_choosing_a_folder_any_name_in_it) {
     make("alt.mdb");
-    type_name(QStringLiteral("alt"));
+    type_name("alt");
     EXPECT_EQ(desktop.ask_open_file(choice("")), path("alt.mdb"));
     in_dialog([](QDialog& dialog) {
         EXPECT_EQ(dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->text(),
                   QStringLiteral("alt.mdb"));
     });
     EXPECT_EQ(desktop.ask_open_file(choice("alt.mdb")), std::nullopt);
+    type_name("gibt es nicht");
+    EXPECT_EQ(desktop.ask_folder(folder.path()), folder.path() + u'/');
 }
 
-TEST_F(Qt_Desktop_Test, a_filter_may_have_several_patterns) {
-    for (const char* const name : {"a.vqs", "b.vqr", "c.mdb"}) make(name);
-    in_dialog([&](QDialog& dialog) {
-        auto& view = *dialog.findChild<QTreeView*>(QStringLiteral("treeView"));
-        EXPECT_TRUE(QTest::qWaitFor([&] { return view.model()->rowCount(view.rootIndex()) == 2; }));
-    });
-    desktop::File_Choice scripts = choice("");
-    scripts.filter = QStringLiteral("Scripts (*.vqs;*.vqr)");
-    desktop.ask_open_file(scripts);
-}
-
-TEST_F(Qt_Desktop_Test, sizes_and_dates_are_german_and_sorted_by_their_values) {
+TEST_F(Qt_Desktop_Test, files_of_several_patterns_have_german_sizes_and_dates_sorted_by_value) {
+    make("c.vqx");
     const struct {
         const char* name;
         int size;
         QDateTime changed;
-        std::string shown;
+        std::string shown_size, shown_date;
     } files[] = {
-        {"ganz klein.mdb", 700, QDateTime({2026, 5, 14}, {9, 7}), "700 Byte; 14.05.26 09:07"},
-        {"klein.mdb", 1200, QDateTime({2026, 5, 14}, {9, 7}), "1,17 KiB; 14.05.26 09:07"},
-        {"mittel.mdb", 1536, QDateTime({2025, 12, 31}, {18, 30}), "1,50 KiB; 31.12.25 18:30"},
-        {"zz gross.mdb", 2'097'152, QDateTime({2026, 1, 2}, {0, 0}), "2,00 MiB; 02.01.26 00:00"},
+        {"klein.mdb", 700, QDateTime({2026, 5, 14}, {9, 7}), "700 Byte", "14.05.26 09:07"},
+        {"mittel.vqs", 1536, QDateTime({2025, 12, 31}, {18, 30}), "1,50 KiB", "31.12.25 18:30"},
+        {"zz gross.mdb", 2'097'152, QDateTime({2026, 1, 2}, {0, 0}), "2,00 MiB", "02.01.26 00:00"},
     };
     for (const auto& file : files) {
         QFile made(path(file.name));
         ASSERT_TRUE(made.open(QFile::WriteOnly) && made.resize(file.size) &&
                     made.setFileTime(file.changed, QFile::FileModificationTime));
     }
-    in_dialog([&](QDialog& dialog) {
-        auto& view = *dialog.findChild<QTreeView*>(QStringLiteral("treeView"));
-        const auto shown = [&](int row) {
-            const auto cell = [&](int column) {
-                return view.model()->index(row, column, view.rootIndex()).data().toString();
-            };
-            return (cell(1) + QStringLiteral("; ") + cell(3)).toStdString();
-        };
-        ASSERT_TRUE(QTest::qWaitFor([&] { return view.model()->rowCount(view.rootIndex()) == 4; }));
+    in_list(3, [&](QDialog&, QTreeView& view) {
         view.sortByColumn(1, Qt::AscendingOrder);
-        for (int row = 0; row < 4; ++row) EXPECT_EQ(shown(row), files[row].shown);
+        for (int row = 0; row < 3; ++row) {
+            EXPECT_EQ(cell(view, row, 1), files[row].shown_size);
+            EXPECT_EQ(cell(view, row, 3), files[row].shown_date);
+        }
     });
-    desktop.ask_open_file(choice(""));
-}
-
-TEST_F(Qt_Desktop_Test, a_folder_is_chosen_by_any_name_in_it) {
-    type_name(QStringLiteral("gibt es nicht"));
-    EXPECT_EQ(desktop.ask_folder(folder.path()), folder.path() + u'/');
+    desktop.ask_open_file(choice("", "Beide (*.mdb;*.vqs)"));
 }
 
 TEST_F(Qt_Desktop_Test, questions_are_german_and_closing_them_means_no) {
-    in_dialog([](QDialog& dialog) {
-        EXPECT_THAT(button_texts(dialog), testing::UnorderedElementsAre("Ja", "Nein"));
-        EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Achtung"));
-        QTest::keyClick(&dialog, Qt::Key_Escape);
-    });
-    EXPECT_FALSE(desktop.ask_yes_no(QStringLiteral("Achtung"), QStringLiteral("Löschen?")));
-    in_dialog([](QDialog& dialog) {
-        qobject_cast<QMessageBox*>(&dialog)->button(QMessageBox::Yes)->click();
-    });
-    EXPECT_TRUE(desktop.ask_yes_no(QStringLiteral("Achtung"), QStringLiteral("Löschen?")));
-    in_dialog([](QDialog& dialog) {
-        EXPECT_THAT(button_texts(dialog), testing::UnorderedElementsAre("Ja", "Nein", "Abbrechen"));
-        QTest::keyClick(&dialog, Qt::Key_Return);
-    });
-    EXPECT_EQ(desktop.ask_yes_no_cancel(QStringLiteral("Script"), QStringLiteral("Speichern?")),
-              desktop::Desktop::Answer::cancel);
-    in_dialog([](QDialog& dialog) {
-        qobject_cast<QMessageBox*>(&dialog)->button(QMessageBox::No)->click();
-    });
-    EXPECT_EQ(desktop.ask_yes_no_cancel(QStringLiteral("Script"), QStringLiteral("Speichern?")),
-              desktop::Desktop::Answer::no);
-    in_dialog([](QDialog& dialog) {
-        EXPECT_THAT(button_texts(dialog), testing::Contains("Abbrechen"));
-        EXPECT_THAT(button_texts(dialog), testing::Contains("Speichern"));
-    });
-    desktop.ask_save_file(choice("x.mdb"));
+    using Answer = desktop::Desktop::Answer;
+    for (const Qt::Key key : {Qt::Key_Escape, Qt::Key_Return}) {
+        answer(key, "", {"Ja", "Nein"});
+        EXPECT_FALSE(desktop.ask_yes_no(title, QStringLiteral("Löschen?")));
+    }
+    answer({}, "Ja", {"Ja", "Nein"});
+    EXPECT_TRUE(desktop.ask_yes_no(title, QStringLiteral("Löschen?")));
+    for (const auto& [key, button, said] :
+         {std::tuple(Qt::Key_Return, "", Answer::cancel), {Qt::Key{}, "Nein", Answer::no}}) {
+        answer(key, button, {"Ja", "Nein", "Abbrechen"});
+        EXPECT_EQ(desktop.ask_yes_no_cancel(title, QStringLiteral("Speichern?")), said);
+    }
 }
 
 TEST_F(Qt_Desktop_Test, whatever_of_qt_is_met_is_german_without_its_translations) {
@@ -219,19 +189,14 @@ TEST_F(Qt_Desktop_Test, whatever_of_qt_is_met_is_german_without_its_translations
                 told->actionInterface()->localizedActionDescription(action);
             }
         }
-        auto& field = *dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
-        field.setText(QStringLiteral("gibt es nicht"));
-        QTest::keyClick(&field, Qt::Key_Return);
+        enter(dialog, "gibt es nicht");
     };
-    in_dialog([&](QDialog& dialog) {
-        auto& view = *dialog.findChild<QTreeView*>(QStringLiteral("treeView"));
-        ASSERT_TRUE(QTest::qWaitFor([&] { return view.model()->rowCount(view.rootIndex()) == 2; }));
+    in_list(2, [&](QDialog& dialog, QTreeView& view) {
         look(dialog);
         const Closer closer;
         view.setCurrentIndex(view.model()->index(1, 0, view.rootIndex()));
         QTest::keyClick(&view, Qt::Key_Delete);
-        EXPECT_EQ(view.model()->index(0, 2, view.rootIndex()).data().toString(),
-                  QStringLiteral("Ordner"));
+        EXPECT_EQ(cell(view, 0, 2), "Ordner");
     });
     desktop.ask_open_file(choice(""));
     in_dialog(look);

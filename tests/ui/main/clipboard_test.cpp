@@ -13,11 +13,6 @@ struct Clipboard_Test : Main_Window_Test {
         if (samples_missing()) GTEST_SKIP();
         start();
     }
-    /// Adds an empty set, which is selected then.
-    void new_set(const char* name) {
-        answer_set_dialog(name, "");
-        choose("mnu_cvset_hinzu");
-    }
     void put(const char* text) { desktop.clipboard = {text_of(text), {}}; }
     std::string held() { return desktop.clipboard.text.toStdString(); }
 };
@@ -33,7 +28,7 @@ TEST_F(Clipboard_Test, chosen_cvs_reach_another_set_by_menu_and_by_keys) {
     EXPECT_EQ(desktop.clipboard.text.count(text_of("\r\n")), 10);
     EXPECT_TRUE(held().ends_with("Obj,CV\r\n"));
     EXPECT_EQ(status(), "Kopierte CVs: 2.");
-    new_set("Ziel");
+    add_set("Ziel");
     choose("mnu_paste");
     EXPECT_EQ(rows(cvs()), chosen);
     EXPECT_EQ(count_label(), "2");
@@ -43,7 +38,7 @@ TEST_F(Clipboard_Test, chosen_cvs_reach_another_set_by_menu_and_by_keys) {
     press(Qt::Key_A, Qt::ControlModifier);
     press(Qt::Key_C, Qt::ControlModifier);
     const std::string copied = held();
-    new_set("Noch eins");
+    add_set("Noch eins");
     put("1;3"); // a click below the last entry leaves the focus in the list
     choose("mnu_paste");
     put(copied.c_str());
@@ -70,7 +65,7 @@ TEST_F(Clipboard_Test, lists_of_other_programs_are_taken) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
-        new_set(c.what);
+        add_set(c.what);
         put(c.text);
         choose("mnu_paste");
         EXPECT_EQ(cv_rows(), c.shown);
@@ -79,8 +74,7 @@ TEST_F(Clipboard_Test, lists_of_other_programs_are_taken) {
 }
 
 TEST_F(Clipboard_Test, a_set_comes_back_as_a_second_one_and_keeps_its_comma) {
-    answer_set_dialog("BR 44, Öl, 100 %", "77");
-    choose("mnu_cvset_hinzu");
+    add_set("BR 44, Öl, 100 %", "77");
     put("1;3\n300;5\n600;7\n900;9");
     choose("mnu_paste");
     const auto shown = rows(cvs());
@@ -131,7 +125,7 @@ TEST_F(Clipboard_Test, a_long_name_is_cut_and_a_bad_header_ends_the_command) {
 }
 
 TEST_F(Clipboard_Test, the_listing_is_for_reading) {
-    new_set("Liste");
+    add_set("Liste");
     put("1;3\n300;5");
     choose("mnu_paste");
     choose("mnu_cvset_export_txt");

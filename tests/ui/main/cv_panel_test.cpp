@@ -1,8 +1,5 @@
 #include "main_window.h"
 
-#include <QMenu>
-#include <QMimeData>
-
 using namespace ui_main;
 using testing::ElementsAre;
 using testing::HasSubstr;

@@ -6,10 +6,6 @@
 #include "ui/main/frm_Backups.h"
 #include "ui/parts/window_placer.h"
 
-#include <QComboBox>
-#include <QMenu>
-#include <QTreeWidget>
-
 using namespace ui_main;
 using testing::AllOf;
 using testing::ElementsAre;
@@ -29,21 +25,11 @@ struct Extras_Test : Main_Window_Test {
     }
     undo::Content content() { return undo::content(disk, default_path); }
     /// The keys, wherever the focus is.
-    void undo() {
-        press(Qt::Key_Z, Qt::ControlModifier);
+    void undo(Qt::KeyboardModifiers also = {}) {
+        press(Qt::Key_Z, Qt::ControlModifier | also);
         QApplication::processEvents();
     }
-    void redo() {
-        press(Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
-        QApplication::processEvents();
-    }
-    void store_cv(const char* number, const char* value) {
-        field("txt_cv_nummer").setFocus();
-        type(number);
-        press(Qt::Key_Return);
-        type(value);
-        press(Qt::Key_Return);
-    }
+    void redo() { undo(Qt::ShiftModifier); }
     void in_dialog(const char* command, const char* name, const char* number) {
         answer_set_dialog(name, number);
         choose(command);
@@ -51,11 +37,6 @@ struct Extras_Test : Main_Window_Test {
     void paste_cvs(const char* text) {
         desktop.clipboard = {QString::fromUtf8(text), {}};
         choose("mnu_paste");
-    }
-    void elsewhere(const std::function<bool(store::clsDBConn&)>& work) {
-        store::clsDBConn other(disk);
-        other.Connection_Start(QString::fromUtf8(default_path));
-        EXPECT_TRUE(work(other));
     }
     /// Both lists are those that another copy of the program would fill now.
     void expect_lists_of_library() {
@@ -77,9 +58,6 @@ struct Extras_Test : Main_Window_Test {
     void delete_elsewhere(std::int32_t SetID) {
         elsewhere([&](store::clsDBConn& other) { return other.DB_Del_CVSet(SetID); });
     }
-    void delete_cv_elsewhere(std::int32_t CVID) {
-        elsewhere([&](store::clsDBConn& other) { return other.DB_Del_CVWert(CVID); });
-    }
     void delete_first_cvs(int count) {
         click_row(cvs(), 0);
         click_row(cvs(), count - 1, Qt::ShiftModifier);
@@ -88,8 +66,7 @@ struct Extras_Test : Main_Window_Test {
     }
     void delete_set(std::int32_t SetID) {
         sets().select_row(*sets().row_of(SetID));
-        sets().setFocus();
-        press(Qt::Key_Delete);
+        delete_chosen_set();
     }
     std::string caption(const char* action) {
         QMenu& menu = get<QMenu>("mnu_extras");
@@ -181,8 +158,7 @@ TEST_F(Extras_Test, a_field_keeps_the_keys_only_for_what_was_typed_into_it) {
 
 TEST_F(Extras_Test, the_menu_names_the_steps) {
     EXPECT_EQ(caption("mnu_undo"), "&Rückgängig");
-    answer_set_dialog("S&W\trot", "50");
-    choose("mnu_cvset_hinzu");
+    add_set("S&W\trot", "50");
     EXPECT_EQ(caption("mnu_undo"), "&Rückgängig: CV-Set „S&&W rot“ hinzugefügt");
     choose("mnu_undo");
     EXPECT_EQ(status(), "Rückgängig: CV-Set „S&W rot“ hinzugefügt.");
@@ -193,8 +169,7 @@ TEST_F(Extras_Test, the_menu_names_the_steps) {
 TEST_F(Extras_Test, undo_shows_the_set_that_it_brings_back) {
     click_option("opt_rescv_1");
     const std::string first = row(sets(), 0);
-    sets().setFocus();
-    press(Qt::Key_Delete);
+    delete_chosen_set();
     click_option("opt_rescv_0");
     undo();
     EXPECT_TRUE(get<QRadioButton>("opt_rescv_1").isChecked());
@@ -205,11 +180,11 @@ TEST_F(Extras_Test, undo_shows_the_set_that_it_brings_back) {
 TEST_F(Extras_Test, a_step_that_another_program_changed_is_refused) {
     store_cv("3", "77");
     store_cv("4", "78");
-    store::clsDBConn other(disk);
-    other.Connection_Start(QString::fromUtf8(default_path));
-    other.AktCVSetID(database.AktCVSetID());
-    store::CVRec cv{0, 1, 4, 99, 0, false};
-    ASSERT_TRUE(other.DB_Write_CV(cv));
+    elsewhere([&](store::clsDBConn& other) {
+        other.AktCVSetID(database.AktCVSetID());
+        store::CVRec cv{0, 1, 4, 99, 0, false};
+        return other.DB_Write_CV(cv);
+    });
     undo();
     EXPECT_THAT(status(), HasSubstr("„CV 4 gespeichert“ lässt sich nicht mehr umkehren"));
     EXPECT_THAT(cv_rows(), testing::Contains("CV#4=99"));
@@ -226,16 +201,14 @@ TEST_F(Extras_Test, coming_to_the_front_shows_what_another_copy_has_done) {
     const auto before = rows(sets());
     leave_and_return();
     EXPECT_EQ(selected(cvs()), chosen);
-    {
-        store::clsDBConn other(disk);
-        other.Connection_Start(QString::fromUtf8(default_path));
+    elsewhere([&](store::clsDBConn& other) {
         std::int16_t number = 99;
-        ASSERT_NE(other.DB_Add_CVSet(QStringLiteral("Von nebenan"), number, 8), 0);
-        ASSERT_TRUE(other.DB_Del_CVSet(sets().key(0)));
+        const bool added = other.DB_Add_CVSet(QStringLiteral("Von nebenan"), number, 8) != 0;
+        const bool deleted = other.DB_Del_CVSet(sets().key(0));
         other.AktCVSetID(sets().selected_key());
         store::CVRec cv{0, 1, 1000, 5, 0, false};
-        ASSERT_TRUE(other.DB_Write_CV(cv));
-    }
+        return other.DB_Write_CV(cv) && added && deleted;
+    });
     leave_and_return();
     EXPECT_THAT(rows(sets()), testing::Contains("99 - Von nebenan"));
     EXPECT_THAT(rows(sets()), testing::Not(testing::Contains(before[0])));
@@ -244,11 +217,7 @@ TEST_F(Extras_Test, coming_to_the_front_shows_what_another_copy_has_done) {
     EXPECT_THAT(cv_rows(), testing::Contains("CV#1000=5"));
 
     const std::string below = row(sets(), sets().current_row() + 1);
-    {
-        store::clsDBConn other(disk);
-        other.Connection_Start(QString::fromUtf8(default_path));
-        ASSERT_TRUE(other.DB_Del_CVSet(sets().selected_key()));
-    }
+    delete_elsewhere(sets().selected_key());
     leave_and_return();
     EXPECT_THAT(selected(sets()), ElementsAre(below));
     EXPECT_EQ(status(), "CV-Set „" + set[0] + "“ ist nicht mehr vorhanden. Gewählt ist jetzt „" +
@@ -262,7 +231,6 @@ TEST_F(Extras_Test, coming_to_the_front_shows_what_another_copy_has_done) {
 }
 
 TEST_F(Extras_Test, a_set_that_another_copy_has_deleted_leaves_the_view_when_it_is_used) {
-    const auto click = [&] { click_row(sets(), 3); };
     const auto key = [&](Qt::Key pressed, Qt::KeyboardModifiers held = {}) {
         sets().setFocus();
         press(pressed, held);
@@ -272,7 +240,7 @@ TEST_F(Extras_Test, a_set_that_another_copy_has_deleted_leaves_the_view_when_it_
         int chosen; ///< row before; 3 goes
         std::function<void()> use;
     } cases[] = {
-        {"click", 0, click},
+        {"click", 0, [&] { click_row(sets(), 3); }},
         {"arrow key", 2, [&] { key(Qt::Key_Down); }},
         {"copy", 3, [&] { key(Qt::Key_C, Qt::ControlModifier); }},
         {"delete", 3, [&] { key(Qt::Key_Delete); }},
@@ -334,7 +302,7 @@ TEST_F(Extras_Test, cvs_that_another_copy_has_deleted_leave_the_list_when_they_a
             click_row(cvs(), 1, Qt::ControlModifier);
         }
         const std::string gone = row(cvs(), 0);
-        delete_cv_elsewhere(cvs().key(0));
+        elsewhere([&](store::clsDBConn& other) { return other.DB_Del_CVWert(cvs().key(0)); });
         c.use();
         EXPECT_EQ(status(), c.said);
         EXPECT_NE(row(cvs(), 0), gone);
@@ -382,8 +350,7 @@ TEST_F(Extras_Test, a_copy_is_kept_before_the_first_change_and_can_be_brought_ba
     choose("mnu_restore");
     EXPECT_THAT(status(), HasSubstr("keine Sicherungen"));
     const std::string lost = row(sets(), 0);
-    sets().setFocus();
-    press(Qt::Key_Delete);
+    delete_chosen_set();
     press(Qt::Key_Delete);
     EXPECT_EQ(copies().size(), 1U);
     const auto after = content();
@@ -409,8 +376,7 @@ TEST_F(Extras_Test, a_copy_is_kept_before_the_first_change_and_can_be_brought_ba
 }
 
 TEST_F(Extras_Test, a_damaged_library_can_be_brought_back_too) {
-    sets().setFocus();
-    press(Qt::Key_Delete);
+    delete_chosen_set();
     const auto kept = undo::content(disk, (copies_folder + u'/').toStdString() + copies().at(0));
     disk.set_bytes(default_path, std::vector<std::byte>(5000, std::byte{7}));
     choose("mnu_last_files_0");
@@ -431,8 +397,7 @@ TEST_F(Extras_Test, a_library_that_is_overwritten_or_new_is_treated_as_such) {
     const auto kept = disk.files_in("/home/anna/Sicherungen");
     ASSERT_EQ(kept.size(), 1U) << "whoever overwrites a library can have it back";
     EXPECT_EQ(disk.bytes("/home/anna/Sicherungen/" + kept[0]), before);
-    answer_set_dialog("Neu", "");
-    choose("mnu_cvset_hinzu");
+    add_set("Neu");
     EXPECT_EQ(disk.files_in("/home/anna/Sicherungen").size(), 1U) << "the new one needs none";
 }
 
@@ -440,8 +405,7 @@ TEST_F(Extras_Test, a_missing_copy_is_reported_once_and_stops_no_change) {
     disk.protect_folder("/home/anna/Dokumente/KELDA/CV-Sets");
     disk.protect_folder(app::globals.UserDataDir.chopped(1).toStdString());
     const int before = sets().count();
-    sets().setFocus();
-    press(Qt::Key_Delete);
+    delete_chosen_set();
     ASSERT_EQ(sets().count(), before - 1) << status();
     const auto with = [](const char* said) {
         return AllOf(HasSubstr("keine Sicherung angelegt"), HasSubstr(said));
@@ -467,8 +431,7 @@ TEST_F(Extras_Test, a_missing_copy_is_reported_once_and_stops_no_change) {
 TEST_F(Main_Window_Test, the_first_library_of_all_needs_no_copy) {
     put_template();
     start_bare();
-    answer_set_dialog("Neu", "");
-    choose("mnu_cvset_hinzu");
+    add_set("Neu");
     EXPECT_EQ(sets().count(), 1);
     EXPECT_FALSE(disk.folder_exists(copies_folder.toStdString()));
 }

@@ -1,7 +1,6 @@
 #include "main_window.h"
 #include "ui/parts/status_line.h"
 
-#include <QMenu>
 #include <algorithm>
 
 using namespace ui_main;
@@ -192,8 +191,7 @@ TEST_F(Files_Test, damage_met_late_shows_in_the_title) {
     disk.set_bytes("/home/anna/alt.mdb", bytes);
     open("/home/anna/alt.mdb");
     EXPECT_EQ(title(), "CV-Sets Datenbank: /home/anna/alt.mdb");
-    sets().setFocus();
-    press(Qt::Key_Delete);
+    delete_chosen_set();
     EXPECT_EQ(title(), "CV-Sets Datenbank: /home/anna/alt.mdb – beschädigt, schreibgeschützt");
     EXPECT_TRUE(get<QLabel>("lab_schreibschutz").isVisible());
 }
@@ -354,8 +352,7 @@ TEST_F(Files_Test, script_lines_that_have_no_place_are_told_wherever_they_are_lo
 TEST_F(Files_Test, a_library_replaced_from_outside_is_closed_and_left_alone) {
     disk.set_bytes("/home/anna/other", disk.bytes("/home/anna/andere.mdb"));
     disk.rename("/home/anna/other", default_path);
-    sets().setFocus();
-    press(Qt::Key_Delete);
+    delete_chosen_set();
     EXPECT_THAT(status(), HasSubstr("von außen ersetzt"));
     EXPECT_EQ(title(), "CV-Sets (keine Datenbank geöffnet)");
     EXPECT_EQ(sets().count(), 0);

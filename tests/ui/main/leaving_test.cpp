@@ -1,7 +1,5 @@
 #include "main_window.h"
 
-#include <QMenu>
-
 using namespace ui_main;
 
 namespace {
@@ -24,13 +22,7 @@ struct Leaving_Test : Main_Window_Test {
         put_template();
         start();
         put_sample("library_2003", "/home/anna/andere.mdb");
-        for (const char* value : {"3", "4"}) { // two steps and a backup
-            field("txt_cv_nummer").setFocus();
-            type("7");
-            press(Qt::Key_Return);
-            type(value);
-            press(Qt::Key_Return);
-        }
+        for (const char* value : {"3", "4"}) store_cv("7", value); // two steps and a backup
         choose("mnu_undo");
         window->gate().add(holder);
     }
@@ -64,16 +56,8 @@ TEST_F(Leaving_Test, whoever_holds_something_is_asked_once_and_may_stay) {
              click_row(sets(), 1);
              QApplication::processEvents();
          }},
-        {"Entf",
-         [&] {
-             sets().setFocus();
-             press(Qt::Key_Delete);
-         }},
-        {"a new set",
-         [&] {
-             answer_set_dialog("Neu", "");
-             choose("mnu_cvset_hinzu");
-         }},
+        {"Entf", [&] { delete_chosen_set(); }},
+        {"a new set", [&] { add_set("Neu"); }},
         {"a pasted set",
          [&] {
              desktop.clipboard = {QStringLiteral("SetName,Neu\r\nObj,Set\r\n"), {}};
@@ -121,9 +105,7 @@ TEST_F(Leaving_Test, whoever_holds_something_is_asked_once_and_may_stay) {
 
 TEST_F(Leaving_Test, what_others_take_away_is_put_into_safety_and_nobody_is_asked) {
     leave_and_return([&] {
-        store::clsDBConn other(disk);
-        other.Connection_Start(QString::fromUtf8(default_path));
-        EXPECT_TRUE(other.DB_Del_CVSet(sets().key(0)));
+        elsewhere([&](store::clsDBConn& other) { return other.DB_Del_CVSet(sets().key(0)); });
     });
     EXPECT_EQ(holder.put_away, 1);
     leave_and_return([&] { disk.rename("/home/anna/andere.mdb", default_path); });
@@ -151,9 +133,7 @@ TEST_F(Leaving_Test, a_job_locks_the_window_and_ends_with_the_program) {
     QTest::keyClick(window.get(), Qt::Key_Z, Qt::ControlModifier);
     click_row(sets(), 1);
     leave_and_return([&] {
-        store::clsDBConn other(disk);
-        other.Connection_Start(QString::fromUtf8(default_path));
-        EXPECT_TRUE(other.DB_Del_CVSet(sets().key(2)));
+        elsewhere([&](store::clsDBConn& other) { return other.DB_Del_CVSet(sets().key(2)); });
     });
     EXPECT_EQ(shown(), before);
     const int count = sets().count();

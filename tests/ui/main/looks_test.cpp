@@ -4,10 +4,6 @@
 #include "ui/main/frm_get_2_string.h"
 
 #include <QAbstractButton>
-#include <QAbstractItemModelTester>
-#include <QGroupBox>
-#include <QMenu>
-#include <QMenuBar>
 
 using namespace ui_main;
 using testing::AllOf;
@@ -122,7 +118,8 @@ TEST_F(Looks, menus_have_their_names_and_captions) {
           "mnu_restore Sicherung wiederherstellen", "nix4 ",
           "mnu_alle_lesen Alle CVs aus Decoder lesen",
           "mnu_alle_schreiben Alle CVs in Decoder schreiben", "mnu_susi Über SUSI",
-          "mnu_protokoll Protokoll der Übertragung"}},
+          "mnu_protokoll Protokoll der Übertragung", "nix5 ",
+          "mnu_vergleichen CV-Sets vergleichen"}},
     };
     for (const auto& menu : menus)
         EXPECT_EQ(entries(get<QMenu>(menu.menu).actions()), menu.entries);
@@ -192,8 +189,7 @@ TEST_F(Looks, an_empty_list_says_what_to_do_first) {
     EXPECT_EQ(says("lst_sets"),
               "Noch keine CV-Sets: Menü „CV Set“, „Hinzufügen“, oder eine Datenbank öffnen");
     EXPECT_THAT(says("lvw_Scripts"), HasSubstr("Scripte des gewählten"));
-    answer_set_dialog("Neu", "");
-    choose("mnu_cvset_hinzu");
+    add_set("Neu");
     EXPECT_EQ(says("lst_sets"), "");
     EXPECT_THAT(cvs_say(), HasSubstr("Noch keine CVs"));
     EXPECT_THAT(says("lvw_Scripts"), HasSubstr("Keine Scripte in diesem"));
@@ -204,8 +200,7 @@ TEST_F(Looks, an_empty_list_says_what_to_do_first) {
     click_option("opt_rescv_1");
     EXPECT_THAT(says("lst_sets"), HasSubstr("unten die andere Reset-CV"));
     EXPECT_THAT(cvs_say(), HasSubstr("CVs des gewählten"));
-    answer_set_dialog("Fuer QR", "");
-    choose("mnu_cvset_hinzu");
+    add_set("Fuer QR");
     click_option("opt_rescv_0");
     window->Delete_Set(get<Entry_List>("lst_sets").key(0));
     click_option("opt_dec_1");

@@ -11,19 +11,9 @@
 #include "ui/main/Frm_Main.h"
 #include "ui/main/entry_list.h"
 
-#include <QAction>
-#include <QApplication>
-#include <QClipboard>
-#include <QContextMenuEvent>
-#include <QDialog>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QTest>
-#include <QTimer>
+#include <QtTest>
+#include <QtWidgets>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <map>
 #include <memory>
 
@@ -155,6 +145,28 @@ protected:
     }
     static void type(const char* keys) {
         QTest::keyClicks(QApplication::focusWidget(), QString::fromUtf8(keys));
+    }
+    /// By its key, which asks nothing.
+    void delete_chosen_set() {
+        sets().setFocus();
+        press(Qt::Key_Delete);
+    }
+    void store_cv(const char* number, const char* value) {
+        field("txt_cv_nummer").setFocus();
+        type(number);
+        press(Qt::Key_Return);
+        type(value);
+        press(Qt::Key_Return);
+    }
+    void add_set(const char* name, const char* number = "") {
+        answer_set_dialog(name, number);
+        choose("mnu_cvset_hinzu");
+    }
+    /// What another running copy of the program does.
+    void elsewhere(const std::function<bool(store::clsDBConn&)>& work) {
+        store::clsDBConn other(disk);
+        other.Connection_Start(QString::fromUtf8(default_path));
+        EXPECT_TRUE(work(other));
     }
     static std::string focus() {
         const QWidget* widget = QApplication::focusWidget();

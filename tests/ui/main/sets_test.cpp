@@ -54,14 +54,12 @@ TEST_F(Sets_Test, another_reset_cv_shows_other_sets_and_their_scripts) {
 }
 
 TEST_F(Sets_Test, a_new_set_is_selected_by_its_key) {
-    answer_set_dialog("Neue Lok", "");
-    choose("mnu_cvset_hinzu");
+    add_set("Neue Lok");
     ASSERT_EQ(selected(sets()).size(), 1U);
     EXPECT_THAT(selected(sets()).front(), HasSubstr(" - Neue Lok"));
     EXPECT_EQ(database.AktCVSetID(), sets().selected_key());
     EXPECT_EQ(cvs().count(), 0);
-    answer_set_dialog("Mit Nummer", "77");
-    choose("mnu_cvset_hinzu");
+    add_set("Mit Nummer", "77");
     EXPECT_THAT(selected(sets()), ElementsAre("77 - Mit Nummer"));
 }
 
@@ -271,8 +269,7 @@ TEST_F(Sets_Test, what_was_said_of_a_set_goes_when_another_is_chosen) {
                 {"family", [&] { click_option("opt_dec_1"); }}};
     for (const auto& way : ways) {
         SCOPED_TRACE(way.what);
-        sets().setFocus();
-        press(Qt::Key_Delete); // which chooses the first by itself
+        delete_chosen_set(); // which chooses the first by itself
         EXPECT_THAT(status(), HasSubstr("gelöscht"));
         way.choose_other();
         EXPECT_EQ(status(), "");
@@ -290,8 +287,7 @@ TEST_F(Sets_Test, the_menu_asks_before_deleting_and_the_key_does_not) {
     choose("mnu_cvset_del");
     EXPECT_EQ(rows(sets()), std::vector(before.begin() + 1, before.end()));
     sets().select_row(2);
-    sets().setFocus();
-    press(Qt::Key_Delete);
+    delete_chosen_set();
     EXPECT_EQ(sets().count(), static_cast<int>(before.size()) - 2);
     EXPECT_THAT(sets().selected_rows(), ElementsAre(0)); // the first, and its CVs
     EXPECT_EQ(database.AktCVSetID(), sets().key(0));
@@ -302,8 +298,7 @@ TEST_F(Sets_Test, without_a_selection_no_set_is_current_and_none_is_deleted) {
     const int before = sets().count();
     sets().selectionModel()->clearSelection();
     EXPECT_TRUE(nothing_current());
-    sets().setFocus();
-    press(Qt::Key_Delete);
+    delete_chosen_set();
     choose("mnu_cvset_del");
     choose("mnu_cvset_rename");
     EXPECT_EQ(sets().count(), before);
@@ -356,8 +351,7 @@ TEST_F(Main_Window_Test, a_write_protected_library_is_shown_and_not_changed) {
     });
     choose("mnu_cvset_hinzu");
     EXPECT_THAT(status(), HasSubstr("schreibgeschützt"));
-    sets().setFocus();
-    press(Qt::Key_Delete);
+    delete_chosen_set();
     EXPECT_THAT(status(), HasSubstr("schreibgeschützt"));
     EXPECT_EQ(rows(sets()), shown);
     field("txt_cv_nummer").setText(QStringLiteral("1"));

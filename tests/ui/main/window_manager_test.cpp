@@ -6,12 +6,6 @@
 #include "support/temporary_folder.h"
 #include "ui/desktop/qt_desktop.h"
 
-#include <QFile>
-#include <QProcess>
-#include <QScreen>
-#include <QStandardPaths>
-#include <QWindow>
-
 using namespace ui_main;
 
 namespace {
