@@ -1,0 +1,119 @@
+#include "store/script_import.h"
+
+#include "scripts/cls_script_coll.h"
+#include "scripts/script_file.h"
+#include "store/library.h"
+#include "store/undo_library.h"
+#include "support/crash_sweep.h"
+
+#include <gmock/gmock.h>
+
+using namespace store;
+using scripts::AktScripts;
+
+namespace {
+
+class Script_Import : public testing::Test {
+protected:
+    void SetUp() override {
+        if (library::names().empty()) GTEST_SKIP();
+        library::put(disk, "library_2003", "a.mdb");
+        clsDBConn(disk).Connection_Start(QStringLiteral("a.mdb"));
+    }
+    ~Script_Import() override { AktScripts().Clear(); }
+
+    static std::vector<std::shared_ptr<scripts::cls_script>> long_ones() {
+        QByteArray file = "Scripts\n";
+        for (const char* name : {"A", "B"}) {
+            file += QByteArray("Script\nName,") + name + QByteArray(300, 'n') + '\n';
+            for (int line = 0; line < 60; ++line)
+                file += "State," + QByteArray::number(line) +
+                        "\nCommand,30\nParameter,5,1\nInfo,\"" + QByteArray(256, 'i') + "\"\n";
+        }
+        return scripts::read_script_file(file + "/Scripts").scripts;
+    }
+    /// The first set without scripts of many libraries, and the only one of an empty one.
+    static void choose_set(clsDBConn& db) {
+        db.Connection_Start(QStringLiteral("a.mdb"));
+        db.AktCVSetID(library::sets(db, 8).back().second);
+        db.DB_Load_Scripts();
+    }
+
+    files::Memory_Disk disk;
+};
+
+} // namespace
+
+TEST_F(Script_Import, cuts_what_has_no_room_and_counts_it) {
+    clsDBConn db(disk);
+    choose_set(db);
+    const int before = AktScripts().Count();
+    const Script_Import_Report report = import_scripts(db, long_ones());
+    EXPECT_TRUE(report.kept);
+    EXPECT_EQ(report.scripts, 2);
+    EXPECT_EQ(report.texts_cut, 2 + 120);
+    EXPECT_EQ(report.sources_lost, 120);
+    EXPECT_EQ(AktScripts().Count(), before + 2);
+    EXPECT_EQ(AktScripts().Item(before + 1)->GetState(59).Info.size(), 255);
+    EXPECT_TRUE(db.DB_Save_Script_States(before + 1)) << "it counts as just loaded";
+    EXPECT_EQ(library::faults(disk, "a.mdb"), std::vector<std::string>());
+}
+
+TEST_F(Script_Import, happens_whole_or_not_at_all) {
+    const auto before = undo::content(disk);
+    files::Memory_Disk changed = disk.copy();
+    {
+        clsDBConn db(changed);
+        choose_set(db);
+        ASSERT_TRUE(import_scripts(db, long_ones()).kept);
+    }
+    const auto after = undo::content(changed);
+    const auto act = [](files::Disk& on) {
+        clsDBConn db(on);
+        choose_set(db);
+        const int count = AktScripts().Count();
+        if (import_scripts(db, long_ones()).kept) return;
+        EXPECT_TRUE(AktScripts().Count() == count || AktScripts().Count() == 0);
+        throw std::runtime_error("not imported");
+    };
+    const auto whole = [&](files::Disk& found, support::Outcome outcome) {
+        const auto left = undo::content(found);
+        if (outcome != support::Outcome::refused && left == after) return;
+        EXPECT_NE(outcome, support::Outcome::finished);
+        EXPECT_EQ(undo::difference(left, before), "");
+    };
+    EXPECT_GT(support::sweep_refusals(disk, act, whole), 20);
+    EXPECT_GT(support::sweep_crashes(disk, act, whole), 20);
+}
+
+// Every script of every library goes through the editor's form and through a file, and comes back.
+TEST_F(Script_Import, the_scripts_of_all_samples_come_back_from_editor_and_file) {
+    int lines = 0;
+    for (const std::string& sample : library::names()) {
+        SCOPED_TRACE(sample);
+        library::put(disk, sample, "b.mdb");
+        clsDBConn db(disk);
+        db.Connection_Start(QStringLiteral("b.mdb"));
+        scripts::cls_Script_Sets sets;
+        db.Fill_Scripts_in_ScriptsObj(sets);
+        for (const auto& set : sets.NewEnum())
+            for (const auto& stored : *set) {
+                scripts::cls_script editor, through_editor, file;
+                editor.Import_vqx_2_Listindex(*stored);
+                through_editor.Import_Listindex_2_vqx(editor);
+                file.Import_vqx_2_vqr(*stored);
+                int replaced = 0;
+                const auto read =
+                    scripts::read_script_file(scripts::script_file_of(file, replaced));
+                ASSERT_EQ(read.scripts.size(), 1U);
+                scripts::cls_script through_file;
+                through_file.Import_vqr_2_vqx(*read.scripts[0]);
+                ASSERT_EQ(through_file.StateCount, stored->StateCount);
+                for (int i = 0; i < stored->StateCount; ++i, ++lines) {
+                    EXPECT_EQ(through_editor.GetState(i), stored->GetState(i)) << i;
+                    EXPECT_EQ(through_file.GetState(i), stored->GetState(i)) << i;
+                }
+            }
+    }
+    EXPECT_GT(lines, 100);
+}
