@@ -86,10 +86,14 @@ TEST_F(Script_Texts, tell_where_else_a_cv_is_used) {
     EXPECT_EQ(column(0, 1), "");
     EXPECT_FALSE(edited.ShowCVValues);
 
+    cls_script& later = *of_set.Item(2);
+    edited.EditActive = false;
+    later.EditActive = true;
+    line(later, 4, {37, 0, 0});
     edited.SetState(0, {});
-    line(*of_set.Item(2), 1, {7, 5, 0, 1});
-    line(edited, 4, {37, 0, 0});
-    EXPECT_EQ(column(0, 2), "Wenn Taste aus = CV#985 (Script2-Sound-Lautstärke)");
+    line(edited, 1, {7, 5, 0, 1});
+    EXPECT_EQ(GetColumnText(later, 0, 0, context).toStdString(),
+              "Wenn Taste aus = CV#985 (Script1-Sound-Lautstärke)");
 }
 
 TEST_F(Script_Texts, of_uses) {

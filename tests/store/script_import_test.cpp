@@ -1,6 +1,8 @@
 #include "store/script_import.h"
 
-#include "scripts/cls_script_coll.h"
+#include "app/mod_main.h"
+#include "scripts/catalogue/commands.h"
+#include "scripts/cls_Script_Sets.h"
 #include "scripts/script_file.h"
 #include "store/library.h"
 #include "store/undo_library.h"
@@ -32,10 +34,11 @@ protected:
         }
         return scripts::read_script_file(file + "/Scripts").scripts;
     }
-    /// The first set without scripts of many libraries, and the only one of an empty one.
     static void choose_set(clsDBConn& db) {
         db.Connection_Start(QStringLiteral("a.mdb"));
-        db.AktCVSetID(library::sets(db, 8).back().second);
+        const auto sets = library::sets(db, 8);
+        if (sets.empty()) throw std::runtime_error("not opened");
+        db.AktCVSetID(sets.back().second);
         db.DB_Load_Scripts();
     }
 
@@ -110,8 +113,19 @@ TEST_F(Script_Import, the_scripts_of_all_samples_come_back_from_editor_and_file)
                 through_file.Import_vqr_2_vqx(*read.scripts[0]);
                 ASSERT_EQ(through_file.StateCount, stored->StateCount);
                 for (int i = 0; i < stored->StateCount; ++i, ++lines) {
-                    EXPECT_EQ(through_editor.GetState(i), stored->GetState(i)) << i;
-                    EXPECT_EQ(through_file.GetState(i), stored->GetState(i)) << i;
+                    scripts::cls_Scriptstate line = stored->GetState(i);
+                    const bool has_step = line.GetCommand() == 1 && (line.GetPar(3) & 1) == 0 &&
+                                          line.GetPar(1) >= 1 && line.GetPar(1) <= 9;
+                    if (has_step)
+                        line.SetPar(1, app::globals.VolumeSteps.at(
+                                           static_cast<std::size_t>(line.GetPar(1))));
+                    EXPECT_EQ(through_editor.GetState(i), line) << i;
+                    for (int par = scripts_catalogue::ParameterCount(line.GetCommand()); par < 7;
+                         ++par)
+                        line.SetPar(par, 0); // a file does not hold them
+                    // nor what its code page does not have
+                    if (replaced > 0) line.Info = through_file.GetState(i).Info;
+                    EXPECT_EQ(through_file.GetState(i), line) << i;
                 }
             }
     }
