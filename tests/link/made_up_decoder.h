@@ -146,10 +146,12 @@ private:
             return next_bit();
         case 0x02:
         case 0x06:
+            if (packet[1] != 0xAA) return;
             cvs[number(2)] = packet.back();
             return say(0x1C);
         case 0x09:
             if (packet[1] == 0x10) return begin_bits(capacity);
+            if (packet[1] / 4 != 1 && packet[1] != 0x08 && packet[1] != 0x0C) return;
             if (packet[1] == 0x08) set.clear();
             whole = packet[1] == 0x0C;
             const int cv = packet[1] % 4 * 256 + packet[2] + 1;
