@@ -1,5 +1,6 @@
 #include "link/jobs/transfer.h"
 #include "link/made_up_decoder.h"
+#include "link/serial/interface_search.h"
 
 #include <gtest/gtest.h>
 
@@ -211,4 +212,30 @@ TEST(Link_Cancel, takes_effect_within_100_ms_at_every_moment) {
     }
     RecordProperty("cases", cases);
     RecordProperty("largest_ms", static_cast<int>(largest.count()));
+}
+
+TEST(Link_Search, a_basul_is_found_by_its_status_and_a_port_that_goes_is_passed_over) {
+    int last = 0;
+    for (int step = 0; step <= last; ++step) { // the first run loses nothing
+        SCOPED_TRACE(step);
+        timing::Virtual_Time time;
+        serial::Fake_SComm control{time};
+        timing::Interruption stop;
+        Log log;
+        control.ports[2].refusal = serial::Error(failure::Kind::denied, "COM2", "refused");
+        control.ports[3].on_rts = [&](bool on) { control.answer(Bytes(on ? 1 : 0, 0x81)); };
+        control.gone_at = step;
+        link_serial::Interface_Search search(control, time, stop, log);
+        const auto result = search.run({2, 3});
+        if (step == 0) {
+            last = control.steps();
+            ASSERT_TRUE(result.found && result.found->kind == link_serial::Port_Kind::basul);
+            EXPECT_EQ(result.status,
+                      (std::array{true, false, false, false, false, false, false, true}));
+        }
+        EXPECT_EQ(result.ComPort, result.found ? 3 : 2);
+        EXPECT_FALSE(result.BasuModeActive);
+        EXPECT_FALSE(control.is_open());
+        EXPECT_LT(time.now(), Milliseconds(1500));
+    }
 }
