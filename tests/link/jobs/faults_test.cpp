@@ -25,7 +25,7 @@ struct Kind {
 };
 constexpr Kind kinds[] = {
     {"query", Job_Mode::query, false, End::done, 2000, 7},
-    {"set", Job_Mode::write_set, false, End::done, 2000, 1},
+    {"set", Job_Mode::write_set, false, End::done, 2000, 3},
     {"write all", Job_Mode::write_all, false, End::done, 2000, 5},
     {"read all", Job_Mode::read_all, false, End::done, 330, 11},
     {"query over SUSI", Job_Mode::query, true, End::done, 2000, 7},
@@ -194,7 +194,7 @@ TEST(Link_Cancel, takes_effect_within_100_ms_at_every_moment) {
         Attempt healthy;
         healthy.run(kind);
         const auto end = std::min(healthy.time.now(), Milliseconds(3000));
-        for (Milliseconds moment{0}; moment < end; moment += Milliseconds(13)) {
+        for (Milliseconds moment{0}; moment < end; moment += Milliseconds(23)) {
             SCOPED_TRACE(std::string(kind.name) + " " + std::to_string(moment.count()));
             Attempt at;
             at.time.at(moment, [&] { at.abort.raise(); });
