@@ -1,7 +1,6 @@
 #include "link/made_up_decoder.h"
 #include "link/transport/cls_QD_Schiene_Soundload.h"
 #include "link/transport/cls_SUSI_Soundload.h"
-#include "link/types/mod_decodertypen.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -172,30 +171,4 @@ TEST(Over_Susi, frames_and_answers_go_byte_for_byte) {
     EXPECT_EQ(frames.size(), 11U);
     susi.Disconnect();
     EXPECT_EQ(frames.back().at(5), 7);
-}
-
-TEST(Decoder_Types, every_code_has_its_row) {
-    using link_types::Family_Group;
-    const std::set<int> small{171, 183, 184, 187, 188, 194, 195, 196, 199, 200,
-                              201, 206, 207, 211, 212, 213, 218, 219, 220, 223,
-                              226, 228, 232, 233, 234, 235, 236, 238, 242};
-    int named = 0;
-    for (int code = 0; code < 256; ++code) {
-        SCOPED_TRACE(code);
-        link_types::Link_Values values;
-        values.DecoderTypeCode = static_cast<std::uint8_t>(code);
-        values.decoder = {{}, Family_Group::unknown, 256};
-        link_types::look_up_decoder_type(values);
-        const bool kept = code == 237 || code == 240 || code == 241;
-        EXPECT_EQ(values.decoder.group, kept                   ? Family_Group::unknown
-                                        : code < 128           ? Family_Group::sound
-                                        : small.contains(code) ? Family_Group::cv256
-                                                               : Family_Group::cv1024);
-        EXPECT_EQ(values.decoder.cv_space, small.contains(code) ? 256 : code == 166 ? 1023 : 1024);
-        named += code > 127 && values.decoder.name != QStringLiteral("Decoder");
-        if (code == 64) {
-            EXPECT_EQ(values.decoder.name, QStringLiteral("QRxxx"));
-        }
-    }
-    EXPECT_EQ(named, 86);
 }
