@@ -19,7 +19,7 @@ class Script_Import : public testing::Test {
 protected:
     void SetUp() override {
         if (library::names().empty()) GTEST_SKIP();
-        library::put(disk, "library_2003", "a.mdb");
+        library::put(disk, "orphans", "a.mdb");
         clsDBConn(disk).Connection_Start(QStringLiteral("a.mdb"));
     }
     ~Script_Import() override { AktScripts().Clear(); }
@@ -28,7 +28,7 @@ protected:
         QByteArray file = "Scripts\n";
         for (const char* name : {"A", "B"}) {
             file += QByteArray("Script\nName,") + name + QByteArray(300, 'n') + '\n';
-            for (int line = 0; line < 60; ++line)
+            for (int line = 0; line < 6; ++line)
                 file += "State," + QByteArray::number(line) +
                         "\nCommand,30\nParameter,5,1\nInfo,\"" + QByteArray(256, 'i') + "\"\n";
         }
@@ -54,10 +54,10 @@ TEST_F(Script_Import, cuts_what_has_no_room_and_counts_it) {
     const Script_Import_Report report = import_scripts(db, long_ones());
     EXPECT_TRUE(report.kept);
     EXPECT_EQ(report.scripts, 2);
-    EXPECT_EQ(report.texts_cut, 2 + 120);
-    EXPECT_EQ(report.sources_lost, 120);
+    EXPECT_EQ(report.texts_cut, 2 + 12);
+    EXPECT_EQ(report.sources_lost, 12);
     EXPECT_EQ(AktScripts().Count(), before + 2);
-    EXPECT_EQ(AktScripts().Item(before + 1)->GetState(59).Info.size(), 255);
+    EXPECT_EQ(AktScripts().Item(before + 1)->GetState(5).Info.size(), 255);
     EXPECT_TRUE(db.DB_Save_Script_States(before + 1)) << "it counts as just loaded";
     EXPECT_EQ(library::faults(disk, "a.mdb"), std::vector<std::string>());
 }
