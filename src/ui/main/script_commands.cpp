@@ -36,6 +36,11 @@ QString file_name(const QString& script) {
     return possible ? script : QStringLiteral("Filename");
 }
 
+QString script_folder() {
+    const app::Globals& globals = app::globals;
+    return globals.LastScriptdir.isEmpty() ? globals.DocDir : globals.LastScriptdir;
+}
+
 void keep_folder(const QString& path) { app::globals.LastScriptdir = app::PathOf(path); }
 
 } // namespace
@@ -138,8 +143,8 @@ void Script_Commands::keep_scripts(const scripts::Script_File& file, const QStri
 std::optional<QString> Script_Commands::ask_where_to_write(const QString& script) {
     for (;;) {
         const auto path =
-            at_.desktop.ask_save_file({app::globals.LastScriptdir, file_name(script),
-                                       script_extension, QStringLiteral("KELDA Script (*.vqs)")});
+            at_.desktop.ask_save_file({script_folder(), file_name(script), script_extension,
+                                       QStringLiteral("KELDA Script (*.vqs)")});
         if (!path || !app::FileExists(at_.disk, *path) ||
             at_.desktop.ask_yes_no(text(Text::attention),
                                    QStringLiteral("Script vorhanden. Überschreiben?")))
