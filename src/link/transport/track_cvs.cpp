@@ -126,7 +126,6 @@ bool cls_QD_Schiene_Soundload::SendAcked(const Set_Packet& packet) {
     bool taken = false;
     ignoring_errors([&] {
         for (int left = attempts; left > 0 && !taken && may_go_on(); --left) {
-            host_.SComm1.clear_input(); // an answer that came twice is none to this packet
             SendBytes(packet);
             WaitReceive(ticks_for_answer);
             taken = received(acknowledged);
