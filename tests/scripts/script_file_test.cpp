@@ -138,7 +138,7 @@ TEST(Script_File, spoiled_in_any_way_is_read_to_its_end) {
     const std::string_view pieces[] = {
         "\"",         ",",   "\r\n", "\n",           "/",    ";",          "Scripts",
         "\"State\",", "255", "-1",   "\"Script\"\n", "\xFF", "99999999999"};
-    for (int run = 0; run < (support::long_tests() ? 2000000 : 10000); ++run) {
+    for (int run = 0; run < (support::long_tests() ? 2000000 : 3000); ++run) {
         std::string file = sound.toStdString();
         for (std::size_t edits = 1 + below(5); edits > 0; --edits) {
             const std::size_t at = below(file.size());

@@ -79,7 +79,7 @@ Parameters group_to_editor(const Parameters& decoder) {
 }
 
 Parameters group_to_decoder(const Parameters& editor) {
-    return {editor[0] >> 1, editor[0] & 1,
+    return {(editor[0] >> 1) & 0xFF, editor[0] & 1,
             (editor[1] & 31) * 8 + (editor[2] & 3) * 2 + (editor[3] & 1)};
 }
 
