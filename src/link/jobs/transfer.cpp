@@ -171,7 +171,8 @@ void Transfer::load_cv(const store::CVRec& cv) {
     log(QStringLiteral("Write CV %1").arg(number));
     const bool taken = transport_->WriteSetCV(number, static_cast<std::uint8_t>(cv.CVWert));
     log(QStringLiteral("Write Set-CV ") + boolean_text(taken));
-    if (!taken) ++outcome_.refused;
+    // what never left was not refused
+    if (!taken && !aborted() && host_.SComm1.is_open()) ++outcome_.refused;
 }
 
 // Both loops over all CVs
