@@ -189,6 +189,7 @@ void Transfer::read_all() {
             outcome_.read.at(static_cast<std::size_t>(*number)) = static_cast<std::uint8_t>(value);
         show_cv(cv, last);
     }
+    if (!failed && !aborted()) failed = transport_->out_of_step();
     board_.show([&](Job_Display& display) {
         display.lab_warnung = last == 256 ? QStringLiteral("Achtung: CV355 und CV509-512 können "
                                                            "nicht ausgelesen werden!")

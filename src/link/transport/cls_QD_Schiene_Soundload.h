@@ -24,6 +24,7 @@ public:
     bool WriteSetCV(int cv, std::uint8_t value) override;
     bool SetCVEnd() override;
     int GetSetCVCapacity() override;
+    bool out_of_step() override;
 
 private:
     using Set_Packet = std::array<std::uint8_t, 5>;
@@ -31,7 +32,8 @@ private:
     bool connect();
     void switch_basu_on();
     void calibrate();
-    timing::Milliseconds measure();
+    void send_bits(Bytes bits, std::int32_t counter);
+    timing::Milliseconds measure(std::int32_t counter);
     void send_preamble();
     bool identify();
 

@@ -31,7 +31,10 @@ int cls_QD_Schiene_Soundload::ReadCV(int cv) {
         host_.SComm1.clear_input();
         for (int left = attempts; left > 0 && !value && may_go_on(); --left) {
             value = read_attempt(cv);
-            if (!value) recover();
+            if (!value)
+                recover();
+            else if (left < attempts)
+                Pause(1); // an answer that came late has one behind it, which is none of the next CV
         }
     });
     if (value) {
@@ -90,6 +93,17 @@ void cls_QD_Schiene_Soundload::recover() {
     if (aborted()) return;
     SendBytes({0, 0, 0, 0, 0, 0, 0, 0});
     Pause(1);
+}
+
+bool cls_QD_Schiene_Soundload::out_of_step() {
+    if (!connected_) return false;
+    bool surplus = false;
+    ignoring_errors([&] {
+        host_.RxFlag = false;
+        Pause(1);
+        surplus = host_.RxFlag || host_.SComm1.input_count() > 0;
+    });
+    return surplus;
 }
 
 bool cls_QD_Schiene_Soundload::WriteCV(int cv, std::uint8_t value) {

@@ -173,8 +173,12 @@ int wrong_claims(Desk& desk, const Outcome& outcome) {
     }
     const auto& info = outcome.values.info;
     auto& cvs = desk.at().cvs;
-    return (info.CV7 != cvs[7]) + (info.CV65 != cvs[65]) + (info.CV250 != cvs[250]) +
-           (info.CV251 != cvs[251]) + (info.CV252 != cvs[252]) + (info.CV253 != cvs[253]);
+    int wrong = 0;
+    for (const auto& [cv, value] : std::map<int, int>{{7, info.CV7},     {65, info.CV65},
+                                                      {250, info.CV250}, {251, info.CV251},
+                                                      {252, info.CV252}, {253, info.CV253}})
+        wrong += value != 0 && value != cvs[cv]; // what could not be read is 0
+    return wrong;
 }
 
 void expect_order(Desk& desk, const Outcome& outcome) {
@@ -183,6 +187,8 @@ void expect_order(Desk& desk, const Outcome& outcome) {
     if (outcome.end != End::cancelled) {
         EXPECT_EQ(desk.shown.Label1, text_of(outcome.end, desk.kind.mode));
     }
+    const auto counter = outcome.values.TimingCounter; // the right one, or measured anew next time
+    EXPECT_TRUE(counter == 0 || counter == 125'000) << counter;
     if (desk.track() != nullptr && outcome.values.BasuModeActive) {
         EXPECT_TRUE(desk.track()->basu);
     }
@@ -192,7 +198,7 @@ void expect_next_job_works(Desk& desk) {
     desk.at().abort.clear();
     desk.at().control.faults.clear();
     desk.at().last_cv = 0;
-    EXPECT_EQ(desk.run(Job_Mode::query).end, desk.kind.susi ? End::unsupported : End::done);
+    EXPECT_EQ(desk.run(Job_Mode::query).end, End::done);
     EXPECT_EQ(desk.at().values.DecoderTypeCode, desk.at().type_code);
 }
 
@@ -223,13 +229,21 @@ const std::vector<Fault> fates{
 
 End good_end(const Kind& kind) {
     if (kind.last_cv > 0) return End::cancelled;
-    return kind.susi && kind.mode == Job_Mode::query ? End::unsupported : End::done;
+    return End::done;
 }
 
 } // namespace
 
 // What no rule of the track can detect: its readings have no checksum, and neither has an answer. A
-// byte that arrives falsely may cost the CV that it belongs to, and none besides.
+// byte may cost the CV that it belongs to, and none besides; where an answer comes too often, all that
+// follow, but then a reading of all CVs does not end well.
+int undetectable(const Kind& kind, const Outcome& outcome, const Fault& fault) {
+    if (kind.susi) return 0;
+    const bool whole_reading = kind.mode == Job_Mode::read_all && outcome.end == End::done;
+    const bool reading = kind.mode == Job_Mode::read_all || kind.mode == Job_Mode::query;
+    return fault.fate == Fate::doubled && reading && !whole_reading ? 256 : 1;
+}
+
 TEST(Faults, one_byte_lost_doubled_late_or_changed) {
     int cases = 0;
     for (const Which& which : jobs) {
@@ -254,7 +268,7 @@ TEST(Faults, one_byte_lost_doubled_late_or_changed) {
                                  << fate.by.count() << " flip " << static_cast<int>(fate.to));
                     const Outcome outcome = desk.run(kind.mode);
                     EXPECT_LE(desk.took, clean.took + Milliseconds(30'000));
-                    EXPECT_LE(wrong_claims(desk, outcome), kind.susi ? 0 : 1);
+                    EXPECT_LE(wrong_claims(desk, outcome), undetectable(kind, outcome, fault));
                     EXPECT_FALSE(outcome.trouble);
                     expect_order(desk, outcome);
                     expect_next_job_works(desk);
