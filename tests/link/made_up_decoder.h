@@ -52,8 +52,8 @@ struct Bench {
     Loop loop{time};
     std::map<int, int> cvs{{8, 13}};
     int type_code = 201;
-    int last_cv = 0;               ///< asking for one above it cancels; 0: none does
-    std::vector<Bytes> packets;    ///< since the preamble
+    int last_cv = 0;            ///< asking for one above it cancels; 0: none does
+    std::vector<Bytes> packets; ///< since the preamble
     Bytes said;
     virtual ~Bench() = default;
 

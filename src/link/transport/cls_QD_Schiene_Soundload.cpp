@@ -35,7 +35,7 @@ cls_QD_Schiene_Soundload::cls_QD_Schiene_Soundload(link_serial::frm_Soundload_cl
     : Services(host, values), loop_(loop) {}
 
 bool cls_QD_Schiene_Soundload::Connect() {
-    crc_mode_ = false;
+    crc_mode_ = was_silent_ = false;
     log({});
     log({});
     log(QStringLiteral("Öffne Port %1").arg(values_.ComPort));

@@ -46,8 +46,8 @@ TEST(Interface_Search_Test, a_korli_wins_over_a_basul_and_ports_that_are_held_ar
         EXPECT_EQ(log.lines.contains(QStringLiteral("No KORLI/FENTO found, search BASUL")),
                   !row.korli);
         if (row.found == 2) {
-            EXPECT_EQ(result.status, (std::array<bool, 8>{true, false, true, false, false, false,
-                                                          false, true}));
+            EXPECT_EQ(result.status,
+                      (std::array<bool, 8>{true, false, true, false, false, false, false, true}));
         } else if (row.korli) {
             EXPECT_TRUE(control.rts_changes().empty()) << "no second pass";
         }

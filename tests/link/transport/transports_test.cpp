@@ -178,9 +178,9 @@ TEST(Over_Susi, frames_and_answers_go_byte_for_byte) {
 // `3` has 1023 of them; `k` keeps the group that was.
 TEST(Decoder_Types, every_code_has_its_row) {
     using link_types::Family_Group;
-    const std::string upper = "--2-222222----2---------2-------" // 128
-                              "2----23----1---2222-22211221122-" // 160
-                              "2211122111----112221112222111221" // 192
+    const std::string upper = "--2-222222----2---------2-------"  // 128
+                              "2----23----1---2222-22211221122-"  // 160
+                              "2211122111----112221112222111221"  // 192
                               "2212122211111k1-kk1222222222222-"; // 224
     for (int code = 0; code < 256; ++code)
         for (const auto before : {Family_Group::unknown, Family_Group::cv256}) {
@@ -199,6 +199,6 @@ TEST(Decoder_Types, every_code_has_its_row) {
             EXPECT_EQ(name, code == 0                 ? QStringLiteral("QR-Decoder")
                             : code > 10 && code < 128 ? QStringLiteral("QRxxx")
                             : row == '-'              ? QStringLiteral("Decoder")
-                                         : QStringLiteral("Decoder %1").arg(code));
+                                                      : QStringLiteral("Decoder %1").arg(code));
         }
 }
