@@ -122,8 +122,8 @@ private:
             packet_.clear();
             return;
         }
-        static const std::map<Byte, std::size_t> lengths{{0x01, 3}, {0x02, 5}, {0x04, 1}, {0x06, 6},
-                                                  {0x07, 1}, {0x09, 5}, {0xFF, 1}, {0x00, 1}};
+        static const std::map<Byte, std::size_t> lengths{
+            {0x01, 3}, {0x02, 5}, {0x04, 1}, {0x06, 6}, {0x07, 1}, {0x09, 5}, {0xFF, 1}, {0x00, 1}};
         const auto length = lengths.find(packet_.front());
         if (length == lengths.end()) return packet_.clear(); // 0xEF and 0xBF, or noise
         if (packet_.size() < length->second) return;

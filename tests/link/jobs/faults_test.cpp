@@ -25,21 +25,30 @@ const std::map<int, int> in_256{{3, 40},   {5, 200},  {6, 61},   {17, 192}, {104
 const std::map<int, int> in_1024{{3, 40},   {5, 200}, {6, 61},   {17, 192}, {26, 1},  {97, 12},
                                  {256, 77}, {300, 9}, {309, 31}, {430, 90}, {508, 56}};
 
+/// A job, and for its faults: all numbers up to `first`, the `last` ones, and each `stride`th between.
 struct Kind {
     const char* name;
     Job_Mode mode;
     bool susi;
+    int first, stride, last;
     int last_cv = 0; ///< where reading is cancelled, so that a fault near the begin costs little
 };
-const Kind query{"query", Job_Mode::query, false};
-const Kind load{"load", Job_Mode::write_set, false};
-const Kind write_all{"write all", Job_Mode::write_all, false};
-const Kind read_some{"read", Job_Mode::read_all, false, 4};
-const Kind read_all{"read all", Job_Mode::read_all, false};
-const Kind susi_query{"SUSI query", Job_Mode::query, true};
-const Kind susi_write{"SUSI write all", Job_Mode::write_all, true};
-const Kind susi_some{"SUSI read", Job_Mode::read_all, true, 4};
-const Kind susi_all{"SUSI read all", Job_Mode::read_all, true};
+const std::vector<Kind> kinds{{"query", Job_Mode::query, false, 12, 7, 200},
+                              {"load", Job_Mode::write_set, false, 500, 1, 0},
+                              {"write all", Job_Mode::write_all, false, 50, 7, 12},
+                              {"read", Job_Mode::read_all, false, 40, 13, 10, 4},
+                              {"SUSI query", Job_Mode::query, true, 28, 13, 14},
+                              {"SUSI write all", Job_Mode::write_all, true, 40, 17, 14},
+                              {"SUSI read", Job_Mode::read_all, true, 20, 17, 14, 4},
+                              {"read all", Job_Mode::read_all, false, 0, 1499, 3},
+                              {"SUSI read all", Job_Mode::read_all, true, 0, 1999, 3}};
+
+std::vector<int> chosen(const Kind& kind, int all) {
+    std::vector<int> numbers;
+    for (int n = 1; n <= all; ++n)
+        if (n <= kind.first || n > all - kind.last || n % kind.stride == 0) numbers.push_back(n);
+    return numbers;
+}
 
 /// A desk on which jobs run one after the other.
 struct Desk {
@@ -210,23 +219,6 @@ void expect_next_job_works(Desk& desk) {
     EXPECT_EQ(desk.at().values.DecoderTypeCode, desk.at().type_code);
 }
 
-/// Every byte, or those of the begin, of the end and some between.
-struct Which {
-    const Kind& kind;
-    int first = 100'000;
-    int stride = 1;
-    int last = 0;
-};
-std::vector<int> chosen(const Which& which, int all) {
-    std::vector<int> numbers;
-    for (int n = 1; n <= all; ++n)
-        if (n <= which.first || n > all - which.last || n % which.stride == 0) numbers.push_back(n);
-    return numbers;
-}
-const std::vector<Which> jobs{
-    {query, 12, 7, 200},     {load, 30, 3, 40},       {write_all, 50, 7, 12},
-    {read_some, 60, 7, 12},  {susi_query, 40, 7, 14}, {susi_write, 40, 17, 14},
-    {susi_some, 20, 17, 14}, {read_all, 0, 997, 6},   {susi_all, 0, 997, 7}};
 // of changed, `to` is what is flipped; late ones come in the next try
 const std::vector<Fault> fates{
     {.fate = Fate::lost},
@@ -234,11 +226,6 @@ const std::vector<Fault> fates{
     {.fate = Fate::late, .by = Milliseconds(513)},
     {.fate = Fate::changed, .to = 0x40},
 };
-
-End good_end(const Kind& kind) {
-    if (kind.last_cv > 0) return End::cancelled;
-    return End::done;
-}
 
 } // namespace
 
@@ -256,15 +243,14 @@ int undetectable(const Kind& kind, const Outcome& outcome, const Fault& fault) {
 
 TEST(Faults, one_byte_lost_doubled_late_or_changed) {
     int cases = 0;
-    for (const Which& which : jobs) {
-        const Kind& kind = which.kind;
+    for (const Kind& kind : kinds) {
         Desk clean(kind);
         const Outcome good = clean.run(kind.mode);
-        ASSERT_EQ(good.end, good_end(kind)) << kind.name;
+        ASSERT_EQ(good.end, kind.last_cv > 0 ? End::cancelled : End::done) << kind.name;
         ASSERT_EQ(wrong_claims(clean, good), 0) << kind.name;
         const Bytes sent = clean.at().control.sent_bytes();
         for (const Way way : {Way::sent, Way::received})
-            for (const int n : chosen(which, clean.at().control.bytes(way)))
+            for (const int n : chosen(kind, clean.at().control.bytes(way)))
                 for (const Fault& fate : fates) {
                     Desk desk(kind);
                     Fault fault = fate;
@@ -292,11 +278,10 @@ TEST(Faults, one_byte_lost_doubled_late_or_changed) {
 
 TEST(Faults, a_port_that_is_gone_or_refuses_at_any_step) {
     int cases = 0;
-    for (const Which& which : jobs) {
-        const Kind& kind = which.kind;
+    for (const Kind& kind : kinds) {
         Desk clean(kind);
         clean.run(kind.mode);
-        for (const int number : chosen(which, 2 * clean.at().control.steps())) {
+        for (const int number : chosen(kind, 2 * clean.at().control.steps())) {
             const int step = (number + 1) / 2;
             const bool stays = number % 2 == 0;
             SCOPED_TRACE(testing::Message() << kind.name << ", step " << step << ' ' << stays);
@@ -331,11 +316,10 @@ TEST(Faults, a_port_that_is_gone_or_refuses_at_any_step) {
 TEST(Faults, a_cancel_at_any_tick) {
     int cases = 0;
     Milliseconds longest{0};
-    for (const Which& which : jobs) {
-        const Kind& kind = which.kind;
+    for (const Kind& kind : kinds) {
         Desk clean(kind);
         clean.run(kind.mode);
-        for (const int tick : chosen(which, static_cast<int>(clean.took.count() / 10))) {
+        for (const int tick : chosen(kind, static_cast<int>(clean.took.count() / 10))) {
             const Milliseconds moment{tick * 10 - tick % 10}; // between two ticks as well
             SCOPED_TRACE(testing::Message() << kind.name << ", at " << moment.count());
             Desk desk(kind);
