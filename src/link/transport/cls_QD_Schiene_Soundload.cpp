@@ -85,10 +85,9 @@ void cls_QD_Schiene_Soundload::switch_basu_on() {
     Pause(20);
 }
 
-// Nothing is waited for between the bits, but no further one leaves after a cancel.
+// A preamble or measurement that has begun is sent to its end: on the track a broken one is noise.
 void cls_QD_Schiene_Soundload::send_bits(Bytes bits, std::int32_t counter) {
     for (const std::uint8_t bit : bits) {
-        if (aborted()) return;
         SendBytes({bit});
         loop_.count_to(counter);
     }
@@ -107,8 +106,8 @@ void cls_QD_Schiene_Soundload::calibrate() {
     log(QStringLiteral("Timing messen. Soll=%1").arg(values_.TimingTarget));
     bool good = false;
     for (int attempt = 0; attempt <= last_try && !good; ++attempt) {
-        const auto measured = static_cast<double>(measure(counter).count());
         if (aborted()) return;
+        const auto measured = static_cast<double>(measure(counter).count());
         log(QStringLiteral("  Try=%1 : Counter=%2 : Zeit=%3")
                 .arg(attempt)
                 .arg(counter)

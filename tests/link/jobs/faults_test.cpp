@@ -329,9 +329,10 @@ TEST(Faults, a_cancel_at_any_tick) {
             longest = std::max(longest, desk.took - moment);
             EXPECT_LE(desk.took - moment, Milliseconds(100));
             EXPECT_EQ(wrong_claims(desk, outcome), 0);
-            Bytes after;
+            Bytes after; // but for what is left of a measurement or a preamble
             for (const auto& sent : at.control.sent())
-                if (sent.at > moment) after.push_back(sent.byte);
+                if (sent.at > moment && sent.byte != 0xEF && sent.byte != 0xBF)
+                    after.push_back(sent.byte);
             const Bytes leave{0, 0, 0, 0, 0, 7, 0x55, 0xAA, 0};
             EXPECT_TRUE(after.empty() || (kind.susi && after.size() == 10 &&
                                           std::equal(leave.begin(), leave.end(), after.begin())))
