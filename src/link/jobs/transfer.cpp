@@ -190,6 +190,11 @@ void Transfer::read_all() {
             outcome_.read.at(static_cast<std::size_t>(*number)) = static_cast<std::uint8_t>(value);
         show_cv(cv, last);
     }
+    if (!failed && !aborted() && transport_->out_of_step()) {
+        failed = outcome_.out_of_step = true;
+        outcome_.last_read = 0;
+        outcome_.read = {};
+    }
     board_.show([&](Job_Display& display) {
         display.lab_warnung = last == 256 ? QStringLiteral("Achtung: CV355 und CV509-512 können "
                                                            "nicht ausgelesen werden!")

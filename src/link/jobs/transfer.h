@@ -36,6 +36,9 @@ struct Outcome {
     bool begun = false;                   ///< something was written into the decoder
     Cv_Buffer read;                       ///< under the numbers of a set
     int last_read = 0;                    ///< the CV of the decoder that was read last
+    /// More answers came than were asked for: what was read is shifted somewhere, and nothing of it
+    /// is given.
+    bool out_of_step = false;
 };
 
 /// One job with a decoder, from finding it to letting it go. Runs in the thread that calls it.

@@ -26,6 +26,9 @@ public:
     virtual bool SetCVEnd() = 0;
     virtual int GetSetCVCapacity() = 0; ///< capacity class, or no_value
 
+    /// Whether more answers came than were asked for, which shifts all that is read afterwards. Waits
+    /// for a tick.
+    virtual bool out_of_step() = 0;
     /// What the port refused last, and whether that ended the link.
     virtual const std::optional<serial::Error>& trouble() const = 0;
 };

@@ -35,7 +35,7 @@ cls_QD_Schiene_Soundload::cls_QD_Schiene_Soundload(link_serial::frm_Soundload_cl
     : Services(host, values), loop_(loop) {}
 
 bool cls_QD_Schiene_Soundload::Connect() {
-    crc_mode_ = false;
+    crc_mode_ = was_silent_ = false;
     log({});
     log({});
     log(QStringLiteral("Öffne Port %1").arg(values_.ComPort));
@@ -85,37 +85,43 @@ void cls_QD_Schiene_Soundload::switch_basu_on() {
     Pause(20);
 }
 
-Milliseconds cls_QD_Schiene_Soundload::measure() {
-    const Milliseconds start = host_.time().now();
-    for (int i = 0; i < pairs_measured; ++i) {
-        SendBytes({one_bit});
-        loop_.count_to(values_.TimingCounter);
-        SendBytes({zero_bit});
-        loop_.count_to(values_.TimingCounter);
+// A preamble or measurement that has begun is sent to its end: on the track a broken one is noise.
+void cls_QD_Schiene_Soundload::send_bits(Bytes bits, std::int32_t counter) {
+    for (const std::uint8_t bit : bits) {
+        SendBytes({bit});
+        loop_.count_to(counter);
     }
+}
+
+Milliseconds cls_QD_Schiene_Soundload::measure(std::int32_t counter) {
+    const Milliseconds start = host_.time().now();
+    for (int i = 0; i < pairs_measured; ++i) send_bits({one_bit, zero_bit}, counter);
     return host_.time().now() - start;
 }
 
+// What a cancel or a lost port has broken off is not kept: no later link would measure again.
 void cls_QD_Schiene_Soundload::calibrate() {
     const double target = values_.TimingTarget;
-    values_.TimingCounter = first_counter;
+    std::int32_t counter = first_counter;
     log(QStringLiteral("Timing messen. Soll=%1").arg(values_.TimingTarget));
     bool good = false;
-    for (int attempt = 0; attempt <= last_try && !good && !aborted(); ++attempt) {
-        const auto measured = static_cast<double>(measure().count());
+    for (int attempt = 0; attempt <= last_try && !good; ++attempt) {
+        if (aborted()) return;
+        const auto measured = static_cast<double>(measure(counter).count());
         log(QStringLiteral("  Try=%1 : Counter=%2 : Zeit=%3")
                 .arg(attempt)
-                .arg(values_.TimingCounter)
+                .arg(counter)
                 .arg(measured));
         good = measured >= target && measured <= 1.5 * target;
         if (good) break;
         const double counted = std::max(measured, rounded(target / 2));
-        const double corrected = rounded(values_.TimingCounter / counted * target);
-        values_.TimingCounter = std::max(least_counter, static_cast<std::int32_t>(corrected));
+        const double corrected = rounded(counter / counted * target);
+        counter = std::max(least_counter, static_cast<std::int32_t>(corrected));
         host_.yield();
     }
+    values_.TimingCounter = counter;
     log(QStringLiteral("Timing ok = ") + boolean_text(good));
-    log(QStringLiteral("Timing    = %1").arg(values_.TimingCounter));
+    log(QStringLiteral("Timing    = %1").arg(counter));
 }
 
 void cls_QD_Schiene_Soundload::send_preamble() {
@@ -124,12 +130,8 @@ void cls_QD_Schiene_Soundload::send_preamble() {
     RtsOn();
     const Milliseconds start = host_.time().now();
     if (!host_.time().wait_until(start + power_up, host_.abort())) return;
-    for (int i = 0; i < values_.PreambleCount; ++i) {
-        for (const std::uint8_t bit : {zero_bit, one_bit, one_bit}) {
-            SendBytes({bit});
-            loop_.count_to(values_.TimingCounter);
-        }
-    }
+    for (int i = 0; i < values_.PreambleCount; ++i)
+        send_bits({zero_bit, one_bit, one_bit}, values_.TimingCounter);
     const std::int64_t taken = milliseconds_since(start);
     Pause(10);
     log(QStringLiteral("Preamble gesendet. Anz.=%1 Zeit=%2ms")

@@ -24,6 +24,7 @@ public:
     bool WriteSetCV(int cv, std::uint8_t value) override;
     bool SetCVEnd() override;
     int GetSetCVCapacity() override;
+    bool out_of_step() override;
 
 private:
     using Set_Packet = std::array<std::uint8_t, 5>;
@@ -31,7 +32,8 @@ private:
     bool connect();
     void switch_basu_on();
     void calibrate();
-    timing::Milliseconds measure();
+    void send_bits(Bytes bits, std::int32_t counter);
+    timing::Milliseconds measure(std::int32_t counter);
     void send_preamble();
     bool identify();
 
@@ -39,11 +41,14 @@ private:
     std::optional<std::uint8_t> read_bits(const char16_t* line, timing::Milliseconds start);
     void send_read_request(int cv, timing::Milliseconds start);
     void recover();
+    void wait_for_answer();
+    void settle();
     Set_Packet set_packet(std::uint8_t command, std::uint8_t low, std::uint8_t value);
     bool SendAcked(const Set_Packet& packet);
 
     Bit_Loop& loop_;
-    bool crc_mode_ = false; ///< the decoder has a protocol version above 0
+    bool crc_mode_ = false;   ///< the decoder has a protocol version above 0
+    bool was_silent_ = false; ///< since Connect, an answer did not come in time
 };
 
 /// Numbers under which ReadCV asks for what is no CV.

@@ -19,6 +19,7 @@ public:
     bool WriteSetCV(int, std::uint8_t) override { return false; }
     bool SetCVEnd() override { return false; }
     int GetSetCVCapacity() override { return 0; }
+    bool out_of_step() override { return false; } ///< answers have a checksum
 
 private:
     bool connect();

@@ -3,7 +3,7 @@
 #include "link/transport/cls_QD_Schiene_Soundload.h"
 #include "link/transport/crc8.h"
 
-#include <algorithm>
+#include <utility>
 
 namespace link_transport {
 namespace {
@@ -28,6 +28,7 @@ int cls_QD_Schiene_Soundload::ReadCV(int cv) {
     if (!connected_) return 0;
     std::optional<std::uint8_t> value;
     ignoring_errors([&] {
+        settle();
         host_.SComm1.clear_input();
         for (int left = attempts; left > 0 && !value && may_go_on(); --left) {
             value = read_attempt(cv);
@@ -65,6 +66,20 @@ void cls_QD_Schiene_Soundload::send_read_request(int cv, timing::Milliseconds st
     }
 }
 
+void cls_QD_Schiene_Soundload::wait_for_answer() {
+    const bool before = std::exchange(was_silent_, true); // also where waiting throws
+    WaitReceive(ticks_for_answer);
+    was_silent_ = before || !host_.RxFlag;
+}
+
+// What comes after all has another answer behind it, and so on: each would count for the packet that
+// follows its own, from one operation to the next.
+void cls_QD_Schiene_Soundload::settle() {
+    if (!was_silent_) return;
+    Pause(1);
+    host_.SComm1.clear_input();
+}
+
 /// Least significant bit first; nothing where an answer failed to come.
 std::optional<std::uint8_t> cls_QD_Schiene_Soundload::read_bits(const char16_t* line,
                                                                 timing::Milliseconds start) {
@@ -75,7 +90,7 @@ std::optional<std::uint8_t> cls_QD_Schiene_Soundload::read_bits(const char16_t* 
             log(QString::fromUtf16(line).arg(bit).arg(milliseconds_since(start)));
             SendBytes({0xFF});
         }
-        WaitReceive(ticks_for_answer);
+        wait_for_answer();
         if (!host_.RxFlag) {
             log(QStringLiteral("Timeout Buffer=%1").arg(host_.SComm1.input_count()));
             return std::nullopt;
@@ -92,6 +107,17 @@ void cls_QD_Schiene_Soundload::recover() {
     Pause(1);
 }
 
+bool cls_QD_Schiene_Soundload::out_of_step() {
+    if (!connected_) return false;
+    bool surplus = false;
+    ignoring_errors([&] {
+        host_.RxFlag = false;
+        Pause(1);
+        surplus = host_.RxFlag || host_.SComm1.input_count() > 0;
+    });
+    return surplus;
+}
+
 bool cls_QD_Schiene_Soundload::WriteCV(int cv, std::uint8_t value) {
     if (!connected_) return false;
     if (cv == 7 || cv == 8) return true;
@@ -100,6 +126,7 @@ bool cls_QD_Schiene_Soundload::WriteCV(int cv, std::uint8_t value) {
     const std::array<std::uint8_t, 3> checked{hi, lo, value};
     bool written = false;
     ignoring_errors([&] {
+        settle();
         for (int left = attempts; left > 0 && !written && may_go_on(); --left) {
             log(QStringLiteral("Write CV%1=%2").arg(cv).arg(value));
             host_.SComm1.clear_input();
@@ -107,7 +134,7 @@ bool cls_QD_Schiene_Soundload::WriteCV(int cv, std::uint8_t value) {
                 SendBytes({0x06, 0xAA, hi, lo, PacketChecksum(checked, 0), value});
             else
                 SendBytes({0x02, 0xAA, hi, lo, value});
-            WaitReceive(ticks_for_answer);
+            wait_for_answer();
             written = received(acknowledged);
         }
     });
@@ -125,9 +152,10 @@ cls_QD_Schiene_Soundload::set_packet(std::uint8_t command, std::uint8_t low, std
 bool cls_QD_Schiene_Soundload::SendAcked(const Set_Packet& packet) {
     bool taken = false;
     ignoring_errors([&] {
+        settle();
         for (int left = attempts; left > 0 && !taken && may_go_on(); --left) {
             SendBytes(packet);
-            WaitReceive(ticks_for_answer);
+            wait_for_answer();
             taken = received(acknowledged);
         }
     });

@@ -24,6 +24,7 @@ void Fake_SComm::close_device() noexcept {
 
 void Fake_SComm::step() {
     if (++steps_ != gone_at) return;
+    if (stays) throw Error(Failure::device, subject(), "refused");
     ports.erase(port());
     throw Error(Failure::vanished, subject(), "unplugged");
 }

@@ -46,6 +46,7 @@ public:
     /// unplugged: the call fails, and the port is no more.
     int steps() const { return steps_; }
     int gone_at = 0;
+    bool stays = false; ///< the call fails all the same, for once
 
     struct Sent {
         Milliseconds at;

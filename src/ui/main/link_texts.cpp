@@ -12,6 +12,10 @@ using End = link_jobs::Outcome::End;
 QString failure_sentence(const link_jobs::Outcome& outcome) {
     if (outcome.end == End::cancelled) return QStringLiteral("Abgebrochen.");
     if (outcome.trouble) return link_serial::sentence(*outcome.trouble);
+    if (outcome.out_of_step)
+        return QStringLiteral(
+            "Es kamen mehr Antworten als Fragen: Das Gelesene ist falsch und wurde "
+            "nicht gespeichert; bitte noch einmal versuchen.");
     switch (outcome.end) {
     case End::not_connected:
         return QStringLiteral(

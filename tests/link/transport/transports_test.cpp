@@ -1,6 +1,7 @@
 #include "link/made_up_decoder.h"
 #include "link/transport/cls_QD_Schiene_Soundload.h"
 #include "link/transport/cls_SUSI_Soundload.h"
+#include "link/types/mod_decodertypen.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -171,4 +172,33 @@ TEST(Over_Susi, frames_and_answers_go_byte_for_byte) {
     EXPECT_EQ(frames.size(), 11U);
     susi.Disconnect();
     EXPECT_EQ(frames.back().at(5), 7);
+}
+
+// A letter a code, from 128: `-` has no name; `1` and `2` are the family groups of 256 and 1024 CVs;
+// `3` has 1023 of them; `k` keeps the group that was.
+TEST(Decoder_Types, every_code_has_its_row) {
+    using link_types::Family_Group;
+    const std::string upper = "--2-222222----2---------2-------"  // 128
+                              "2----23----1---2222-22211221122-"  // 160
+                              "2211122111----112221112222111221"  // 192
+                              "2212122211111k1-kk1222222222222-"; // 224
+    for (int code = 0; code < 256; ++code)
+        for (const auto before : {Family_Group::unknown, Family_Group::cv256}) {
+            SCOPED_TRACE(code);
+            const char row = code < 128 ? 'q' : upper.at(static_cast<std::size_t>(code) - 128);
+            link_types::Link_Values values;
+            values.DecoderTypeCode = static_cast<std::uint8_t>(code);
+            values.decoder = {{}, before, 256};
+            link_types::look_up_decoder_type(values);
+            const auto& [name, group, cv_space] = values.decoder;
+            EXPECT_EQ(group, row == 'q'   ? Family_Group::sound
+                             : row == 'k' ? before
+                             : row == '1' ? Family_Group::cv256
+                                          : Family_Group::cv1024);
+            EXPECT_EQ(cv_space, row == '1' ? 256 : row == '3' ? 1023 : 1024);
+            EXPECT_EQ(name, code == 0                 ? QStringLiteral("QR-Decoder")
+                            : code > 10 && code < 128 ? QStringLiteral("QRxxx")
+                            : row == '-'              ? QStringLiteral("Decoder")
+                                                      : QStringLiteral("Decoder %1").arg(code));
+        }
 }
