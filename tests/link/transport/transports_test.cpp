@@ -96,43 +96,6 @@ TEST_F(On_Track, a_reading_without_answer_recovers_and_ends) {
     EXPECT_EQ(log.lines.filter(QStringLiteral("Write CV3=1")).size(), 5);
 }
 
-TEST_F(On_Track, after_a_cancel_nothing_leaves) {
-    connect();
-    const Milliseconds begin = time.now();
-    time.at(begin + Milliseconds(5), [&] { abort.raise(); });
-    EXPECT_EQ(track.ReadCV(3), no_value);
-    EXPECT_LT(time.now() - begin, Milliseconds(100));
-    const auto count = packets.size();
-    EXPECT_FALSE(track.SetCVEnd());
-    EXPECT_FALSE(track.WriteCV(3, 1));
-    EXPECT_EQ(track.GetSetCVCapacity(), no_value);
-    EXPECT_EQ(packets.size(), count);
-    for (const auto& sent : control.sent()) EXPECT_LE(sent.at, begin + Milliseconds(5));
-    track.Disconnect();
-    EXPECT_FALSE(track.Connect());
-}
-
-// Wherever the port goes, the operation ends as one that failed.
-TEST(Link_Lost, a_port_that_is_gone_at_any_step_ends_what_runs) {
-    int last = 0;
-    for (int step = 0; step <= last; ++step) { // the first run loses nothing
-        Track at;
-        link_serial::frm_Soundload_cls host(at.control, at.time, at.abort, at.log);
-        cls_QD_Schiene_Soundload track(host, at.values, at.loop);
-        at.control.gone_at = step;
-        const bool done = track.Connect() && track.ReadCV(3) != no_value && track.WriteCV(3, 5) &&
-                          track.SetCVStart() && track.WriteSetCV(3, 5) && track.SetCVEnd();
-        if (step == 0) last = at.control.steps();
-        track.Disconnect();
-        ASSERT_EQ(done, step == 0) << step;
-        if (done) continue;
-        ASSERT_TRUE(track.trouble()) << step;
-        EXPECT_EQ(track.trouble()->kind, failure::Kind::vanished) << step;
-        EXPECT_LT(at.time.now(), Milliseconds(10'000)) << step;
-    }
-    EXPECT_GT(last, 100);
-}
-
 TEST(Over_Susi, frames_and_answers_go_byte_for_byte) {
     Track at; // its port and time; the bytes are judged here
     Bytes frame;
