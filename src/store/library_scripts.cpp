@@ -50,6 +50,12 @@ std::size_t with_state(std::size_t print, std::int32_t number,
                       state.GetPar(2), state.GetPar(3), state.Info);
 }
 
+bool same_row(const scripts::cls_Scriptstate& one, const scripts::cls_Scriptstate& other) {
+    for (std::size_t i = 0; i < par_names.size(); ++i)
+        if (one.GetPar(static_cast<int>(i)) != other.GetPar(static_cast<int>(i))) return false;
+    return one.GetCommand() == other.GetCommand() && one.Info == other.Info;
+}
+
 } // namespace
 
 std::size_t Library_Scripts::visit_states(
@@ -140,8 +146,15 @@ bool Library_Scripts::save_states(std::int32_t SetID, scripts::cls_script_coll& 
     return changing(SetID, of, position, [&](Script& script) {
         const std::int32_t id = script.ScriptID;
         if (file_.rows(one_script(SetID, script)).at_end()) throw gone(u"Scripte"_s, id);
-        if (script.Stored_States != visit_states(id, [](auto...) {}))
-            throw differs(u"Scripte"_s, id);
+        int rows_as_they_shall_be = 0; // one after the other, from 0
+        bool same = true;
+        const std::size_t stored =
+            visit_states(id, [&](std::int32_t number, const scripts::cls_Scriptstate& state) {
+                same = same && number == rows_as_they_shall_be++ && number < script.StateCount &&
+                       same_row(state, script.GetState(number));
+            });
+        if (script.Stored_States != stored) throw differs(u"Scripte"_s, id);
+        if (same && rows_as_they_shall_be == script.StateCount) return;
         std::size_t print = 0;
         const int count = std::clamp(script.StateCount, 0, Script::max_states);
         std::vector<ado::Row> states;

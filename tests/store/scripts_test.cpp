@@ -1,5 +1,6 @@
 // Scripts of the current set.
 
+#include "scripts/cls_Script_Sets.h"
 #include "scripts/cls_script_coll.h"
 #include "store/library.h"
 
@@ -96,6 +97,29 @@ TEST_F(Script_Storage, a_saved_script_has_its_states_numbered_without_gaps) {
         load_again(3);
         EXPECT_EQ(AktScripts().Count(), before);
         EXPECT_EQ(library::trouble(db), "");
+    }
+}
+
+TEST_F(Script_Storage, a_script_that_nobody_has_changed_costs_the_library_nothing) {
+    for (const std::string& sample : library::names()) {
+        SCOPED_TRACE(sample);
+        library::put(disk, sample, "a.mdb");
+        db.Connection_Start(u"a.mdb"_s);
+        scripts::cls_Script_Sets sets;
+        db.Fill_Scripts_in_ScriptsObj(sets);
+        const auto bytes = disk.bytes("a.mdb");
+        bool has_gaps = false;
+        for (const auto& set : sets.NewEnum()) {
+            db.AktCVSetID(set->SetID);
+            db.DB_Load_Scripts();
+            for (int position = 1; position <= AktScripts().Count(); ++position) {
+                EXPECT_TRUE(db.DB_Save_Script_States(position)) << library::trouble(db);
+                const auto script = AktScripts().Item(position);
+                for (int line = 0; line < script->StateCount; ++line)
+                    has_gaps = has_gaps || script->GetState(line) == scripts::cls_Scriptstate();
+            }
+        }
+        EXPECT_TRUE(has_gaps || disk.bytes("a.mdb") == bytes);
     }
 }
 
