@@ -1,4 +1,4 @@
-# Holds every #include "..." of src against the floors: a file may include its own folder and, directly
+# Holds every #include of src against the floors: a file may include its own folder and, directly
 # or through them, what its target links. Run: cmake -DROOT=.. -DLINKS=.. -P Check_Includes.cmake
 cmake_minimum_required(VERSION 3.25)
 
@@ -31,9 +31,12 @@ foreach(source IN LISTS sources)
     if(NOT own)
         continue() # main.cpp sees everything
     endif()
-    file(STRINGS ${ROOT}/src/${source} includes REGEX "^#include \"")
+    file(STRINGS ${ROOT}/src/${source} includes REGEX "^[ \t]*#[ \t]*include[ \t]*[\"<]")
     foreach(line IN LISTS includes)
-        string(REGEX REPLACE "^#include \"([^\"]+)\".*" "\\1" header "${line}")
+        string(REGEX REPLACE "^[^\"<]*[\"<]([^\">]+)[\">].*" "\\1" header "${line}")
+        if(line MATCHES "<" AND NOT EXISTS ${ROOT}/src/${header})
+            continue() # of the system
+        endif()
         get_filename_component(header_folder ${header} DIRECTORY)
         string(REPLACE "/" "_" other "${header_folder}")
         if(other AND NOT other STREQUAL own AND NOT other IN_LIST below_${own})

@@ -4,6 +4,8 @@
 #include <map>
 #include <utility>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace store {
 
 namespace {

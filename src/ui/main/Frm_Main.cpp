@@ -42,9 +42,7 @@ struct Frm_Main::Inside {
           cv_panel(*window.form_, window.database_, view, messages),
           at{window, window.desktop_, window.disk_, window.database_, *window.form_,
              menus,  messages,        view,         copies,           window.gate_},
-          files(at), exports(at), sets(at), clipboard(at, cv_panel), history(at, files),
-          compare(at), script_commands(at),
-          center(window, window.desktop_, window.ports_, window.job_), link(at, center) {}
+          center(window, window.desktop_, window.ports_, window.job_) {}
 
     Menus menus;
     Kept_Copies copies;
@@ -52,15 +50,16 @@ struct Frm_Main::Inside {
     Library_View view;
     Cv_Panel cv_panel;
     Surroundings at;
-    File_Commands files;
-    Export_Commands exports;
-    Set_Commands sets;
-    Clipboard_Commands clipboard;
-    History_Commands history;
-    Compare_Commands compare;
-    Script_Commands script_commands;
     link_ui::Link_Center center;
-    Link_Commands link;
+
+    File_Commands files{at};
+    Export_Commands exports{at};
+    Set_Commands sets{at};
+    Clipboard_Commands clipboard{at, cv_panel};
+    History_Commands history{at, files};
+    Compare_Commands compare{at};
+    Script_Commands script_commands{at};
+    Link_Commands link{at, center};
 };
 
 Frm_Main::Frm_Main(desktop::Desktop& desktop, files::Disk& disk, store::clsDBConn& database,

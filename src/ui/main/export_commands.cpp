@@ -1,6 +1,7 @@
 #include "ui/main/export_commands.h"
 
 #include "app/mod_fileverwaltung.h"
+#include "app/mod_main.h"
 #include "export/export_project.h"
 #include "scripts/cls_Script_Sets.h"
 #include "store/clsDBConn.h"

@@ -1,6 +1,7 @@
 #include "ui/main/file_commands.h"
 
 #include "app/mod_fileverwaltung.h"
+#include "app/mod_main.h"
 #include "ui/main/file_reasons.h"
 #include "ui/main/kept_copies.h"
 #include "ui/main/library_view.h"

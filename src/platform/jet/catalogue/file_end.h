@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/jet/format/definition.h"
+#include "platform/jet/pages/pager.h"
 
 namespace jet {
 
