@@ -77,6 +77,9 @@ TEST(Model, missing_places_and_taken_keys_are_errors_and_change_nothing) {
     EXPECT_THROW(sets.Item(u"1"_s), Collection_Error);
     EXPECT_THROW(sets.Remove(u"1"_s), Collection_Error);
     EXPECT_EQ(sets.Count(), 1);
+    sets.Add(std::make_shared<cls_CV_Set>()); // only with a key it is found by one
+    EXPECT_EQ(sets.Count(), 2);
+    EXPECT_THROW(sets.Item(u"2"_s), Collection_Error);
 }
 
 } // namespace
