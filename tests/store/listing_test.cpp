@@ -90,18 +90,6 @@ TEST_F(Listing, a_protected_library_is_completed_in_memory) {
     EXPECT_EQ(db.Get_Set_Nummer2(7), 0) << "and goes with the library";
 }
 
-TEST_F(Listing, tables_and_columns_that_a_protected_library_lacks_read_as_empty) {
-    open("old_library", true);
-    const auto shown = library::sets(db, 8);
-    ASSERT_EQ(shown.size(), 22U);
-    EXPECT_EQ(shown.front().first, "10 - Grundeinstellung Lokdecoder");
-    EXPECT_EQ(shown.back().first, "31 - Łódź – Škoda – Győr");
-    EXPECT_TRUE(library::sets(db, 265).empty());
-    EXPECT_EQ(db.DB_Count_Scripts(1), 0);
-    EXPECT_EQ(db.Get_Anz_CVSets(), 22);
-    EXPECT_EQ(library::trouble(db), "");
-}
-
 TEST_F(Listing, stores_what_it_shows) {
     open("partly_numbered");
     EXPECT_EQ(numbers_shown(db, 265), shown_265);
@@ -141,24 +129,6 @@ TEST_F(Listing, a_closed_connection_answers_with_nothing) {
     EXPECT_EQ(library::trouble(db), "");
     EXPECT_FALSE(db.DB_Del_CVSet(3));
     EXPECT_EQ(library::trouble(db), "not_open");
-}
-
-TEST_F(Listing, what_cannot_be_opened_leaves_the_connection_closed) {
-    disk.set_bytes("text.mdb", files::Memory_Disk::Bytes(5000, std::byte{'x'}));
-    disk.set_bytes("empty.mdb", {});
-    const struct {
-        const char16_t* file;
-        const char* kind;
-    } cases[] = {{u"missing.mdb", "not_found"},
-                 {u"text.mdb", "not_a_database"},
-                 {u"empty.mdb", "not_a_database"}};
-    open("library_2000");
-    for (const auto& c : cases) {
-        db.Connection_Start(QStringView(c.file).toString());
-        SCOPED_TRACE(db.database_file().toStdString());
-        EXPECT_FALSE(db.Connection_Active());
-        EXPECT_EQ(library::trouble(db), c.kind);
-    }
 }
 
 } // namespace

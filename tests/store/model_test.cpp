@@ -46,14 +46,6 @@ TEST(Model, cvs_of_one_page_gather_in_the_order_of_their_arrival) {
     EXPECT_EQ(seen, (std::vector<std::pair<int, int>>{{1, 700}, {2, 300}, {3, 600}}));
 }
 
-TEST(Model, a_removed_page_is_made_anew) {
-    cls_CV_Set set;
-    set.Add_CV(1, 1, 1);
-    set.Remove(u"0"_s);
-    set.Add_CV(1, 2, 2);
-    EXPECT_EQ(set.Item(u"0"_s)->Count(), 1);
-}
-
 TEST(Model, clearing_and_removing_keep_the_indexes_of_the_others) {
     cls_Sets_Coll sets;
     sets.Clear();
@@ -85,15 +77,9 @@ TEST(Model, missing_places_and_taken_keys_are_errors_and_change_nothing) {
     EXPECT_THROW(sets.Item(u"1"_s), Collection_Error);
     EXPECT_THROW(sets.Remove(u"1"_s), Collection_Error);
     EXPECT_EQ(sets.Count(), 1);
-}
-
-TEST(Model, a_child_may_be_added_without_a_key) {
-    cls_CV_Set set;
-    const auto page = std::make_shared<cls_CV_Page>();
-    page->PageNr = 0;
-    set.Add(page);
-    set.Add_CV(1, 29, 6);
-    EXPECT_EQ(set.Count(), 2) << "only keyed pages are found";
+    sets.Add(std::make_shared<cls_CV_Set>()); // only with a key it is found by one
+    EXPECT_EQ(sets.Count(), 2);
+    EXPECT_THROW(sets.Item(u"2"_s), Collection_Error);
 }
 
 } // namespace

@@ -1,4 +1,5 @@
 #include "scripts/cls_Script_Sets.h"
+#include "scripts/cls_script_coll.h"
 #include "store/library.h"
 
 #include <algorithm>
@@ -38,6 +39,8 @@ TEST_P(Samples, load_into_the_model_as_they_stand) {
         open(GetParam(), write_protected);
         cls_Sets_Coll sets;
         db.Fill_Sets_in_SetObj(sets);
+        EXPECT_FALSE(library::sets(db, 8).empty());
+        db.DB_Count_Scripts(1); // lacking tables read as empty
         EXPECT_EQ(library::trouble(db), "");
         const Rows expected = library::expected_rows(GetParam(), u"Sets"_s);
         const Rows expected_cvs = library::expected_rows(GetParam(), u"CVs"_s);
@@ -102,9 +105,12 @@ TEST_P(Samples, load_their_scripts) {
     open(GetParam());
     std::map<int, std::vector<int>> scripts; // by set
     std::map<int, std::map<int, QJsonObject>> states;
+    std::map<int, QString> names;
     int odd = 0;
-    for (const QJsonObject& row : library::expected_rows(GetParam(), u"Scripte"_s))
+    for (const QJsonObject& row : library::expected_rows(GetParam(), u"Scripte"_s)) {
         scripts[row[u"SetID"_s].toInt()].push_back(row[u"ScriptID"_s].toInt());
+        names[row[u"ScriptID"_s].toInt()] = row[u"ScriptName"_s].toString();
+    }
     std::set<int> known;
     for (const auto& [set, ids] : scripts) known.insert(ids.begin(), ids.end());
     for (const QJsonObject& row : library::expected_rows(GetParam(), u"Scriptstates"_s)) {
@@ -128,9 +134,13 @@ TEST_P(Samples, load_their_scripts) {
         EXPECT_EQ(sets.Item(QString::number(set)), coll);
         ASSERT_EQ(static_cast<std::size_t>(coll->Count()), ids.size());
         EXPECT_EQ(db.DB_Count_Scripts(set), coll->Count());
+        db.AktCVSetID(set);
+        db.DB_Load_Scripts();
+        ASSERT_EQ(scripts::AktScripts().Count(), coll->Count());
         for (std::int32_t i = 1; i <= coll->Count(); ++i) {
             const auto script = coll->Item(i);
             EXPECT_EQ(script->ScriptID, ids[static_cast<std::size_t>(i - 1)]);
+            EXPECT_EQ(scripts::AktScripts().Item(i)->ScriptName, names[script->ScriptID]);
             const auto& rows = states[script->ScriptID];
             EXPECT_EQ(script->StateCount, rows.empty() ? 0 : rows.rbegin()->first + 1);
             for (int state = 0; state < script->StateCount; ++state) {

@@ -68,23 +68,6 @@ struct Schema_Of_Samples : Schema {
     void SetUp() override { On_Library::SetUp(); }
 };
 
-TEST_F(Schema_Of_Samples, an_old_library_gets_what_it_lacks_once) {
-    open("old_library");
-    EXPECT_EQ(library::trouble(db), "");
-    EXPECT_THAT(library::faults(disk, "a.mdb"), testing::IsEmpty());
-    const auto upgraded = disk.bytes("a.mdb");
-    reopen();
-    EXPECT_EQ(disk.bytes("a.mdb"), upgraded);
-    EXPECT_EQ(library::sets(db, 8).back().first, "31 - Łódź – Škoda – Győr");
-    db.AktCVSetID(1);
-    scripts::AktScripts().Clear();
-    scripts::AktScripts().AddScript().StateCount = 1;
-    EXPECT_TRUE(db.DB_Add_Script(1));
-    EXPECT_TRUE(db.DB_Save_Script_States(1));
-    EXPECT_EQ(db.DB_Count_Scripts(1), 1);
-    EXPECT_THAT(library::faults(disk, "a.mdb"), testing::IsEmpty());
-}
-
 TEST_F(Schema, two_copies_that_open_an_old_library_at_once_complete_it_together) {
     make(true);
     bool met = true;

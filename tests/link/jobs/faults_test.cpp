@@ -148,7 +148,8 @@ int wrong_in_load(Desk& desk, const Outcome& outcome) {
 int wrong_in_write(Desk& desk, const Outcome& outcome) {
     int wrong = 0;
     auto want = wanted(outcome);
-    want.erase(26);
+    want[26] = 26 * 37 % 251; // as it was, like what another page has of 29
+    want[29] = 29 * 37 % 251;
     want[31] = want[32] = 0;
     for (const auto& [number, value] : want) wrong += desk.at().cvs[number] != value;
     return wrong;
@@ -166,10 +167,12 @@ int kept(int cv, int cv_space) {
 
 int wrong_in_read(Desk& desk, const Outcome& outcome) {
     int wrong = 0;
+    std::map<int, int> found;
+    for (const auto& record : records_read(outcome.read, outcome.values.decoder.cv_space))
+        found[record.CVNr] = record.CVWert;
     for (int cv = 1; cv <= outcome.last_read; ++cv) {
         const int number = kept(cv, outcome.values.decoder.cv_space);
-        if (number > 0)
-            wrong += outcome.read.at(static_cast<std::size_t>(number)) != desk.at().cvs[cv];
+        if (number > 0) wrong += found[number] != desk.at().cvs[cv];
     }
     return wrong;
 }
@@ -204,6 +207,9 @@ void expect_order(Desk& desk, const Outcome& outcome) {
     EXPECT_FALSE(desk.at().control.rts());
     if (outcome.end != End::cancelled) {
         EXPECT_EQ(desk.shown.Label1, text_of(outcome.end, desk.kind.mode));
+    }
+    if (outcome.end == End::done) {
+        EXPECT_EQ(desk.shown.ProgressBar1, desk.kind.mode == Job_Mode::query ? 0 : 100);
     }
     const auto counter = outcome.values.TimingCounter; // the right one, or measured anew next time
     EXPECT_TRUE(counter == 0 || counter == 125'000) << counter;

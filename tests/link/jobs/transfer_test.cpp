@@ -27,106 +27,12 @@ struct Jobs : testing::Test, Track {
         link_serial::frm_Soundload_cls host(control, time, abort, board);
         order.values = values;
         const Outcome outcome = Transfer(std::move(order), host, board, loop).run();
-        if (const auto news = board.fetch()) {
-            shown = news->display;
-            log.lines = news->lines;
-        }
+        if (const auto news = board.fetch()) shown = news->display;
         return outcome;
     }
 };
 
 } // namespace
-
-TEST_F(Jobs, a_set_is_loaded_admitted_and_renumbered) {
-    refused = {6};
-    const Outcome outcome = run({.mode = Job_Mode::write_set,
-                                 .susi = false,
-                                 .values = {},
-                                 .cvs = {cv(3, 40), cv(5, 200), cv(6, 1), cv(26, 1), cv(430, 9),
-                                         cv(300, 9), cv(29, 6, 1, 1)}});
-    EXPECT_EQ(outcome.end, End::done);
-    EXPECT_EQ(outcome.refused, 1);
-    EXPECT_EQ(outcome.not_admitted, 3);
-    EXPECT_EQ(shown.Label1, QStringLiteral("CV-Set geladen!"));
-    EXPECT_EQ(shown.lab_warnung, QStringLiteral("CV-Sets unterstützt (62 CVs max.)"));
-    EXPECT_EQ(shown.ProgressBar1, 100);
-    EXPECT_TRUE(log.lines.contains(QStringLiteral("Write CV 201")));
-    EXPECT_TRUE(log.lines.contains(QStringLiteral("Write Set-CV Falsch")));
-    EXPECT_EQ(log.lines.last(), QStringLiteral("Set-CV End Wahr"));
-}
-
-TEST_F(Jobs, what_a_decoder_cannot_and_who_does_not_answer_is_said) {
-    capacity = 9;
-    EXPECT_EQ(
-        run({.mode = Job_Mode::write_set, .susi = false, .values = {}, .cvs = {cv(3, 4)}}).end,
-        End::unsupported);
-    EXPECT_EQ(shown.Label1, QStringLiteral("CV-Sets vom Decoder nicht unterstützt"));
-    cvs[8] = 99;
-    EXPECT_EQ(run({}).end, End::not_connected);
-    EXPECT_EQ(shown.Label1, QStringLiteral("Verbindung fehlgeschlagen"));
-    EXPECT_FALSE(control.is_open());
-}
-
-TEST_F(Jobs, a_decoder_of_256_is_read_into_the_numbers_of_a_set) {
-    for (int number = 1; number <= 256; ++number)
-        if (number != 8) cvs[number] = number % 256;
-    const Outcome outcome =
-        run({.mode = Job_Mode::read_all, .susi = false, .values = {}, .cvs = {}});
-    EXPECT_EQ(outcome.end, End::done);
-    const auto records = records_read(outcome.read, outcome.values.decoder.cv_space);
-    std::map<int, int> found;
-    for (const auto& record : records) found[record.CVNr] = record.CVWert;
-    const std::map<int, int> some{{3, 3},     {97, 104},  {309, 102}, {349, 101}, {351, 97},
-                                  {100, 100}, {394, 103}, {430, 201}, {477, 248}, {508, 249}};
-    for (const auto& [number, value] : some) EXPECT_EQ(found[number], value) << number;
-    for (const int number : {7, 8, 65, 250, 253, 355, 509}) EXPECT_FALSE(found.contains(number));
-    EXPECT_EQ(shown.lab_sn, QStringLiteral("CV 256/256"));
-
-    // and back: each number of a set goes to where it was read
-    for (const auto& [number, value] : found) {
-        const auto there = written_as(number, 256);
-        EXPECT_EQ(there ? *kept_as(*there, 256) : number, number);
-    }
-}
-
-TEST_F(Jobs, a_cancelled_load_says_that_half_of_it_may_be_there) {
-    values.BasuModeActive = basu = true;
-    values.TimingCounter = 125000;
-    time.at(Milliseconds(2000), [&] { abort.raise(); });
-    const Outcome outcome = run({.mode = Job_Mode::write_set,
-                                 .susi = false,
-                                 .values = {},
-                                 .cvs = std::vector<store::CVRec>(2000, cv(3, 4))});
-    EXPECT_EQ(outcome.end, End::cancelled);
-    EXPECT_TRUE(outcome.begun);
-    EXPECT_EQ(shown.Label1, QStringLiteral("CV-Sets nicht geladen!"));
-}
-
-TEST_F(Jobs, all_that_a_set_holds_is_written) {
-    const Outcome outcome =
-        run({.mode = Job_Mode::write_all,
-             .susi = false,
-             .values = {},
-             .cvs = {cv(3, 1), cv(3, 9, 0, 2), cv(4, 7, 1, 1), cv(430, 5), cv(26, 1), cv(300, 1)}});
-    EXPECT_EQ(outcome.end, End::done);
-    EXPECT_EQ(cvs[3], 9);
-    EXPECT_EQ(cvs[201], 5);
-    EXPECT_EQ(cvs.count(4), 0U);
-    EXPECT_EQ(cvs.count(26), 0U);
-    EXPECT_TRUE(cvs.contains(31));
-    EXPECT_EQ(shown.lab_sn, QStringLiteral("CV 512/512"));
-    EXPECT_EQ(shown.Label1, QStringLiteral("Übertragung erfolgreich"));
-}
-
-TEST_F(Jobs, an_interface_that_was_pulled_out_is_switched_on_again) {
-    control.gone_at = 2000;
-    const Outcome outcome =
-        run({.mode = Job_Mode::read_all, .susi = false, .values = {}, .cvs = {}});
-    EXPECT_EQ(outcome.end, End::failed);
-    EXPECT_GT(outcome.last_read, 5); // and kept
-    EXPECT_FALSE(outcome.values.BasuModeActive);
-    EXPECT_EQ(outcome.values.TimingCounter, 125000);
-}
 
 // What the sets of the three groups take; beyond them, that is 1..256 and some of 257..512 for the
 // smallest decoders, and everything for the others, but the numbers that are a decoder's own.
@@ -182,5 +88,9 @@ TEST_F(Jobs, a_capacity_class_has_its_text_and_its_group) {
         const Outcome outcome = run({});
         EXPECT_EQ(shown.lab_warnung, QString::fromUtf8(row.text));
         EXPECT_EQ(outcome.values.decoder.group, row.text == none ? Family_Group::cv256 : row.group);
+        const auto end =
+            run({.mode = Job_Mode::write_set, .susi = false, .values = {}, .cvs = {}}).end;
+        EXPECT_EQ(end, row.text == none ? End::unsupported : End::done);
+        EXPECT_EQ(shown.Label1, QString::fromUtf8(row.text == none ? none : "CV-Set geladen!"));
     }
 }

@@ -34,15 +34,6 @@ protected:
     files::Memory_Disk disk;
 };
 
-TEST_F(Lagging_Counter, a_new_number_lies_above_every_key) {
-    lower_counters(disk, 2);
-    auto database = open(disk);
-    const auto table = *database.table(u"T");
-    EXPECT_EQ(table.insert({{1, 1}}).auto_number, 6);
-    EXPECT_EQ(table.insert({{1, 1}}).auto_number, 7);
-    EXPECT_EQ(faults(database, true), "");
-}
-
 TEST_F(Lagging_Counter, a_row_that_was_refused_leaves_the_next_one_a_number) {
     lower_counters(disk, 2);
     auto database = open(disk);
