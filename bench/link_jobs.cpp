@@ -7,7 +7,6 @@
 //     cancel   the longest of ten cancels while CVs are read, in milliseconds
 
 #include "app/mod_main.h"
-#include "platform/serial/real_scomm.h"
 #include "store/clsDBConn.h"
 #include "ui/desktop/qt_desktop.h"
 #include "ui/main/Frm_Main.h"
@@ -22,7 +21,6 @@
 #include <chrono>
 #include <ctime>
 #include <iostream>
-#include <optional>
 #include <stdexcept>
 
 namespace {
@@ -102,16 +100,7 @@ int main(int argc, char** argv) {
     QApplication application(argc, argv);
     if (argc != 2) return 2;
     ui_desktop::Qt_Desktop desktop;
-    std::optional<serial::Port_Numbers> numbers;
-    const link_ui::Link_Ports ports{
-        [&numbers] {
-            if (!numbers)
-                numbers.emplace(files::real_disk(),
-                                serial::Port_Places{{}, app::globals.UserDataDir.toStdString()});
-            return serial::real_scomm(*numbers);
-        },
-        timing::real_time(), link_transport::real_bit_loop()};
-    ui_main::Frm_Main window(desktop, files::real_disk(), store::DBConn(), ports);
+    ui_main::Frm_Main window(desktop, files::real_disk(), store::DBConn(), link_ui::real_ports());
     window.load();
     window.show();
     app::globals.comport = 7;

@@ -1,8 +1,6 @@
-#include "app/mod_main.h"
 #include "platform/desktop/end_signals.h"
 #include "platform/desktop/fonts_ahead.h"
 #include "platform/files/disk.h"
-#include "platform/serial/real_scomm.h"
 #include "store/clsDBConn.h"
 #include "ui/desktop/german.h"
 #include "ui/desktop/qt_desktop.h"
@@ -34,16 +32,7 @@ int main(int argc, char** argv) {
     ui_desktop::speak_german();
 
     ui_desktop::Qt_Desktop desktop;
-    std::optional<serial::Port_Numbers> numbers; // when the user's folder is known
-    const link_ui::Link_Ports ports{
-        [&numbers] {
-            if (!numbers)
-                numbers.emplace(files::real_disk(),
-                                serial::Port_Places{{}, app::globals.UserDataDir.toStdString()});
-            return serial::real_scomm(*numbers);
-        },
-        timing::real_time(), link_transport::real_bit_loop()};
-    ui_main::Frm_Main window(desktop, files::real_disk(), store::DBConn(), ports);
+    ui_main::Frm_Main window(desktop, files::real_disk(), store::DBConn(), link_ui::real_ports());
     const desktop::End_Signals signals([&window] {
         window.unload();
         QCoreApplication::quit();

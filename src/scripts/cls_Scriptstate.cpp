@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <tuple>
 
 namespace scripts {
 
@@ -40,25 +39,6 @@ constexpr std::int32_t read_cv = 32;
 
 constexpr bool is_byte(std::int32_t value) { return value >= 0 && value <= 255; }
 
-int read_cv_of(const catalogue::Parameters& editor) {
-    if (!is_byte(editor[1])) return 0;
-    constexpr int block = 256;
-    constexpr int page_145 = 145 * 65536;
-    switch (editor[0]) {
-    case 0:
-    case 1:
-    case 2:
-    case 3:
-        return block * editor[0] + 1 + editor[1];
-    case 4:
-        return page_145 + 1 + editor[1];
-    case 5:
-        return page_145 + 2 * block + 1 + editor[1];
-    default:
-        return 0;
-    }
-}
-
 const catalogue::Cv_Reference* reference(std::int32_t command, int which) {
     const catalogue::Command* known = catalogue::command(command);
     if (known == nullptr || which < 0 || which >= static_cast<int>(std::size(known->references)))
@@ -83,7 +63,7 @@ int cls_Scriptstate::used_cv(int which) const {
 }
 
 int cls_Scriptstate::GetCVRef(int which) const {
-    if (Command_ == read_cv) return which == 0 ? read_cv_of(Par_) : 0;
+    if (Command_ == read_cv) return which == 0 ? catalogue::cv_of(Par_[0], Par_[1]) : 0;
     const catalogue::Cv_Reference* found = reference(Command_, which);
     return found != nullptr && found->moves ? used_cv(which) : 0;
 }
@@ -150,6 +130,8 @@ void cls_Scriptstate::choose_end_mode(int entry) {
 
 int cls_Scriptstate::key() const { return catalogue::key_index(Par_[0]); }
 
-void cls_Scriptstate::choose_key(int entry) { std::ignore = catalogue::key_code(entry, Par_[0]); }
+void cls_Scriptstate::choose_key(int entry) {
+    if (const auto code = catalogue::key_code(entry)) Par_[0] = *code;
+}
 
 } // namespace scripts

@@ -146,17 +146,18 @@ bool Library_Scripts::save_states(std::int32_t SetID, scripts::cls_script_coll& 
     return changing(SetID, of, position, [&](Script& script) {
         const std::int32_t id = script.ScriptID;
         if (file_.rows(one_script(SetID, script)).at_end()) throw gone(u"Scripte"_s, id);
-        int rows_as_they_shall_be = 0; // one after the other, from 0
+        const int count = std::clamp(script.StateCount, 0, Script::max_states);
+        int next = 0; // the rows are to stand one after the other, from 0
         bool same = true;
         const std::size_t stored =
             visit_states(id, [&](std::int32_t number, const scripts::cls_Scriptstate& state) {
-                same = same && number == rows_as_they_shall_be++ && number < script.StateCount &&
+                same = same && number == next && number < count &&
                        same_row(state, script.GetState(number));
+                ++next;
             });
         if (script.Stored_States != stored) throw differs(u"Scripte"_s, id);
-        if (same && rows_as_they_shall_be == script.StateCount) return;
+        if (same && next == count) return;
         std::size_t print = 0;
-        const int count = std::clamp(script.StateCount, 0, Script::max_states);
         std::vector<ado::Row> states;
         for (int number = 0; number < count; ++number) {
             states.push_back(row_of_state(script, number));

@@ -1,6 +1,5 @@
 #include "store/pasting.h"
 #include "store/undo_library.h"
-#include "support/crash_sweep.h"
 
 #include <gmock/gmock.h>
 
@@ -78,18 +77,12 @@ TEST_F(Pasting, happens_whole_or_not_at_all) {
         db.Connection_Start(QStringLiteral("a.mdb"));
         ASSERT_TRUE(paste(db, much(), 8).kept);
     }
-    const auto after = undo::content(changed);
     const auto act = [](files::Disk& on) {
         clsDBConn db(on);
         db.Connection_Start(QStringLiteral("a.mdb"));
         if (!paste(db, much(), 8).kept) throw std::runtime_error("not pasted");
     };
-    const auto whole = [&](files::Disk& found, support::Outcome outcome) {
-        const auto left = undo::content(found);
-        if (outcome != support::Outcome::refused && left == after) return;
-        EXPECT_NE(outcome, support::Outcome::finished);
-        EXPECT_EQ(undo::difference(left, before), "");
-    };
+    const auto whole = undo::whole_or_not(before, undo::content(changed));
     EXPECT_GT(support::sweep_refusals(disk, act, whole), 20);
     EXPECT_GT(support::sweep_crashes(disk, act, whole), 20);
 }

@@ -6,7 +6,6 @@
 #include "scripts/script_file.h"
 #include "store/library.h"
 #include "store/undo_library.h"
-#include "support/crash_sweep.h"
 
 #include <gmock/gmock.h>
 
@@ -70,7 +69,6 @@ TEST_F(Script_Import, happens_whole_or_not_at_all) {
         choose_set(db);
         ASSERT_TRUE(import_scripts(db, long_ones()).kept);
     }
-    const auto after = undo::content(changed);
     const auto act = [](files::Disk& on) {
         clsDBConn db(on);
         choose_set(db);
@@ -79,12 +77,7 @@ TEST_F(Script_Import, happens_whole_or_not_at_all) {
         EXPECT_TRUE(AktScripts().Count() == count || AktScripts().Count() == 0);
         throw std::runtime_error("not imported");
     };
-    const auto whole = [&](files::Disk& found, support::Outcome outcome) {
-        const auto left = undo::content(found);
-        if (outcome != support::Outcome::refused && left == after) return;
-        EXPECT_NE(outcome, support::Outcome::finished);
-        EXPECT_EQ(undo::difference(left, before), "");
-    };
+    const auto whole = undo::whole_or_not(before, undo::content(changed));
     EXPECT_GT(support::sweep_refusals(disk, act, whole), 20);
     EXPECT_GT(support::sweep_crashes(disk, act, whole), 20);
 }

@@ -4,6 +4,7 @@
 #include "scripts/cls_script_coll.h"
 #include "store/library.h"
 #include "store/undo_history.h"
+#include "support/crash_sweep.h"
 
 #include <functional>
 
@@ -45,6 +46,17 @@ inline std::string difference(const Content& one, const Content& other) {
                    std::to_string(one.tables[i].rows.size()) + " and " +
                    std::to_string(other.tables[i].rows.size()) + " rows";
     return "the list of tables or relations";
+}
+
+/// For sweeps of an operation that is whole or not there: what the disk holds afterwards.
+inline auto whole_or_not(Content before, Content after) {
+    return [before = std::move(before), after = std::move(after)](files::Disk& found,
+                                                                  support::Outcome outcome) {
+        const Content left = content(found);
+        if (outcome != support::Outcome::refused && left == after) return;
+        EXPECT_NE(outcome, support::Outcome::finished);
+        EXPECT_EQ(difference(left, before), "");
+    };
 }
 
 /// What people do to a library, on one of its sets.

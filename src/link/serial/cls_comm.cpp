@@ -2,6 +2,14 @@
 
 namespace link_serial {
 
+std::vector<int> existing_ports(serial::SComm& control, int highest) {
+    control.look_for_ports();
+    std::vector<int> found;
+    for (int port = 1; port <= highest; ++port)
+        if (!control.device_name(port).isEmpty()) found.push_back(port);
+    return found;
+}
+
 cls_comm::cls_comm(serial::SComm& control, link_types::Link_Values& values,
                    std::function<void()> show_ports)
     : control_(control), values_(values), show_ports_(std::move(show_ports)) {}

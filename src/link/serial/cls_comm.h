@@ -8,6 +8,9 @@
 
 namespace link_serial {
 
+/// The ports that there are, up to a number, in ascending order. Looks for them anew.
+std::vector<int> existing_ports(serial::SComm& control, int highest = serial::highest_port);
+
 /// What the name of the interface's own ports contains.
 inline const QString interface_name = QStringLiteral("KELDA Interface");
 

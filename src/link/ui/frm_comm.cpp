@@ -43,14 +43,11 @@ frm_comm::frm_comm(QWidget* parent, desktop::Desktop& desktop, const Link_Ports&
 
 void frm_comm::refresh(bool by_timer) {
     log_.line(QStringLiteral("Search_Comm"));
-    names_->look_for_ports();
-    std::vector<int> found;
-    for (int port = 1; port <= ports_shown; ++port) {
-        const QString name = names_->device_name(port);
-        if (name.isEmpty()) continue;
-        found.push_back(port);
+    const std::vector<int> found = link_serial::existing_ports(*names_, ports_shown);
+    for (const int port : found) {
         log_.line(QStringLiteral("Comm %1 exist").arg(port));
-        if (by_timer && name.contains(link_serial::interface_name)) kinds_[port] = Port_Kind::korli;
+        if (by_timer && names_->device_name(port).contains(link_serial::interface_name))
+            kinds_[port] = Port_Kind::korli;
     }
     if (found != candidates_ || !refreshed_) {
         candidates_ = found;

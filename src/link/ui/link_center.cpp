@@ -120,12 +120,7 @@ void Link_Center::show_log() {
 }
 
 std::vector<int> Link_Center::existing_ports() const {
-    const std::unique_ptr<serial::SComm> names = ports_.make_control();
-    names->look_for_ports();
-    std::vector<int> found;
-    for (int port = 1; port <= serial::highest_port; ++port)
-        if (!names->device_name(port).isEmpty()) found.push_back(port);
-    return found;
+    return link_serial::existing_ports(*ports_.make_control());
 }
 
 void Link_Center::show_ports(QWidget& above) {

@@ -17,4 +17,7 @@ struct Link_Ports {
     link_transport::Bit_Loop& loop;
 };
 
+/// Those of this machine: real devices, the clock, the processor.
+Link_Ports real_ports();
+
 } // namespace link_ui

@@ -1,5 +1,7 @@
 #include "scripts/catalogue/forms.h"
 
+#include "app/mod_main.h"
+
 #include <algorithm>
 
 namespace scripts_catalogue {
@@ -9,28 +11,24 @@ constexpr std::int32_t from_cv = 1; ///< in parameter 3 of a sound: parameter 1 
 
 // Command 1
 
-/// Amplitudes of the ten steps of volume, 3 dB each: the one that is written, and from where on
-/// one is read as this step.
-struct Volume {
-    std::int32_t written;
-    std::int32_t lowest;
-};
-constexpr Volume volumes_in_dB[] = {{0, 216}, {181, 153}, {128, 108}, {91, 77}, {64, 55},
-                                    {46, 39}, {32, 28},   {23, 20},   {16, 14}, {11, 10}};
+/// From which amplitude on one is read as this step of volume; what is written for a step stands in
+/// the program's VolumeSteps.
+constexpr std::array<std::int32_t, 10> lowest_amplitudes{216, 153, 108, 77, 55, 39, 28, 20, 14, 10};
 constexpr std::int32_t highest_step = 9;
 
 /// Plain steps occur in libraries, too: 1 to 9 are read as what they name.
 std::int32_t step_of(std::int32_t amplitude) {
     if (amplitude >= 0 && amplitude <= highest_step) return amplitude;
     const auto* found = std::ranges::find_if(
-        volumes_in_dB, [=](const Volume& volume) { return amplitude >= volume.lowest; });
-    return found == std::end(volumes_in_dB)
+        lowest_amplitudes, [=](std::int32_t lowest) { return amplitude >= lowest; });
+    return found == lowest_amplitudes.end()
                ? 0
-               : static_cast<std::int32_t>(found - std::begin(volumes_in_dB));
+               : static_cast<std::int32_t>(found - lowest_amplitudes.begin());
 }
 
 std::int32_t amplitude_of(std::int32_t step) {
-    return step >= 0 && step <= highest_step ? volumes_in_dB[step].written : 0;
+    const bool there = step >= 0 && step <= highest_step;
+    return there ? app::globals.VolumeSteps[static_cast<std::size_t>(step)] : 0;
 }
 
 constexpr Loop loop_rows[] = {
@@ -89,6 +87,7 @@ struct Cv_Range {
     std::int32_t page, block;
 };
 constexpr Cv_Range cv_ranges_in_order[] = {{0, 0}, {0, 1}, {0, 2}, {0, 3}, {145, 0}, {145, 2}};
+constexpr auto cv_range_count = static_cast<std::int32_t>(std::size(cv_ranges_in_order));
 
 std::int32_t range_of(const Parameters& decoder) {
     const auto* found = std::ranges::find_if(cv_ranges_in_order, [&](const Cv_Range& range) {
@@ -203,15 +202,18 @@ std::int32_t key_index(std::int32_t code) {
     return entry >= first_cv_entry && entry <= last_cv_entry ? entry : 0;
 }
 
-bool key_code(std::int32_t index, std::int32_t& code) {
-    if (index < 0 || index > last_cv_entry) return false;
-    if (index == 0)
-        code = f0_code;
-    else if (index < man)
-        code = index - 1;
-    else
-        code = index == man ? man : index + cv_codes_above;
-    return true;
+std::optional<std::int32_t> key_code(std::int32_t index) {
+    if (index < 0 || index > last_cv_entry) return std::nullopt;
+    if (index == 0) return f0_code;
+    if (index < man) return index - 1;
+    return index == man ? man : index + cv_codes_above;
+}
+
+std::int32_t cv_of(std::int32_t range, std::int32_t number) {
+    const bool there = range >= 0 && range < cv_range_count && number >= 0 && number <= 255;
+    if (!there) return 0;
+    const auto [page, block] = cv_ranges_in_order[range];
+    return page * 65536 + block * 256 + 1 + number;
 }
 
 std::int32_t volume_of(const Parameters& editor) {

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 
 namespace scripts_catalogue {
 
@@ -40,8 +41,13 @@ const Loop& loop_of_choice(std::int32_t loop, std::int32_t end);
 
 /// Entry of the key list for a key code; 0 (F0) for a code that is none.
 std::int32_t key_index(std::int32_t code);
-/// Whether the entry of the key list exists; its code then.
-bool key_code(std::int32_t index, std::int32_t& code);
+/// Code of an entry of the key list; nothing where there is no such entry.
+std::optional<std::int32_t> key_code(std::int32_t index);
+
+/// The CV that the columns of commands 30 to 33 name: of a list entry of the ranges, with its number
+/// counted from 0. Those of page 145 are 65536 times the page above their number; 0 for what is no
+/// CV.
+std::int32_t cv_of(std::int32_t range, std::int32_t number);
 
 /// Volume as the editor counts it: a step 0..9, or 10 and more for the script CV 980 and on.
 std::int32_t volume_of(const Parameters& editor);

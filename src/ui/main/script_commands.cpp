@@ -94,12 +94,11 @@ std::optional<scripts::Script_File> Script_Commands::read_scripts(const QString&
     const QString name = shortened(app::FileOf(path));
     try {
         const ui_parts::Busy busy;
-        const auto file = at_.disk.open(path.toStdString(), files::Access::read);
-        if (file->size() <= longest_file) {
-            QByteArray bytes(static_cast<qsizetype>(file->size()), Qt::Uninitialized);
-            bytes.truncate(static_cast<qsizetype>(
-                file->read_at(0, std::as_writable_bytes(std::span(bytes.begin(), bytes.end())))));
-            scripts::Script_File read = scripts::read_script_file(bytes);
+        const std::string file = path.toStdString();
+        if (at_.disk.open(file, files::Access::read)->size() <= longest_file) {
+            const std::vector<std::byte> bytes = files::read_file(at_.disk, file);
+            scripts::Script_File read = scripts::read_script_file(QByteArray(
+                reinterpret_cast<const char*>(bytes.data()), static_cast<qsizetype>(bytes.size())));
             if (read.has_section) return read;
         }
         at_.messages.say(QStringLiteral("In „%1“ sind keine Scripte.").arg(name));
@@ -173,8 +172,7 @@ void Script_Commands::write_script(const scripts::cls_script& script, const QStr
         at_.messages.say(sentence_exported(script.ScriptName, name, replaced));
     } catch (const files::Error& error) {
         const auto kind = true_reason(at_.disk, path, error.kind);
-        at_.messages.say_and_log(QStringLiteral("„%1“ wurde nicht geschrieben: ").arg(name) +
-                                     ui_parts::reason(kind),
+        at_.messages.say_and_log(text(Text::project_failed).arg(name, ui_parts::reason(kind)),
                                  QString::fromUtf8(error.what()));
     }
 }
@@ -193,8 +191,9 @@ void Script_Commands::DeleteScript(int position) {
         AktScripts().Remove(position);
         at_.view.say_outcome(
             QStringLiteral("Script „%1“ gelöscht.").arg(shortened(script->ScriptName)));
-    } else if (!at_.messages.say_trouble()) {
-        at_.database.DB_Load_Scripts();
+    } else {
+        at_.messages.say_trouble();
+        at_.database.DB_Load_Scripts(); // what the list shows is what is there
     }
     at_.form.UC_Scripte1->refill();
     at_.form.UC_Scripte1->choose(std::min(position, AktScripts().Count()));

@@ -137,3 +137,15 @@ TEST_F(Scripts_Test, files_without_scripts_say_so) {
     get<QPushButton>("cmd_import").click();
     EXPECT_THAT(status(), HasSubstr("kann nicht gelesen werden"));
 }
+
+TEST_F(Scripts_Test, that_cannot_be_written_leave_the_old_file) {
+    put(two);
+    import();
+    disk.protect_folder("/home/anna");
+    desktop.expect_save(file);
+    desktop.expect_question(QStringLiteral("Achtung"),
+                            QStringLiteral("Script vorhanden. Überschreiben?"), Answer::yes);
+    get<QPushButton>("cmd_export").click();
+    EXPECT_THAT(status(), HasSubstr("konnte nicht gespeichert werden"));
+    EXPECT_EQ(stored(), two);
+}
