@@ -118,14 +118,6 @@ TEST(Script_File, is_read_as_far_as_it_goes) {
     }
 }
 
-TEST(Script_File, holds_sixteen_scripts) {
-    QByteArray file = "Scripts\n";
-    for (int i = 0; i < 17; ++i) file += "Script\nState,0\n";
-    const Script_File read = read_script_file(file + "/Scripts");
-    EXPECT_EQ(read.scripts.size(), 16U);
-    EXPECT_TRUE(read.too_many);
-}
-
 // Whatever is read can be written, and is then read as the same.
 TEST(Script_File, spoiled_in_any_way_is_read_to_its_end) {
     std::mt19937 random(20261125);
