@@ -2,7 +2,9 @@
 
 #include "platform/ado/value.h"
 
+#include <cstddef>
 #include <cstdint>
+#include <map>
 #include <set>
 #include <vector>
 
@@ -21,12 +23,14 @@ struct Row_Change {
     QString other = {};
 };
 
-/// What was wrong around rows that were deleted, and may be again when they come back: libraries of
-/// other programs hold a CV twice, or rows of sets and scripts that are gone.
+/// What stood around rows that were changed. Much of it is wrong, and may be so again when they come
+/// back: libraries of other programs hold a CV twice, or rows of sets and scripts that are gone.
 struct Oddities {
     std::set<std::int32_t> doubles;    ///< CVs in the places of deleted ones, by CVID
     std::set<std::int32_t> no_sets;    ///< which deleted CVs and scripts named, by SetID
     std::set<std::int32_t> no_scripts; ///< which deleted states named, by ScriptID
+    /// Prints of the unchanged lines of scripts with changed ones, by ScriptID.
+    std::map<std::int32_t, std::size_t> lines;
 };
 
 /// Everything that one outermost operation changed, in the order in which it happened.

@@ -139,8 +139,10 @@ void Library_Operation::row_changed(const QString& table, const ado::Row& before
 
 /// Asked before the commit: nobody else can have put anything right since the deletion.
 void Library_Operation::note_oddities() {
-    const auto is_deleted = [](const Row_Change& change) { return change.after.empty(); };
-    if (listeners_.empty() || std::ranges::none_of(record_.rows, is_deleted)) return;
+    const auto hangs_together = [](const Row_Change& change) {
+        return change.after.empty() || change.table == Table::Scriptstates;
+    };
+    if (listeners_.empty() || std::ranges::none_of(record_.rows, hangs_together)) return;
     try {
         record_.odd = Row_Surroundings(file_).oddities(net(record_.rows));
     } catch (const ado::Error&) {

@@ -25,7 +25,22 @@ QString one_script(std::int32_t set_id, const scripts::cls_script& script) {
     return scripts_of(set_id) + u" AND ScriptID = "_s + QString::number(script.ScriptID);
 }
 
-ado::Row row_of_state(const scripts::cls_script& script, std::int32_t number) {
+/// The columns of a stored line that differ from what the line is to be.
+ado::Row differences(const scripts::cls_Scriptstate& stored,
+                     const scripts::cls_Scriptstate& wanted) {
+    ado::Row row;
+    if (stored.GetCommand() != wanted.GetCommand())
+        row.emplace_back(u"Command"_s, ado::value(wanted.GetCommand()));
+    for (std::size_t i = 0; i < par_names.size(); ++i) {
+        const int par = static_cast<int>(i);
+        if (stored.GetPar(par) != wanted.GetPar(par))
+            row.emplace_back(par_names[i], ado::value(wanted.GetPar(par)));
+    }
+    if (stored.Info != wanted.Info) row.emplace_back(u"Info"_s, ado::value(wanted.Info));
+    return row;
+}
+
+ado::Row new_row(const scripts::cls_script& script, std::int32_t number) {
     const scripts::cls_Scriptstate& state = script.GetState(number);
     ado::Row row{{u"ScriptID"_s, ado::value(script.ScriptID)},
                  {u"State"_s, ado::value(number)},
@@ -50,11 +65,94 @@ std::size_t with_state(std::size_t print, std::int32_t number,
                       state.GetPar(2), state.GetPar(3), state.Info);
 }
 
-bool same_row(const scripts::cls_Scriptstate& one, const scripts::cls_Scriptstate& other) {
-    for (std::size_t i = 0; i < par_names.size(); ++i)
-        if (one.GetPar(static_cast<int>(i)) != other.GetPar(static_cast<int>(i))) return false;
-    return one.GetCommand() == other.GetCommand() && one.Info == other.Info;
+bool is_line(std::int32_t number) {
+    return number >= 0 && number < scripts::cls_script::max_states;
 }
+
+/// How the stored lines of a script become those that it has now: what is equal stays, what differs
+/// is changed where it stands, so that columns of other programs keep what they hold. Numbers that
+/// no script can have are nobody's lines and stay, too.
+class Line_Storage {
+public:
+    Line_Storage(Library_File& file, const scripts::cls_script& script)
+        : script_(script),
+          count_(std::clamp(script.StateCount, 0, scripts::cls_script::max_states)),
+          rows_(file.rows(states_of(script.ScriptID) + u" ORDER BY State"_s)) {
+        std::size_t place = 0;
+        for (; !rows_.at_end(); rows_.move_next(), ++place) {
+            const std::int32_t number = rows_.number(u"State").value_or(0);
+            numbers_.push_back(number);
+            if (number >= 0 && number < count_) kept_[static_cast<std::size_t>(number)] = place;
+        }
+    }
+
+    /// Refuses what has no room, before anything is changed.
+    void check() {
+        visit([&](std::int32_t number) {
+            if (prepare(number)) rows_.check();
+        });
+        for (int number = 0; number < count_; ++number)
+            if (!kept_[static_cast<std::size_t>(number)]) {
+                prepare_new(number);
+                rows_.check();
+            }
+    }
+
+    void store() {
+        visit([](std::int32_t) {},
+              [&](std::int32_t number) {
+                  if (is_line(number)) rows_.erase();
+              });
+        try {
+            visit([&](std::int32_t number) {
+                if (prepare(number)) rows_.update();
+            });
+        } catch (const ado::Error& error) {
+            // A rule of another program for several lines, which they break only on the way.
+            if (error.kind != ado::Failure::refused) throw;
+            visit([&](std::int32_t) { rows_.erase(); });
+            kept_.fill(std::nullopt);
+        }
+        for (int number = 0; number < count_; ++number)
+            if (!kept_[static_cast<std::size_t>(number)]) {
+                prepare_new(number);
+                rows_.update();
+            }
+    }
+
+private:
+    /// Of several rows with one number the last is the line, as in loading.
+    void visit(
+        const std::function<void(std::int32_t)>& line,
+        const std::function<void(std::int32_t)>& other = [](std::int32_t) {}) {
+        rows_.move_first();
+        for (std::size_t place = 0; place < numbers_.size(); ++place, rows_.move_next()) {
+            const std::int32_t number = numbers_[place];
+            const bool is_kept =
+                number >= 0 && number < count_ && kept_[static_cast<std::size_t>(number)] == place;
+            (is_kept ? line : other)(number);
+        }
+    }
+    /// @return whether the current row is to be changed
+    bool prepare(std::int32_t number) {
+        scripts::cls_Scriptstate stored;
+        fill_state(stored, rows_);
+        const ado::Row row = differences(stored, script_.GetState(number));
+        for (const auto& [name, value] : row) rows_.set(name, value);
+        return !row.empty();
+    }
+    void prepare_new(int number) {
+        rows_.add_new();
+        for (const auto& [name, value] : new_row(script_, number)) rows_.set(name, value);
+    }
+
+    const scripts::cls_script& script_;
+    int count_;
+    ado::Recordset rows_;
+    std::vector<std::int32_t> numbers_; ///< of the rows
+    std::array<std::optional<std::size_t>, scripts::cls_script::max_states>
+        kept_{}; ///< row of a line
+};
 
 } // namespace
 
@@ -75,7 +173,7 @@ std::size_t Library_Scripts::visit_states(
 void Library_Scripts::load_states(Script& script) {
     script.Stored_States =
         visit_states(script.ScriptID, [&](std::int32_t number, const auto& state) {
-            if (number < 0 || number >= Script::max_states) {
+            if (!is_line(number)) {
                 ++script.States_Left_Out;
                 return;
             }
@@ -146,32 +244,12 @@ bool Library_Scripts::save_states(std::int32_t SetID, scripts::cls_script_coll& 
     return changing(SetID, of, position, [&](Script& script) {
         const std::int32_t id = script.ScriptID;
         if (file_.rows(one_script(SetID, script)).at_end()) throw gone(u"Scripte"_s, id);
-        const int count = std::clamp(script.StateCount, 0, Script::max_states);
-        int next = 0; // the rows are to stand one after the other, from 0
-        bool same = true;
-        const std::size_t stored =
-            visit_states(id, [&](std::int32_t number, const scripts::cls_Scriptstate& state) {
-                same = same && number == next && number < count &&
-                       same_row(state, script.GetState(number));
-                ++next;
-            });
-        if (script.Stored_States != stored) throw differs(u"Scripte"_s, id);
-        if (same && next == count) return;
-        std::size_t print = 0;
-        std::vector<ado::Row> states;
-        for (int number = 0; number < count; ++number) {
-            states.push_back(row_of_state(script, number));
-            file_.connection().session().check(u"Scriptstates"_s, states.back());
-            print = with_state(print, number, script.GetState(number));
-        }
-        file_.execute(u"DELETE FROM Scriptstates WHERE ScriptID = "_s + QString::number(id));
-        ado::Recordset rows = file_.rows(states_of(id));
-        for (const ado::Row& state : states) {
-            rows.add_new();
-            for (const auto& [name, value] : state) rows.set(name, value);
-            rows.update();
-        }
-        script.Stored_States = print;
+        if (script.Stored_States != visit_states(id, [](auto, auto&) {}))
+            throw differs(u"Scripte"_s, id);
+        Line_Storage lines(file_, script);
+        lines.check();
+        lines.store();
+        script.Stored_States = visit_states(id, [](auto, auto&) {});
     });
 }
 

@@ -1,5 +1,6 @@
 #include "store/row_surroundings.h"
 
+#include <QHashFunctions>
 #include <map>
 #include <utility>
 
@@ -94,7 +95,8 @@ Oddities Row_Surroundings::oddities(const std::vector<Row_Change>& changes) {
     return {in_places(deleted), missing(u"Sets"_s, u"SetID"_s, without(sets_of(deleted), sets)),
             missing(u"Scripte"_s, u"ScriptID"_s,
                     without(coming_back(deleted, Table::Scriptstates, u"ScriptID"_s),
-                            going(changes, Table::Scripte)))};
+                            going(changes, Table::Scripte))),
+            lines_beside(changes)};
 }
 
 void Row_Surroundings::check(const std::vector<Row_Change>& changes, const Oddities& odd) {
@@ -105,7 +107,12 @@ void Row_Surroundings::check(const std::vector<Row_Change>& changes, const Oddit
     }
     for (const std::int32_t script : going(changes, Table::Scripte))
         need_none(u"Scriptstates"_s, u"ScriptID"_s, script);
-    check_states(changes, odd.no_scripts);
+    need_as_it_was(u"Scripte"_s, u"ScriptID"_s,
+                   coming_back(changes, Table::Scriptstates, u"ScriptID"_s), odd.no_scripts);
+    for (const auto& [script, print] : lines_beside(changes))
+        if (const auto known = odd.lines.find(script);
+            known == odd.lines.end() || known->second != print)
+            throw differs(u"Scripte"_s, script);
     for (const std::int32_t met : in_places(changes))
         if (!odd.doubles.contains(met)) throw differs(u"CVs"_s, met);
 }
@@ -136,18 +143,30 @@ void Row_Surroundings::need_none(const QString& table, const QString& column, st
     if (!rows(table, column, key).at_end()) throw differs(table, key);
 }
 
-/// The states of a script come and go together: others in between would be somebody else's.
-void Row_Surroundings::check_states(const std::vector<Row_Change>& changes,
-                                    const Key_Set& no_scripts) {
-    const Key_Set own = coming_back(changes, Table::Scriptstates, u"SSID"_s);
-    const Key_Set scripts = coming_back(changes, Table::Scriptstates, u"ScriptID"_s);
-    need_as_it_was(u"Scripte"_s, u"ScriptID"_s, scripts, no_scripts);
-    for (const std::int32_t script : scripts) {
-        auto states = rows(u"Scriptstates"_s, u"ScriptID"_s, script, {u"SSID"_s});
-        for (; !states.at_end(); states.move_next())
-            if (!own.contains(states.number(u"SSID").value_or(0)))
-                throw differs(u"Scripte"_s, script);
+std::map<std::int32_t, std::size_t>
+Row_Surroundings::lines_beside(const std::vector<Row_Change>& changes) {
+    std::map<std::int32_t, Key_Set> changed; // lines of a script
+    for (const Row_Change& change : changes) {
+        if (change.table != Table::Scriptstates) continue;
+        const ado::Row& row = change.after.empty() ? change.before : change.after;
+        changed[ado::number_in(row, u"ScriptID"_s)].insert(ado::number_in(row, u"SSID"_s));
     }
+    const std::vector<QString> numbers{u"SSID"_s, u"State"_s, u"Command"_s, u"Par1"_s,
+                                       u"Par2"_s, u"Par3"_s,  u"Par4"_s};
+    std::map<std::int32_t, std::size_t> prints;
+    for (const auto& [script, keys] : changed) {
+        std::vector<QString> wanted = numbers;
+        wanted.push_back(u"Info"_s);
+        auto lines = rows(u"Scriptstates"_s, u"ScriptID"_s, script, std::move(wanted));
+        std::size_t& print = prints[script];
+        for (; !lines.at_end(); lines.move_next()) {
+            if (keys.contains(lines.number(numbers.front()).value_or(0))) continue;
+            for (const QString& number : numbers)
+                print = qHashMulti(print, lines.number(number).value_or(0));
+            print = qHashMulti(print, lines.text(u"Info").value_or(QString()));
+        }
+    }
+    return prints;
 }
 
 } // namespace store

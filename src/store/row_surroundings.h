@@ -4,7 +4,9 @@
 #include "store/library_file.h"
 
 #include <compare>
+#include <cstddef>
 #include <cstdint>
+#include <map>
 #include <set>
 #include <vector>
 
@@ -50,7 +52,9 @@ private:
                         const Key_Set& missing);
     void need(const QString& table, const QString& column, std::int32_t key);
     void need_none(const QString& table, const QString& column, std::int32_t key);
-    void check_states(const std::vector<Row_Change>& changes, const Key_Set& no_scripts);
+    /// What tells the lines that changed scripts have besides the changed ones from others, by
+    /// ScriptID: a script is one thing, and its lines name each other.
+    std::map<std::int32_t, std::size_t> lines_beside(const std::vector<Row_Change>& changes);
 
     Library_File& file_;
 };

@@ -71,10 +71,11 @@ TEST_F(Foreign_Rules, a_script_is_saved_whole_or_stays) {
     struct Rule {
         const char* what;
         std::function<void(jet::Database&)> change;
+        int more_lines = 0;
         bool foreseen = false; ///< refused before any line is touched
     };
     const Rule rules[] = {
-        {"a column that we do not fill", require_remark, true},
+        {"a column that we do not fill", require_remark, 1, true},
         {"no two lines alike",
          [](jet::Database& file) {
              const auto states = file.table(u"Scriptstates").value();
@@ -85,20 +86,29 @@ TEST_F(Foreign_Rules, a_script_is_saved_whole_or_stays) {
                                           QString::number(static_cast<int>(i)).toStdU16String()}});
              file.add_index(u"Scriptstates", library::unique_on({u"ScriptID", u"Info"}));
          }},
-        {"a note on a line", [](jet::Database& file) {
+        {"a note on a line",
+         [](jet::Database& file) {
              const auto scripts = file.table(u"Scripte").value();
              std::int32_t last = 0;
              for (auto row = scripts.rows(); row.next();)
                  if (row.integer(*scripts.column(u"SetID")) == set_with_scripts && last == 0)
                      last = row.integer(*scripts.column(u"ScriptID"));
              add_notes(file, u"Scriptstates", u"SSID", u"ScriptID", last);
-         }}};
+         },
+         -1, true}};
     for (const Rule& rule : rules) {
         SCOPED_TRACE(rule.what);
         open_changed(rule.change);
         const std::int32_t position = script_with_states();
+        std::swap(AktScripts().Item(position)->GetState(0),
+                  AktScripts().Item(position)->GetState(1));
+        EXPECT_TRUE(db.DB_Save_Script_States(position))
+            << "lines that are there change as they are";
+        expect_undone(before);
+        db.DB_Load_Scripts();
         scripts::cls_script& script = *AktScripts().Item(position);
         script.GetState(0).Info = script.GetState(1).Info = u"gleich"_s;
+        script.StateCount += rule.more_lines;
         EXPECT_FALSE(db.DB_Save_Script_States(position));
         EXPECT_EQ(library::trouble(db), "refused");
         expect_content(before);

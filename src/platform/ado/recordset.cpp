@@ -42,6 +42,12 @@ void Recordset::move_next() {
     if (!at_end()) ++position_;
 }
 
+void Recordset::move_first() {
+    pending_.clear();
+    adding_ = false;
+    position_ = 0;
+}
+
 Recordset::Field Recordset::field(QStringView name) {
     if (const auto column = rows().block->column(name)) return {*column};
     throw Error(Failure::not_found, (statement_.table + u'.' + name.toString()).toStdString(),
@@ -75,6 +81,14 @@ void Recordset::update() {
     if (!rows_) rows_ = session().nothing_of(statement_.table);
     rows_->order.push_back(session().insert(statement_.table, *rows_->block, cells));
     position_ = rows_->order.size() - 1;
+}
+
+void Recordset::check() {
+    const Row cells = std::exchange(pending_, {});
+    if (std::exchange(adding_, false))
+        session().check(statement_.table, cells);
+    else
+        session().check(statement_.table, *rows().block, current(), cells);
 }
 
 void Recordset::erase() {

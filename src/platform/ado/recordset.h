@@ -30,6 +30,7 @@ public:
     int record_count();
     bool at_end();
     void move_next();
+    void move_first();
 
     Field field(QStringView name);
     Value value(Field field);
@@ -49,6 +50,8 @@ public:
     /// Sets a field of the new or current row; nothing is stored before update().
     void set(const QString& name, Value value);
     void update();
+    /// Refuses what update() would for the values alone, and forgets them.
+    void check();
     /// Deletes the current row; the next one is current after move_next().
     void erase();
 

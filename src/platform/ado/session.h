@@ -74,6 +74,7 @@ public:
     /// of range, row too long, null where a value is required. Keys and relations are looked at by
     /// insert() and update().
     void check(const QString& table, const Row& cells);
+    void check(const QString& table, const Row_Block& block, std::uint32_t row, const Row& cells);
     /// Rows that hold exactly these values, texts unit by unit. @param row all columns
     Found_Rows rows_equal(const QString& table, const Row& row);
     /// A block for rows that are going to be added.

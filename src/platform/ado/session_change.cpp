@@ -61,6 +61,12 @@ void Session::check(const QString& table, const Row& cells) {
     stored.check(cells_of(stored, cells));
 }
 
+void Session::check(const QString& table, const Row_Block& block, std::uint32_t row,
+                    const Row& cells) {
+    const jet::Table stored = stored_table(table);
+    stored.check(block.id(row), cells_of(stored, cells));
+}
+
 void Session::Held_Rows::list(std::uint32_t row) {
     for (auto& [column, lookup] : lookups)
         if (const auto number = block->number(row, column)) lookup[*number].push_back(row);

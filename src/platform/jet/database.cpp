@@ -83,6 +83,11 @@ void Table::check(std::span<const Cell> cells) const {
     Statement(*engine_).check(id_, cells);
 }
 
+void Table::check(Row_Place id, std::span<const Cell> cells) const {
+    const Reading reading(*engine_);
+    Statement(*engine_).check(id_, id, cells);
+}
+
 void Table::erase(Row_Place id) const {
     Statement statement(*engine_);
     engine_->change([&] { statement.erase(id_, id); }, [&] { statement.apply(); });

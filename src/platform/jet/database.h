@@ -136,6 +136,7 @@ public:
     }
     /// Refuses what insert() would for the values alone, whatever other rows hold.
     void check(std::span<const Cell> cells) const;
+    void check(Row_Place id, std::span<const Cell> cells) const; ///< the same of update()
     /// Refused when rows of an enforced relation refer to it, unless the relation cascades.
     void erase(Row_Place id) const;
 

@@ -117,6 +117,12 @@ void Statement::check(Page_Number id, std::span<const Cell> cells) {
     check_values(table, row);
 }
 
+void Statement::check(Page_Number id, Row_Place row, std::span<const Cell> cells) {
+    const auto& table = writable_table(id);
+    plan_update(table, row, cells);
+    check_values(table, plan_.front());
+}
+
 void Statement::number_row(const Table_State& table, Planned& row) {
     for (std::size_t i = 0; i < table.columns.size(); ++i) {
         if (!table.definition->columns[i].auto_number()) continue;

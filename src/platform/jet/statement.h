@@ -25,6 +25,7 @@ public:
     void erase(Page_Number table, Row_Place row);
     /// Refuses what insert() would for the values alone, whatever the other rows hold.
     void check(Page_Number table, std::span<const Cell> cells);
+    void check(Page_Number table, Row_Place row, std::span<const Cell> cells);
     /// @return the row that was inserted, if any.
     Inserted apply();
     /// Tells the engine's watcher what has been changed, rows that a relation took along first.
