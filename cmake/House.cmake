@@ -80,13 +80,6 @@ function(house_tests folder)
     add_executable(test_${name} ${sources})
     target_include_directories(test_${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests)
     target_link_libraries(test_${name} PRIVATE ${arg_LINKS} ${arg_EXTERNAL} GTest::gmock house_test_options)
-    # Each test file has its own helpers, often under the same names.
-    set_target_properties(test_${name} PROPERTIES UNITY_BUILD OFF)
-    list(LENGTH sources number)
-    if(number GREATER 3) # fewer gain less than the header costs
-        target_precompile_headers(test_${name} PRIVATE <gmock/gmock.h> <map> <optional> <string> <vector>
-            $<$<BOOL:${arg_WINDOWS}>:<QApplication$<ANGLE-R>> $<$<BOOL:${arg_WINDOWS}>:<QtTest$<ANGLE-R>>)
-    endif()
     if(arg_WINDOWS)
         set_target_properties(test_${name} PROPERTIES AUTOMOC ON)
         target_sources(test_${name} PRIVATE ${CMAKE_SOURCE_DIR}/tests/support/window_main.cpp)
@@ -94,7 +87,7 @@ function(house_tests folder)
     else()
         target_link_libraries(test_${name} PRIVATE GTest::gmock_main)
     endif()
-    target_compile_definitions(test_${name} PRIVATE
+    target_compile_definitions(test_${name} PRIVATE QT_NO_KEYWORDS
         CV_SETS_SAMPLES="${CV_SETS_SAMPLES}" CV_SETS_BIN="${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
     gtest_discover_tests(test_${name} TEST_PREFIX "${folder}: " DISCOVERY_TIMEOUT 60
         PROPERTIES SKIP_REGULAR_EXPRESSION "\\[  SKIPPED \\]" TIMEOUT 3600)

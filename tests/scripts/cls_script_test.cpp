@@ -14,7 +14,7 @@ using namespace scripts;
 using enum Failure;
 using testing::ElementsAre;
 
-auto refuses(Failure kind) { return testing::Throws<Error>(testing::Field(&Error::kind, kind)); }
+auto is_refused(Failure kind) { return testing::Throws<Error>(testing::Field(&Error::kind, kind)); }
 
 /// Lines "Gehe zu State" with these targets, each telling in its comment which line it was.
 cls_script jumps_to(const std::vector<int>& targets) {
@@ -47,14 +47,14 @@ TEST(Script, yields_a_state_at_every_index_from_0_to_255_only) {
     EXPECT_EQ(script.StateCount, 0);
     for (const int outside : {-1, 256}) {
         SCOPED_TRACE(outside);
-        EXPECT_THAT([&] { script.GetState(outside); }, refuses(not_found));
-        EXPECT_THAT([&] { script.Insert_ScriptState(outside); }, refuses(not_found));
-        EXPECT_THAT([&] { script.Delete_ScriptState(outside); }, refuses(not_found));
-        EXPECT_THAT([&] { script.Copy_ScriptState(outside, 0); }, refuses(not_found));
-        EXPECT_THAT([&] { script.Copy_ScriptState(0, outside); }, refuses(not_found));
+        EXPECT_THAT([&] { script.GetState(outside); }, is_refused(not_found));
+        EXPECT_THAT([&] { script.Insert_ScriptState(outside); }, is_refused(not_found));
+        EXPECT_THAT([&] { script.Delete_ScriptState(outside); }, is_refused(not_found));
+        EXPECT_THAT([&] { script.Copy_ScriptState(outside, 0); }, is_refused(not_found));
+        EXPECT_THAT([&] { script.Copy_ScriptState(0, outside); }, is_refused(not_found));
     }
-    EXPECT_THAT([&] { first.SetPar(7, 0); }, refuses(not_found));
-    EXPECT_THAT([&] { (void)first.GetPar(-1); }, refuses(not_found));
+    EXPECT_THAT([&] { first.SetPar(7, 0); }, is_refused(not_found));
+    EXPECT_THAT([&] { (void)first.GetPar(-1); }, is_refused(not_found));
 }
 
 TEST(Script, takes_over_the_four_fields_of_a_header) {
@@ -111,7 +111,7 @@ TEST(Script, inserting_and_deleting_move_the_jumps_with_their_lines) {
         EXPECT_EQ(script.GetState(script.StateCount), cls_Scriptstate{}) << "a row that is free";
     }
     auto script = jumps_to({1, 0});
-    EXPECT_THAT([&] { script.Delete_ScriptState(2); }, refuses(not_found));
+    EXPECT_THAT([&] { script.Delete_ScriptState(2); }, is_refused(not_found));
     EXPECT_THAT(lines_of(script), ElementsAre("0:1", "1:0"));
 }
 

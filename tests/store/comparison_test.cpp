@@ -6,7 +6,7 @@ namespace {
 
 using store::CVRec;
 
-CVRec cv(int number, int value, int hi = 0, int lo = 1) {
+CVRec row(int number, int value, int hi = 0, int lo = 1) {
     return {.CVPageHi = static_cast<std::uint8_t>(hi),
             .CVPageLo = static_cast<std::uint8_t>(lo),
             .CVNr = static_cast<std::int16_t>(number),
@@ -15,8 +15,8 @@ CVRec cv(int number, int value, int hi = 0, int lo = 1) {
 
 TEST(Comparison, tells_cvs_apart_by_number_and_by_page_where_they_have_one) {
     const auto found =
-        store::compare({cv(300, 1, 8, 0), cv(300, 7), cv(5, 9, 3, 3), cv(2, 1), cv(2, 4), cv(1, 0)},
-                       {cv(300, 1, 16, 0), cv(5, 9), cv(2, 4), cv(1, 255), cv(300, 7)});
+        store::compare({row(300, 1, 8, 0), row(300, 7), row(5, 9, 3, 3), row(2, 1), row(2, 4), row(1, 0)},
+                       {row(300, 1, 16, 0), row(5, 9), row(2, 4), row(1, 255), row(300, 7)});
     EXPECT_EQ(found.equal, 3); // 300 on 0:1, 5 whatever its page says, 2 as its last row has it
     EXPECT_EQ(
         store::comparison_text(found.differences, QStringLiteral("A\tB"), QStringLiteral("C")),

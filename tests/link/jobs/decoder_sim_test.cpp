@@ -135,12 +135,12 @@ struct Rig : link_types::Link_Log {
     std::string when, then; ///< what is ordered when a line is logged that begins so
 };
 
-enum Way : bool { track, susi };
+enum Over : bool { track, susi };
 
 struct One_Run {
     const char* what;
     Job_Mode mode;
-    Way way;
+    Over way;
     std::optional<End> end; ///< nothing: nobody can say
     const char* Label1;
     const char* orders = ""; ///< of troubles

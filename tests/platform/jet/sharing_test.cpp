@@ -13,7 +13,7 @@ namespace {
 using namespace fixture;
 
 /// Sets with three values each; whoever finds another number has seen half an operation.
-void make_tables(jet::Database& database) {
+void make_shared_tables(jet::Database& database) {
     auto id = column(u"id");
     id.auto_number = true;
     jet::Index by_set;
@@ -63,7 +63,7 @@ void look(jet::Database& database) {
 TEST(Sharing, two_edit_in_turns_and_a_third_reads) {
     files::Memory_Disk disk;
     auto one = jet::Database::create(disk, path);
-    make_tables(one);
+    make_shared_tables(one);
     auto other = open(disk);
     auto reader = open(disk, jet::Mode::read_only);
     std::mt19937 random(5);
@@ -111,7 +111,7 @@ TEST(Sharing, processes_edit_one_file_while_another_reads) {
     const auto file = folder / "shared.mdb";
     {
         auto database = jet::Database::create(files::real_disk(), file);
-        make_tables(database);
+        make_shared_tables(database);
     }
     const int operations = support::long_tests() ? 5000 : 100;
     const int editors[] = {edit_in_a_process(file, 1, operations),
@@ -134,7 +134,7 @@ TEST(Sharing, processes_edit_one_file_while_another_reads) {
 TEST(Sharing, one_row_in_a_large_table_changes_at_most_ten_pages) {
     files::Memory_Disk disk;
     auto database = jet::Database::create(disk, path);
-    make_tables(database);
+    make_shared_tables(database);
     const auto values = *database.table(u"Values");
     {
         jet::Transaction transaction(database);

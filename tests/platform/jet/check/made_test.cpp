@@ -9,17 +9,17 @@
 namespace jet::check {
 namespace {
 
-constexpr auto path = "made.mdb";
+constexpr auto made = "made.mdb";
 
 /// A file with one table `T` of one column and one row.
 File_Bytes file_with(const jet::Column& column, const jet::Value& value) {
     files::Memory_Disk disk;
     {
-        auto database = Database::create(disk, path);
+        auto database = Database::create(disk, made);
         const std::vector columns{column};
         database.create_table(u"T", columns, {}).insert({{0, value}});
     }
-    return disk.bytes(path);
+    return disk.bytes(made);
 }
 
 /// Changes the byte at `at` of the only place that holds the pattern; -1 stands for any byte.
