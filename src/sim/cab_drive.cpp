@@ -47,6 +47,16 @@ double read_whole(const char* begin, const char* end, int base) {
     return number;
 }
 
+double Val(const QString& text) {
+    QByteArray read = text.toUpper().toLatin1();
+    read.removeIf([](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; });
+    const char* const end = read.constData() + read.size();
+    if (read.startsWith("&H")) return read_whole(read.constData() + 2, end, 16);
+    if (read.startsWith("&O")) return read_whole(read.constData() + 2, end, 8);
+    read.replace('D', 'E'); // both begin the exponent
+    return read_decimal(read.constData(), read.constData() + read.size());
+}
+
 } // namespace
 
 std::size_t KeyToSlot(int key) {
@@ -57,16 +67,6 @@ std::size_t KeyToSlot(int key) {
 int SlotToKey(int slot) {
     if (slot == static_cast<int>(slot_of_F0)) return 0;
     return slot >= 0 && slot < static_cast<int>(slot_of_F0) ? slot + 1 : static_cast<int>(no_key);
-}
-
-double Val(const QString& text) {
-    QByteArray read = text.toUpper().toLatin1();
-    read.removeIf([](char c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; });
-    const char* const end = read.constData() + read.size();
-    if (read.startsWith("&H")) return read_whole(read.constData() + 2, end, 16);
-    if (read.startsWith("&O")) return read_whole(read.constData() + 2, end, 8);
-    read.replace('D', 'E'); // both begin the exponent
-    return read_decimal(read.constData(), read.constData() + read.size());
 }
 
 std::optional<std::int16_t> typed_value(const QString& text) {

@@ -16,12 +16,11 @@ std::size_t KeyToSlot(int key);
 /// Number of the key of a slot; `no_key` for a slot without one.
 int SlotToKey(int slot);
 
-/// The number at the beginning of a text, as BASIC reads it: blanks anywhere are passed over, what
-/// does not belong to the number ends it, and where there is none it is 0.
-double Val(const QString& text);
-/// What a typed text makes a value; nothing where that would not be in 0..255.
+/// A typed text counts as the number at its beginning, as BASIC reads it: blanks anywhere are passed
+/// over, what does not belong to the number ends it, and where there is none it is 0.
+/// This is what it makes a value; nothing where that would not be in 0..255.
 std::optional<std::int16_t> typed_value(const QString& text);
-/// What a typed text makes the rate of the ramp, 1..255; nothing for an empty text.
+/// And this the rate of the ramp, 1..255; nothing for an empty text.
 std::optional<int> typed_rate(const QString& text);
 
 /// What the controls of the cab do to the decoder, and the ramp that leads its speed.

@@ -1,8 +1,9 @@
 #include "sim/cab_drive.h"
 
-#include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
+#include <map>
+#include <vector>
 
 using namespace sim;
 
@@ -24,102 +25,70 @@ struct Drive_Test : testing::Test {
 
 } // namespace
 
-TEST(Cab_Typing, reads_the_number_at_the_beginning_as_basic_does) {
-    const struct {
-        const char* text;
-        double value;
-    } typed[] = {{"", 0},
-                 {"abc", 0},
-                 {" 12x", 12},
-                 {"1 2 3", 123},
-                 {"\t7", 7},
-                 {"-3", -3},
-                 {"+4", 4},
-                 {"2.5", 2.5},
-                 {".5", 0.5},
-                 {".", 0},
-                 {"1e2", 100},
-                 {"1d2", 100},
-                 {"1e", 1},
-                 {"&H1f", 31},
-                 {"&o17", 15},
-                 {"&HFG", 15},
-                 {"&", 0},
-                 {"--1", 0},
-                 {"inf", 0},
-                 {"nan", 0},
-                 {"1e999", INFINITY},
-                 {"&H123456789", 4294967295.0},
-                 {"1 (Ein/Rechts)", 1}};
-    for (const auto& each : typed)
-        EXPECT_EQ(Val(QString::fromLatin1(each.text)), each.value) << each.text;
-
-    const struct {
-        const char* text;
-        int value, rate; ///< -1: none
-    } used[] = {{"", 0, -1},        {"abc", 0, 1},      {"0", 0, 1},      {"-1", -1, 1},
-                {"255", 255, 255},  {"256", -1, 255},   {"300", -1, 255}, {"2.5", 2, 2},
-                {"3.5", 4, 4},      {"255.4", -1, 255}, {" 12x", 12, 12}, {"99999999999", -1, 255},
-                {"1e999", -1, 255}, {"-1e999", -1, 1}};
-    for (const auto& each : used) {
-        EXPECT_EQ(typed_value(QString::fromLatin1(each.text)).value_or(-1), each.value)
-            << each.text;
-        EXPECT_EQ(typed_rate(QString::fromLatin1(each.text)).value_or(-1), each.rate) << each.text;
-    }
+TEST(Cab_Typing, counts_the_number_at_the_beginning_as_basic_does) {
+    constexpr int none = -1;
+    using Texts = std::vector<const char*>;
+    const std::map<int, Texts> values = {
+        {0, {"", "abc", "--1", ".", "inf", "nan", "&"}},
+        {12, {" 12x", "1 2", "+12", "12e", "1.2e1", "1.2d1", "&HcG", "&o14", "12 (Ein)"}},
+        {2, {"2.5", "1.5"}}, // halves to even
+        {255, {"255"}},
+        {none, {"256", "255.4", "-1", "99999999999", "1e999", "-1e999", "&H123456789"}}};
+    for (const auto& [value, texts] : values)
+        for (const char* text : texts)
+            EXPECT_EQ(typed_value(QString::fromLatin1(text)).value_or(none), value) << text;
+    const std::map<int, Texts> rates = {
+        {none, {""}}, {1, {"0", "abc", "-1", "-1e999"}}, {12, {" 12x"}}, {255, {"300", "1e999"}}};
+    for (const auto& [rate, texts] : rates)
+        for (const char* text : texts)
+            EXPECT_EQ(typed_rate(QString::fromLatin1(text)).value_or(none), rate) << text;
 }
 
 TEST(Cab_Keys, have_slots_of_their_own) {
-    const int keys[][2] = {{0, 28}, {1, 0}, {28, 27}, {29, 256}, {-1, 256}, {256, 256}};
+    const int keys[][2] = {{0, 28}, {1, 0}, {28, 27}, {29, 256}, {-1, 256}};
     for (const auto& [key, slot] : keys) {
         EXPECT_EQ(KeyToSlot(key), static_cast<std::size_t>(slot));
         EXPECT_EQ(SlotToKey(slot), slot == 256 ? 256 : key);
     }
-    EXPECT_EQ(SlotToKey(29), 256);
-    EXPECT_EQ(SlotToKey(-1), 256);
+    for (const int slot : {29, 256, -1}) EXPECT_EQ(SlotToKey(slot), 256);
 }
 
 TEST_F(Drive_Test, speed_and_direction_come_from_cab_consist_and_script) {
     using D = Simulated_Decoder;
     const struct {
-        const char* what;
-        std::function<void(D&)> script;
-        int value, cab_speed;
-        bool reverse;
-        int speed, direction; ///< of a decoder that moves in that direction already
-        int shown;
+        bool D::*flag; ///< that the script has set, with its value
+        int value, consist, reverse, cab_speed, speed, direction, shown;
     } cases[] = {
-        {"cab", [](D&) {}, 0, 200, false, 200, 0, 98},
-        {"cab, reverse", [](D&) {}, 0, 255, true, 255, 1, 126},
-        {"consist", [](D& d) { d.Werte[consist_inverse] = 1; }, 0, 9, false, 9, 1, 4},
-        {"consist, reverse", [](D& d) { d.Werte[consist_inverse] = 1; }, 0, 9, true, 9, 0, 4},
-        {"consist neither", [](D& d) { d.Werte[consist_inverse] = 2; }, 0, 9, false, 9, 0, 4},
-        {"set", [](D& d) { d.DriveSetSpeed = true; }, 40, 200, false, 40, 0, 19},
-        {"limit", [](D& d) { d.DriveLimitSpeed = true; }, 40, 200, false, 40, 0, 19},
-        {"below the limit", [](D& d) { d.DriveLimitSpeed = true; }, 40, 39, false, 39, 0, 19},
-        {"scale, half to even below", [](D& d) { d.DriveScaleSpeed = true; }, 128, 5, false, 2, 0,
-         0},
-        {"scale, half to even above", [](D& d) { d.DriveScaleSpeed = true; }, 128, 7, false, 4, 0,
-         1},
-        {"scale", [](D& d) { d.DriveScaleSpeed = true; }, 255, 255, false, 254, 0, 125},
-        {"scale, largest", [](D& d) { d.DriveScaleSpeed = true; }, highest, 255, false, 32639, 0,
-         16127},
-        {"scale, least", [](D& d) { d.DriveScaleSpeed = true; }, lowest, 255, false, -32640, 0,
-         -16128},
-        {"stop", [](D& d) { d.DriveStop = d.DriveSetSpeed = true; }, 40, 200, false, 0, 0, 0},
+        {nullptr, 0, 0, 0, 200, 200, 0, 98},
+        {nullptr, 0, 0, 1, 255, 255, 1, 126},
+        {nullptr, 0, 1, 0, 9, 9, 1, 4},
+        {nullptr, 0, 1, 1, 9, 9, 0, 4},
+        {nullptr, 0, 2, 1, 9, 9, 1, 4}, // neither inverse nor not
+        {&D::DriveSetSpeed, 40, 0, 0, 200, 40, 0, 19},
+        {&D::DriveLimitSpeed, 40, 0, 0, 200, 40, 0, 19},
+        {&D::DriveLimitSpeed, 40, 0, 0, 39, 39, 0, 19},
+        {&D::DriveScaleSpeed, 128, 0, 0, 5, 2, 0, 0}, // halves to even
+        {&D::DriveScaleSpeed, 128, 0, 0, 7, 4, 0, 1},
+        {&D::DriveScaleSpeed, 255, 0, 0, 255, 254, 0, 125},
+        {&D::DriveScaleSpeed, highest, 0, 0, 255, 32639, 0, 16127},
+        {&D::DriveScaleSpeed, lowest, 0, 0, 255, -32640, 0, -16128},
+        {&D::DriveStop, 40, 0, 0, 200, 0, 0, 0},
     };
     for (const auto& each : cases) {
+        SCOPED_TRACE(&each - cases);
         decoder = {};
         drive.reset();
-        each.script(decoder);
+        if (each.flag != nullptr) decoder.*each.flag = true;
         decoder.DriveSpeedValue = static_cast<std::int16_t>(each.value);
-        wert(direction) = static_cast<std::int16_t>(each.direction);
-        if (each.reverse) drive.press_direction();
+        wert(consist_inverse) = static_cast<std::int16_t>(each.consist);
+        wert(direction) = static_cast<std::int16_t>(each.direction); // it has turned already
+        if (each.reverse != 0) drive.press_direction();
         drive.choose_speed(each.cab_speed);
-        EXPECT_EQ(decoder.EffectiveSpeed, each.speed) << each.what;
-        EXPECT_EQ(decoder.EffectiveDirection, each.direction) << each.what;
-        EXPECT_EQ(drive.shown_speed(), each.shown) << each.what;
-        EXPECT_EQ(wert(target_drive_step), each.cab_speed) << each.what;
-        EXPECT_EQ(wert(target_direction), each.reverse ? 1 : 0) << each.what;
+        EXPECT_EQ(decoder.EffectiveSpeed, each.speed);
+        EXPECT_EQ(decoder.EffectiveDirection, each.direction);
+        EXPECT_EQ(drive.shown_speed(), each.shown);
+        EXPECT_EQ(wert(target_drive_step), each.cab_speed);
+        EXPECT_EQ(wert(target_direction), each.reverse);
     }
     const int modes[][3] = {{0, 0, 1}, {1, 1, 0}, {2, 0, 0}, {3, 1, 1}, {4, 1, 0}, {-1, 1, 0}};
     for (const auto& [mode, forward, reverse] : modes) { // in an inverse consist
