@@ -4,7 +4,6 @@
 
 #include <QGridLayout>
 #include <QScrollArea>
-#include <algorithm>
 
 namespace sim_ui {
 namespace {
@@ -261,8 +260,9 @@ QGroupBox* Cab_Form::values_frame() {
         middle.add(variables, i, "LabVar", "lab_var", variable_caption(i), {}, number);
     middle.end();
     Value_Column right(*Fra_Debug, *columns);
-    const QString longest =
-        std::ranges::max({event_text(0), event_text(1), event_text(2)}, {}, &QString::size);
+    QString longest;
+    for (int value = 0; value <= 2; ++value)
+        if (event_text(value).size() > longest.size()) longest = event_text(value);
     for (std::size_t i = 0; i < sim::event_count; ++i)
         right.add(events, i, "LabEvent", "lab_event", text(own::event) + QString::number(i + 1),
                   text(own::events_tip), longest);

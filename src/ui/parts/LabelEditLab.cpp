@@ -37,7 +37,7 @@ void LabelEditLab::place() {
 
 bool LabelEditLab::eventFilter(QObject* watched, QEvent* event) {
     const bool moves = event->type() == QEvent::Move || event->type() == QEvent::Resize;
-    if (moves && editing() && watched == label_) place();
+    if (moves && editing() && watched == label()) place();
     return false;
 }
 
@@ -53,7 +53,7 @@ std::function<void()> LabelEditLab::news(const QString& text) {
 void LabelEditLab::closed() {
     if (label_ == nullptr) return;
     label_->removeEventFilter(this);
-    label_->disconnect(this);
+    disconnect(label_, &QObject::destroyed, this, nullptr); // others may have connected more
     label_ = nullptr;
 }
 

@@ -172,12 +172,14 @@ TEST_F(Cab_Test, values_are_edited_in_place_and_what_a_step_changed_is_marked) {
     EXPECT_EQ(decoder.Werte[12], 1);
     EXPECT_EQ(text("lab_SPW_13"), QStringLiteral("abc"));
     QTest::keyClick(find<QLabel>("lab_SPW_13"), Qt::Key_F2);
+    EXPECT_TRUE(qobject_cast<QLineEdit*>(QApplication::focusWidget()));
     QTest::mouseClick(find<QGroupBox>("Fra_Debug"), Qt::LeftButton, {}, {3, 300});
     EXPECT_FALSE(qobject_cast<QLineEdit*>(QApplication::focusWidget())) << "ends the edit";
     time.advance(Milliseconds{24});
     EXPECT_EQ(text("lab_event_5"), QStringLiteral("12"));
     EXPECT_EQ(text("lab_sollrichtung"), QStringLiteral("Rw")) << "an inverse consist";
 
+    edit("LabVar_3", "254"); // by the cab, not by the step
     const auto marked = [&](const char* name) { return find<sim_ui::Value_Label>(name)->marked(); };
     decoder.Werte[6] = 40;
     decoder.Outputs[15] = 31;
@@ -198,8 +200,9 @@ TEST_F(Cab_Test, closing_is_told_once_and_ends_the_ramp) {
         open();
         find<QSlider>("sli_speed")->setValue(0);
         QTest::mouseClick(find<QLabel>("lab_var_0"), Qt::LeftButton);
-        if (by_hand) cab->close();
+        QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("9"));
         const auto before = decoder;
+        if (by_hand) cab->close();
         if (by_hand) time.advance(Milliseconds{500});
         EXPECT_EQ(decoder, before);
         cab.reset();
