@@ -112,6 +112,7 @@ Failure Library_File::without_sets() const {
 
 Blocked Library_File::blocked() const {
     try {
+        const ado::Reading once(connection_); // else each table takes the lock for itself
         for (const QString& table : {u"Sets"_s, u"CVs"_s, u"Scripte"_s, u"Scriptstates"_s}) {
             const Blocked found = connection_.blocked(table);
             if (found != Blocked::no) return found;

@@ -64,7 +64,7 @@ void Transaction::commit() {
     committed_ = true;
 }
 
-Reading::Reading(Connection& connection, Extent extent)
+Reading::Reading(const Connection& connection, Extent extent)
     : session_(connection.session()), extent_(extent) {
     guard_.emplace(session_.database());
     session_.enter(extent);

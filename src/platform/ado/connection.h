@@ -66,7 +66,7 @@ private:
 /// Several reads of one state of the file: nobody else changes it meanwhile.
 class Reading {
 public:
-    [[nodiscard]] explicit Reading(Connection& connection, Extent extent = Extent::some);
+    [[nodiscard]] explicit Reading(const Connection& connection, Extent extent = Extent::some);
     Reading(const Reading&) = delete;
     Reading& operator=(const Reading&) = delete;
     ~Reading();

@@ -49,7 +49,8 @@ private:
     void take(files::Lock wanted);
     void release() noexcept;
     bool still_named() {
-        return disk_.identity(path_) == identity_ && disk_.identity(real_path_) == identity_;
+        return disk_.identity(path_) == identity_ &&
+               (path_ == real_path_ || disk_.identity(real_path_) == identity_);
     }
     void check_still_named();
     void check_may_write() const;
