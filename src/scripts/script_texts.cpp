@@ -174,6 +174,28 @@ QString CVUsageText(int cv, bool include_edited_line, const Text_Context& contex
     return {};
 }
 
+QString list_entry_text(List list, int entry, const cls_script& script,
+                        const Text_Context& context) {
+    const auto of_cv = [&](int cv) {
+        const QString value = QString::number(context.cv_value(cv));
+        return cv_text(cv, script, context, {.with_brackets = false, .value = value});
+    };
+    if (entry < 0) return {};
+    switch (list) {
+    case List::volume:
+        return volume_text(entry, script, context);
+    case List::key:
+        return key_text(entry, false, script, context);
+    case List::script_cv:
+        return of_cv(catalogue::first_script_cv + entry);
+    case List::timer_cv:
+        if (entry > 0) return of_cv(catalogue::first_script_cv - 1 + entry);
+        [[fallthrough]];
+    default:
+        return text_of(list, entry, context.language);
+    }
+}
+
 QString GetCommandName(const cls_script& script, int state, int language) {
     return catalogue::CommandName(script.GetState(state).GetCommand(), language);
 }

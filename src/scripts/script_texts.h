@@ -1,5 +1,6 @@
 #pragma once
 
+#include "scripts/catalogue/lists.h"
 #include "scripts/cls_script_coll.h"
 
 #include <QString>
@@ -46,6 +47,11 @@ QString TimerText(int value, int unit, int language);
 /// @param include_edited_line whether the line counts that is now being edited; if it does not and
 /// is the first that uses the CV, its script shows values from now on, and the text is empty
 QString CVUsageText(int cv, bool include_edited_line, const Text_Context& context);
+
+/// An entry of a list as a line of the script shows it: what comes from a script CV says where else
+/// the CV is used, or, where the script shows values, which value it has.
+QString list_entry_text(scripts_catalogue::List list, int entry, const cls_script& script,
+                        const Text_Context& context);
 
 // Of a line in editor form.
 QString GetCommandName(const cls_script& script, int state, int language);

@@ -2,6 +2,7 @@
 
 #include "scripts/cls_Script_Sets.h"
 #include "scripts/cls_script_coll.h"
+#include "scripts/script_session.h"
 #include "store/library.h"
 
 #include <algorithm>
@@ -119,8 +120,9 @@ TEST_F(Script_Storage, a_script_that_nobody_has_changed_costs_the_library_nothin
                 db.AktCVSetID(set->SetID);
                 db.DB_Load_Scripts();
                 for (int position = 1; position <= AktScripts().Count(); ++position) {
-                    EXPECT_TRUE(db.DB_Save_Script_States(position)) << library::trouble(db);
                     const auto script = AktScripts().Item(position);
+                    scripts::Script_Session(*script).write_back(*script);
+                    EXPECT_TRUE(db.DB_Save_Script_States(position)) << library::trouble(db);
                     for (int line = 0; line < script->StateCount; ++line)
                         if (script->GetState(line) == scripts::cls_Scriptstate()) ++empty;
                 }

@@ -1,0 +1,121 @@
+#include "scripts/line_columns.h"
+
+#include "scripts/cls_script.h"
+
+namespace scripts {
+namespace {
+
+namespace catalogue = scripts_catalogue;
+using catalogue::List;
+
+constexpr int most_samples = 256; ///< a byte
+
+catalogue::Parameters parameters_of(const cls_Scriptstate& line) {
+    catalogue::Parameters parameters{};
+    for (int par = 0; par < cls_Scriptstate::par_count; ++par)
+        parameters[static_cast<std::size_t>(par)] = line.GetPar(par);
+    return parameters;
+}
+
+List list_of_line(const cls_Scriptstate& line, int column) {
+    const catalogue::Command* known = catalogue::command(line.GetCommand());
+    if (known == nullptr || column < 0 || column >= catalogue::most_columns) return List::none;
+    return catalogue::list_of(*known, column, parameters_of(line));
+}
+
+int entry_of_line(const cls_Scriptstate& line, int column, List list) {
+    switch (list) {
+    case List::none:
+        return 0;
+    case List::volume:
+        return line.volume();
+    case List::loop:
+        return line.loop_mode();
+    case List::sound_end:
+        return line.end_mode();
+    case List::key:
+        return line.key();
+    default:
+        return line.GetPar(column);
+    }
+}
+
+/// Whether the entries count something, so that a number names one of them.
+bool counts(List list) { return list == List::number || list == List::pwm || list == List::state; }
+
+} // namespace
+
+Line_Column column_of(const cls_Scriptstate& line, int column, int language) {
+    const List list = list_of_line(line, column);
+    if (list == List::none) return {};
+    const catalogue::Column& described = catalogue::command(line.GetCommand())->columns[column];
+    return {described.caption.in(language) + described.addition.in(language), list,
+            entry_of_line(line, column, list)};
+}
+
+int offered_entries(List list) {
+    return list == List::sample ? most_samples : catalogue::entry_count(list);
+}
+
+void choose_entry(cls_Scriptstate& line, int column, int entry) {
+    const List list = list_of_line(line, column);
+    if (entry < 0 || entry >= offered_entries(list)) return;
+    switch (list) {
+    case List::volume:
+        return line.choose_volume(entry);
+    case List::loop:
+        return line.choose_loop_mode(entry);
+    case List::sound_end:
+        return line.choose_end_mode(entry);
+    case List::key:
+        return line.choose_key(entry);
+    default:
+        line.SetPar(column, entry);
+    }
+}
+
+void choose_command(cls_Scriptstate& line, std::int32_t code) {
+    const cls_Scriptstate before = line;
+    line.SetCommand(code);
+    for (int par = 0; par < cls_Scriptstate::par_count; ++par) line.SetPar(par, 0);
+    if (catalogue::command(before.GetCommand()) == nullptr) return;
+    // From left to right: what a column says may decide what the next can say.
+    for (int column = 0; column < catalogue::most_columns; ++column) {
+        const Line_Column was = column_of(before, column, 0);
+        const Line_Column is = column_of(line, column, 0);
+        if (was.list != List::none && is.list != List::none) choose_entry(line, column, was.entry);
+    }
+}
+
+QString EntryText(List list, int entry, cls_script& script, int state,
+                  const Text_Context& context) {
+    script.CurrentState = state;
+    script.ShowCVValues = false;
+    return list_entry_text(list, entry, script, context);
+}
+
+std::optional<int> entry_typed(List list, const QString& typed, int language) {
+    const QString wanted = typed.trimmed();
+    if (wanted.isEmpty()) return std::nullopt;
+    const int count = offered_entries(list);
+    bool is_number = false;
+    const int number = wanted.toInt(&is_number);
+    if (is_number && counts(list))
+        return number >= 0 && number < count ? std::optional(number) : std::nullopt;
+    std::optional<int> begins;
+    for (int entry = 0; entry < count; ++entry) {
+        const QString text = catalogue::entry_text(list, entry, language);
+        if (text.compare(wanted, Qt::CaseInsensitive) == 0) return entry;
+        if (!begins && text.startsWith(wanted, Qt::CaseInsensitive)) begins = entry;
+    }
+    return begins;
+}
+
+std::optional<std::int32_t> command_typed(const QString& typed, int language) {
+    if (typed.isEmpty()) return std::nullopt;
+    for (const catalogue::Command& command : catalogue::commands())
+        if (command.name.in(language).contains(typed, Qt::CaseInsensitive)) return command.code;
+    return std::nullopt;
+}
+
+} // namespace scripts
