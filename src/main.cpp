@@ -1,6 +1,7 @@
 #include "platform/desktop/end_signals.h"
 #include "platform/desktop/fonts_ahead.h"
 #include "platform/files/disk.h"
+#include "sim/ui/frm_Sim_Fahrpult.h"
 #include "store/clsDBConn.h"
 #include "ui/desktop/german.h"
 #include "ui/desktop/qt_desktop.h"
@@ -32,7 +33,15 @@ int main(int argc, char** argv) {
     ui_desktop::speak_german();
 
     ui_desktop::Qt_Desktop desktop;
-    ui_main::Frm_Main window(desktop, files::real_disk(), store::DBConn(), link_ui::real_ports());
+    const scripts_ui::Make_Cab make_cab = [&desktop](sim::Cab_Listener& listener,
+                                                     timing::Time& time, sim::Script_CV cv) {
+        auto cab =
+            std::make_unique<sim_ui::frm_Sim_Fahrpult>(listener, time, std::move(cv), desktop);
+        cab->load();
+        return cab;
+    };
+    ui_main::Frm_Main window(desktop, files::real_disk(), store::DBConn(), link_ui::real_ports(),
+                             make_cab);
     const desktop::End_Signals signals([&window] {
         window.unload();
         QCoreApplication::quit();

@@ -40,9 +40,11 @@ struct Globals {
 
     bool ScriptWindowOpen = false;
     Window_Place Script_Window{{13665}, {12285}, {8250}, {2175}};
-    bool Script_Window_Max = false; ///< the script window is maximised
-    bool Script_Info_Off = false;   ///< the script window does not show its information
-    Rectangle VirtualScreen;        ///< the whole desktop
+    bool Script_Window_Max = false;      ///< the script window is maximised
+    bool Script_Info_Off = false;        ///< the script window does not show its comments
+    bool Script_Info_Single_Line = true; ///< or shows one line of each
+    std::int16_t Script_Info_Size = 30;  ///< of their column, 0..100
+    Rectangle VirtualScreen;             ///< the whole desktop
     std::int32_t MonitorCount = 0;
     std::vector<Rectangle> MonitorRects; ///< bounds of each monitor
     std::vector<Rectangle> MonitorAreas; ///< the same without the panels of the desktop

@@ -62,6 +62,8 @@ std::vector<Setting> settings(Window_Place& main_window, std::int16_t& version) 
             {u"Scriptwindow_Top", Length{&script.top}},
             {u"Scriptwindow_Max", Flag{&globals.Script_Window_Max}},
             {u"Script_Info_Off", Flag{&globals.Script_Info_Off}},
+            {u"Script_Info_Single_Line", Flag{&globals.Script_Info_Single_Line}},
+            {u"Script_Info_Size", Number{&globals.Script_Info_Size, 0, 100}},
             {u"LastScriptdir", Text{&globals.LastScriptdir}},
             {u"Last_mdb_file", Recent_File{}},
             {u"Last_vqx_file", Recent_File{}, false}};

@@ -16,6 +16,7 @@
 #include "ui/main/menus.h"
 #include "ui/main/messages.h"
 #include "ui/main/script_commands.h"
+#include "ui/main/script_window.h"
 #include "ui/main/set_commands.h"
 #include "ui/main/texts.h"
 #include "ui/parts/trouble_texts.h"
@@ -42,7 +43,8 @@ struct Frm_Main::Inside {
           cv_panel(*window.form_, window.database_, view, messages),
           at{window, window.desktop_, window.disk_, window.database_, *window.form_,
              menus,  messages,        view,         copies,           window.gate_},
-          center(window, window.desktop_, window.ports_, window.job_) {}
+          center(window, window.desktop_, window.ports_, window.job_),
+          script_window(at, window.make_cab_) {}
 
     Menus menus;
     Kept_Copies copies;
@@ -51,6 +53,7 @@ struct Frm_Main::Inside {
     Cv_Panel cv_panel;
     Surroundings at;
     link_ui::Link_Center center;
+    Script_Window script_window;
 
     File_Commands files{at};
     Export_Commands exports{at};
@@ -63,10 +66,11 @@ struct Frm_Main::Inside {
 };
 
 Frm_Main::Frm_Main(desktop::Desktop& desktop, files::Disk& disk, store::clsDBConn& database,
-                   const link_ui::Link_Ports& ports)
+                   const link_ui::Link_Ports& ports, scripts_ui::Make_Cab make_cab)
     : desktop_(desktop), disk_(disk), database_(database), ports_(ports),
-      form_(new Main_Form(this)), status_(new ui_parts::Status_Line(this)),
-      write_protected_(new QLabel(this)), settings_lost_(new QLabel(this)) {
+      make_cab_(std::move(make_cab)), form_(new Main_Form(this)),
+      status_(new ui_parts::Status_Line(this)), write_protected_(new QLabel(this)),
+      settings_lost_(new QLabel(this)) {
     app::TextTable.fill();
     setObjectName(QStringLiteral("Frm_Main"));
     setCentralWidget(form_);
@@ -137,6 +141,8 @@ void Frm_Main::load() {
 void Frm_Main::Refresh_Sets() { inside_->view.Refresh_Sets(); }
 
 void Frm_Main::Show_CVs(std::int32_t SetID) { inside_->view.Show_CVs(SetID); }
+
+void Frm_Main::Open_Script(int position) { inside_->script_window.Open_Script(position); }
 
 void Frm_Main::Delete_Set(std::int32_t SetID) { inside_->sets.Delete_Set(SetID); }
 

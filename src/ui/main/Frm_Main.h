@@ -6,6 +6,7 @@
 #include "link/ui/link_ports.h"
 #include "platform/desktop/desktop.h"
 #include "platform/files/disk.h"
+#include "scripts/ui/script_place.h"
 #include "store/clsDBConn.h"
 #include "ui/parts/window_placer.h"
 
@@ -30,7 +31,7 @@ class Frm_Main final : public QMainWindow, public app::Main_Window {
     Q_OBJECT
 public:
     Frm_Main(desktop::Desktop& desktop, files::Disk& disk, store::clsDBConn& database,
-             const link_ui::Link_Ports& ports);
+             const link_ui::Link_Ports& ports, scripts_ui::Make_Cab make_cab = {});
     ~Frm_Main() override;
 
     /// The start-up sequence. Call once, before the window is shown.
@@ -40,6 +41,7 @@ public:
 
     void Refresh_Sets();
     void Show_CVs(std::int32_t SetID);
+    void Open_Script(int position); ///< of the selected set, in the script editor
     void Delete_Set(std::int32_t SetID);
 
     app::Window_Place place() override { return placer_.place(); }
@@ -79,6 +81,7 @@ private:
     files::Disk& disk_;
     store::clsDBConn& database_;
     link_ui::Link_Ports ports_;
+    scripts_ui::Make_Cab make_cab_;
     app::Job_State job_;
     app::Leaving_Gate gate_{job_};
     Main_Form* form_;

@@ -1,0 +1,125 @@
+#include "scripts/ui/editor_form.h"
+
+#include <QHBoxLayout>
+#include <QVBoxLayout>
+
+namespace scripts_ui {
+namespace {
+
+template <class Control, class... Given>
+Control* named(const char* name, QWidget* parent, Given&&... given) {
+    auto* made = new Control(std::forward<Given>(given)..., parent);
+    made->setObjectName(QLatin1StringView(name));
+    return made;
+}
+
+QPushButton* button(const char* name, const QString& caption, QWidget* parent) {
+    auto* made = named<QPushButton>(name, parent, caption);
+    made->setAutoDefault(false);
+    return made;
+}
+
+QSlider* slider(const char* name, const QString& spoken, QWidget* parent) {
+    auto* made = named<QSlider>(name, parent, Qt::Horizontal);
+    made->setAccessibleName(spoken);
+    made->setMinimumWidth(60);
+    return made;
+}
+
+} // namespace
+
+Editor_Form::Editor_Form(QWidget* parent)
+    : QWidget(parent), splitter(new QSplitter(Qt::Vertical, this)),
+      Picture1(new Row_View(splitter)), lab_status(new ui_parts::Status_Line(this)) {
+    Picture1->setObjectName(QStringLiteral("Picture1"));
+    lab_status->setObjectName(QStringLiteral("lab_script_status"));
+    splitter->setChildrenCollapsible(false);
+    auto* foot = new QHBoxLayout;
+    for (QWidget* part : {build_edit(), build_simulation(), build_info(), build_end()})
+        foot->addWidget(part);
+    foot->addStretch();
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(6, 6, 6, 4);
+    column->addWidget(splitter, 1);
+    column->addLayout(foot);
+    column->addWidget(lab_status);
+}
+
+QWidget* Editor_Form::build_edit() {
+    Frame_Edit = named<QGroupBox>("Frame_Edit", this, QStringLiteral("Bearbeiten"));
+    txt_Hilfe = named<QLabel>("txt_Hilfe", Frame_Edit,
+                              QStringLiteral("Einfügen: Klick auf State-Nummer\n"
+                                             "Kopieren: Klick auf anderen State nach Einfügen\n"
+                                             "Löschen: Befehl \"-\" auswählen"));
+    txt_Hilfe->setToolTip(
+        QStringLiteral("Tasten: Pfeile und Bild auf/ab gehen von Zeile zu Zeile, Alt+Pfeil ab "
+                       "öffnet die Liste, Einfg fügt ein oder kopiert, Strg+Entf löscht, "
+                       "F9 setzt einen Haltepunkt."));
+    auto* row = new QVBoxLayout(Frame_Edit);
+    row->addWidget(txt_Hilfe);
+    return Frame_Edit;
+}
+
+QWidget* Editor_Form::build_simulation() {
+    Frame_Sim = named<QGroupBox>("Frame_Sim", this, QStringLiteral("Simulation"));
+    cmd_sim = button("cmd_sim", QStringLiteral("On/Off"), Frame_Sim);
+    cmd_Pause = button("cmd_Pause", QStringLiteral("Pause"), Frame_Sim);
+    cmd_Einzel = button("cmd_Einzel", QStringLiteral("Step"), Frame_Sim);
+    cmd_debug = button("cmd_debug", QStringLiteral("Fehlersuche"), Frame_Sim);
+    cmd_debug->setCheckable(true);
+    Sli_Script_Speed = slider("Sli_Script_Speed", QStringLiteral("Speed"), Frame_Sim);
+    Sli_Script_Speed->setRange(0, 10);
+    Sli_Script_Speed->setValue(2);
+    Sli_Script_Speed->setPageStep(1);
+    auto* speed = named<QLabel>("lab_Speed", Frame_Sim, QStringLiteral("Speed"));
+    auto* above = new QHBoxLayout;
+    for (QWidget* each : {static_cast<QWidget*>(cmd_sim), static_cast<QWidget*>(cmd_Pause),
+                          static_cast<QWidget*>(cmd_Einzel)})
+        above->addWidget(each);
+    auto* below = new QHBoxLayout;
+    below->addWidget(speed);
+    below->addWidget(Sli_Script_Speed, 1);
+    below->addWidget(cmd_debug);
+    auto* column = new QVBoxLayout(Frame_Sim);
+    column->addLayout(above);
+    column->addLayout(below);
+    return Frame_Sim;
+}
+
+QWidget* Editor_Form::build_info() {
+    auto* box = new QWidget(this);
+    chk_info_on = named<QCheckBox>("chk_info_on", box, QStringLiteral("Info einblenden"));
+    chk_info_off = named<QCheckBox>("chk_info_off", box, QStringLiteral("Single line"));
+    Sli_Info = slider("Sli_Info", QStringLiteral("Breite der Info-Spalte"), box);
+    Sli_Info->setRange(0, 100);
+    auto* column = new QVBoxLayout(box);
+    column->setContentsMargins(0, 0, 0, 0);
+    for (QWidget* each : {static_cast<QWidget*>(chk_info_on), static_cast<QWidget*>(chk_info_off),
+                          static_cast<QWidget*>(Sli_Info)})
+        column->addWidget(each);
+    column->addStretch();
+    return box;
+}
+
+QWidget* Editor_Form::build_end() {
+    auto* box = new QWidget(this);
+    cmd_undo = button("cmd_undo", QStringLiteral("Rückgängig"), box);
+    cmd_redo = button("cmd_redo", QStringLiteral("Wiederholen"), box);
+    cmd_ok = button("cmd_ok", QStringLiteral("OK"), box);
+    cmd_cancel = button("cmd_cancel", QStringLiteral("Abbrechen"), box);
+    auto* grid = new QGridLayout(box);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->addWidget(cmd_undo, 0, 0);
+    grid->addWidget(cmd_redo, 0, 1);
+    grid->addWidget(cmd_ok, 1, 0);
+    grid->addWidget(cmd_cancel, 1, 1);
+    grid->setRowStretch(2, 1);
+    return box;
+}
+
+void show_red(QPushButton& button, bool red) {
+    button.setStyleSheet(red ? QStringLiteral("background-color: #ff0000; color: white;")
+                             : QString());
+}
+
+} // namespace scripts_ui

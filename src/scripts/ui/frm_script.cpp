@@ -1,0 +1,375 @@
+#include "scripts/ui/frm_script.h"
+
+#include "app/mod_main.h"
+#include "app/one_line.h"
+#include "app/text_table.h"
+#include "platform/files/replace.h"
+#include "scripts/cls_script_coll.h"
+#include "scripts/script_file.h"
+#include "scripts/ui/editor_form.h"
+#include "sim/SimDecoderState.h"
+#include "ui/parts/trouble_texts.h"
+#include "ui/parts/window_placer.h"
+
+#include <QCloseEvent>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QKeyEvent>
+#include <QScopedValueRollback>
+#include <QSignalBlocker>
+#include <QVBoxLayout>
+#include <algorithm>
+
+namespace scripts_ui {
+
+using scripts::AktScripts;
+using scripts::cls_script;
+
+namespace {
+
+/// Where scripts lie that were not stored when the program had to end.
+QString safety_folder() {
+    return app::globals.UserDataDir + QStringLiteral("Scripte") + QDir::separator();
+}
+
+QString file_name_of(const QString& script, std::int32_t ScriptID) {
+    QString name;
+    for (const QChar each : app::in_one_line(script).left(60))
+        name += each.isLetterOrNumber() || each == u' ' || each == u'-' ? each : QChar(u'_');
+    return QStringLiteral("%1 (%2).vqs").arg(name.trimmed()).arg(ScriptID);
+}
+
+} // namespace
+
+frm_script::frm_script(Script_Place place)
+    : place_(std::move(place)), form_(new Editor_Form(this)),
+      placer_(std::make_unique<ui_parts::Window_Placer>(*this, place_.desktop)),
+      clock_(place_.time) {
+    setObjectName(QStringLiteral("frm_script"));
+    setWindowTitle(QStringLiteral("Script"));
+    auto* column = new QVBoxLayout(this);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(form_);
+    wire();
+    wire_simulation();
+}
+
+frm_script::~frm_script() {
+    simulation_.reset();
+    if (session_) end();
+}
+
+void frm_script::wire() {
+    const Row_View* rows = form_->Picture1;
+    connect(rows, &Row_View::number_clicked, this, &frm_script::number_clicked);
+    connect(rows, &Row_View::delete_wanted, this, &frm_script::ask_to_delete);
+    connect(rows, &Row_View::margin_clicked, this, &frm_script::toggle_break);
+    connect(rows, &Row_View::undo_wanted, this, &frm_script::undo);
+    connect(rows, &Row_View::redo_wanted, this, &frm_script::redo);
+    connect(rows, &Row_View::left, this, [this](bool forward) {
+        (forward ? form_->cmd_sim : form_->cmd_cancel)->setFocus(Qt::TabFocusReason);
+    });
+    connect(form_->cmd_undo, &QPushButton::clicked, this, &frm_script::undo);
+    connect(form_->cmd_redo, &QPushButton::clicked, this, &frm_script::redo);
+    connect(form_->cmd_ok, &QPushButton::clicked, this, [this] { close_as(Closing::ok); });
+    connect(form_->cmd_cancel, &QPushButton::clicked, this, [this] { close_as(Closing::cancel); });
+    connect(form_->chk_info_on, &QCheckBox::toggled, this, &frm_script::follow_info);
+    connect(form_->chk_info_off, &QCheckBox::toggled, this, &frm_script::follow_info);
+    connect(form_->Sli_Info, &QSlider::valueChanged, this, &frm_script::follow_info);
+}
+
+// Opening
+
+void frm_script::open(int position) {
+    if (session_ || !AktScripts().exists(position)) return;
+    cls_script& script = *AktScripts().Item(position);
+    script.EditActive = true;
+    session_ = std::make_unique<scripts::Script_Session>(script);
+    session_->listen(this);
+    SetID_ = AktScripts().SetID;
+    ScriptID_ = script.ScriptID;
+    stored_states_ = script.Stored_States;
+    name_ = script.ScriptName;
+    debugger_ = {};
+    debugger_.Stopped = [this](int line, sim::Stop_Reason why) { stopped(line, why); };
+    sim::SimDecoderState().SimPaused = false;
+    place_.gate.add(*this);
+    app::globals.ScriptWindowOpen = true;
+    setWindowTitle(QStringLiteral("Script ") + app::in_one_line(name_));
+    form_->lab_status->forget();
+    show_rows();
+    placer_->bring_to(app::globals.Script_Window);
+    app::globals.Script_Window_Max ? showMaximized() : show();
+    raise();
+    activateWindow();
+    form_->Picture1->take_focus(0, Row_View::command_column);
+}
+
+void frm_script::show_rows() {
+    form_->Picture1->show_session(
+        session_.get(),
+        {.texts = [this] { return texts(); },
+         .mark =
+             [this](int line) {
+                 if (!debugger_.has_break(line)) return Break_Margin::Mark::none;
+                 return debugger_.condition_of(line) ? Break_Margin::Mark::stop_if
+                                                     : Break_Margin::Mark::stop;
+             },
+         .simulated_line =
+             [this] { return simulation_ ? sim::SimDecoderState().SimCurrentState : -1; },
+         .longest_info = std::max(1, place_.database.script_info_width())});
+    {
+        const QSignalBlocker on(form_->chk_info_on), off(form_->chk_info_off),
+            size(form_->Sli_Info);
+        form_->chk_info_on->setChecked(!app::globals.Script_Info_Off);
+        form_->chk_info_off->setChecked(app::globals.Script_Info_Single_Line);
+        form_->Sli_Info->setValue(app::globals.Script_Info_Size);
+    }
+    follow_info();
+    refresh_buttons();
+}
+
+void frm_script::follow_info() {
+    app::globals.Script_Info_Off = !form_->chk_info_on->isChecked();
+    app::globals.Script_Info_Single_Line = form_->chk_info_off->isChecked();
+    app::globals.Script_Info_Size = static_cast<std::int16_t>(form_->Sli_Info->value());
+    form_->Picture1->show_info_column(form_->chk_info_on->isChecked(),
+                                      form_->chk_info_off->isChecked(), form_->Sli_Info->value());
+}
+
+scripts::Text_Context frm_script::texts() {
+    return {.scripts = AktScripts(),
+            .edited = &session_->working(),
+            .cv_value =
+                [this](int cv) {
+                    return store::Get_CV_Wert(place_.database, static_cast<std::int16_t>(cv));
+                },
+            .language = app::globals.LanguageIndex};
+}
+
+int frm_script::position() const {
+    if (AktScripts().SetID != SetID_) return 0;
+    for (int place = 1; place <= AktScripts().Count(); ++place)
+        if (AktScripts().Item(place)->ScriptID == ScriptID_) return place;
+    return 0;
+}
+
+void frm_script::scripts_loaded() {
+    if (!session_) return;
+    if (const int place = position(); place != 0) {
+        AktScripts().Item(place)->EditActive = true;
+        name_ = AktScripts().Item(place)->ScriptName;
+        setWindowTitle(QStringLiteral("Script ") + app::in_one_line(name_));
+    }
+    form_->Picture1->refresh();
+}
+
+// Editing
+
+/// Whoever clicks twice before the numbers are drawn anew means those that he sees.
+void frm_script::number_clicked(int line, quint64 moment) {
+    form_->cmd_ok->setFocus(); // ends what is being typed
+    if (!session_ || line >= session_->lines()) return;
+    if (const auto inserted = session_->inserted()) {
+        const bool old_numbers = inserted_at_ && moment != 0 &&
+                                 moment <= *inserted_at_ + static_cast<quint64>(insert_took_);
+        copy_from(old_numbers && line >= *inserted ? line + 1 : line);
+        return;
+    }
+    QElapsedTimer handling;
+    handling.start();
+    insert_before(line);
+    inserted_at_ = moment != 0 ? std::optional(moment) : std::nullopt;
+    insert_took_ = static_cast<int>(handling.elapsed());
+}
+
+void frm_script::insert_before(int line) {
+    if (session_->lines() >= cls_script::max_states) {
+        form_->lab_status->say(QStringLiteral("Nichts eingefügt: das Script hat alle 256 Zeilen."));
+        return;
+    }
+    session_->insert(line);
+    form_->Picture1->take_focus(line, Row_View::command_column);
+    form_->Picture1->repaint();
+}
+
+void frm_script::copy_from(int line) {
+    const int inserted = *session_->inserted();
+    session_->copy_to_inserted(line);
+    form_->Picture1->take_focus(inserted, line < inserted ? Row_View::command_column + 1
+                                                          : Row_View::command_column);
+}
+
+void frm_script::ask_to_delete(int line) {
+    if (!place_.desktop.ask_yes_no(app::TextTable.text(531), app::TextTable.text(531))) {
+        form_->Picture1->refresh();
+        return;
+    }
+    if (!session_) return;
+    session_->erase(line);
+    form_->Picture1->take_focus(line, Row_View::command_column);
+}
+
+void frm_script::undo() {
+    if (!session_) return;
+    form_->Picture1->commit();
+    if (session_->can_undo())
+        form_->Picture1->take_focus(session_->undo(), Row_View::command_column);
+}
+
+void frm_script::redo() {
+    if (!session_) return;
+    form_->Picture1->commit();
+    if (session_->can_redo())
+        form_->Picture1->take_focus(session_->redo(), Row_View::command_column);
+}
+
+void frm_script::lines_changed() {
+    form_->Picture1->refresh();
+    refresh_buttons();
+}
+
+void frm_script::refresh_buttons() {
+    form_->cmd_undo->setEnabled(session_ && session_->can_undo());
+    form_->cmd_redo->setEnabled(session_ && session_->can_redo());
+    setWindowModified(session_ && session_->changed());
+}
+
+bool frm_script::event(QEvent* event) {
+    if (event->type() == QEvent::KeyPress && session_) {
+        const auto& key = *static_cast<QKeyEvent*>(event);
+        if (key.matches(QKeySequence::Undo)) return undo(), true;
+        if (key.matches(QKeySequence::Redo)) return redo(), true;
+    }
+    return QWidget::event(event);
+}
+
+// Closing
+
+void frm_script::closeEvent(QCloseEvent* event) {
+    if (session_ && !close_as(Closing::close_box)) event->ignore();
+}
+
+bool frm_script::close_as(Closing how) {
+    if (!session_) return true;
+    if (closing_) return false;
+    const QScopedValueRollback closing(closing_, true);
+    form_->Picture1->commit();
+    end_simulation();
+    if (!leave_changes(how)) return false;
+    end();
+    hide();
+    return true;
+}
+
+/// @return false: the user stays, or what was to be stored could not be
+bool frm_script::leave_changes(Closing how) {
+    if (!session_->changed() || how == Closing::cancel) return true;
+    if (how == Closing::ok) return save();
+    using Answer = desktop::Desktop::Answer;
+    const QString title = app::TextTable.text(198), question = app::TextTable.text(305);
+    Answer answer = Answer::cancel;
+    if (how == Closing::close_box)
+        answer = place_.desktop.ask_yes_no_cancel(title, question);
+    else
+        answer = place_.desktop.ask_yes_no(title, question) ? Answer::yes : Answer::no;
+    if (answer == Answer::yes) return save();
+    return answer == Answer::no;
+}
+
+bool frm_script::save() {
+    const int place = position();
+    if (place == 0) {
+        offer_file(QStringLiteral("Das Script ist nicht mehr in der Bibliothek."));
+        return false;
+    }
+    cls_script& script = *AktScripts().Item(place);
+    const cls_script before = script;
+    session_->write_back(script);
+    script.Stored_States = stored_states_;
+    if (!place_.database.DB_Save_Script_States(place)) {
+        const auto trouble = place_.database.last_trouble();
+        const QString reason = trouble ? ui_parts::sentence(*trouble) : QString();
+        if (AktScripts().exists(place) && AktScripts().Item(place)->ScriptID == ScriptID_)
+            *AktScripts().Item(place) = before;
+        offer_file(reason);
+        return false;
+    }
+    stored_states_ = script.Stored_States;
+    session_->kept();
+    constexpr int source = scripts::cls_Scriptstate::stored_par_count;
+    int lost = 0;
+    for (int line = 0; line < script.StateCount; ++line)
+        if (script.GetState(line).GetPar(source) != 0) ++lost;
+    if (lost > 0)
+        form_->lab_status->say(
+            QStringLiteral("Die Quelle des CV-Werts steht nur in Script-Dateien."));
+    if (place_.stored) place_.stored();
+    return true;
+}
+
+QByteArray frm_script::as_file() const {
+    cls_script decoder, file;
+    decoder.CopyHeader(session_->working());
+    decoder.ScriptName = name_;
+    session_->write_back(decoder);
+    file.Import_vqx_2_vqr(decoder);
+    int replaced = 0;
+    return scripts::script_file_of(file, replaced);
+}
+
+void frm_script::offer_file(const QString& reason) {
+    const bool wanted = place_.desktop.ask_yes_no(
+        app::TextTable.text(198),
+        reason + QStringLiteral("\nDas Script bleibt offen. Jetzt als Script-Datei sichern?"));
+    if (!wanted) return;
+    const QString extension = QStringLiteral(".vqs");
+    const auto path = place_.desktop.ask_save_file(
+        {app::globals.LastScriptdir.isEmpty() ? app::globals.DocDir : app::globals.LastScriptdir,
+         file_name_of(name_, ScriptID_), extension, QStringLiteral("KELDA Script (*.vqs)")});
+    if (!path) return;
+    try {
+        const QByteArray bytes = as_file();
+        files::replace_file(place_.disk, path->toStdString(),
+                            std::as_bytes(std::span(bytes.begin(), bytes.end())));
+        form_->lab_status->say(QStringLiteral("Als Script-Datei gesichert."));
+    } catch (const files::Error& error) {
+        form_->lab_status->say(QStringLiteral("Die Script-Datei kann nicht geschrieben werden: ") +
+                               ui_parts::reason(error.kind));
+    }
+}
+
+/// Nobody can be asked: the next start finds it.
+void frm_script::put_into_safety() {
+    if (!session_) return;
+    form_->Picture1->commit();
+    end_simulation();
+    if (session_->changed()) {
+        try {
+            const std::string folder = safety_folder().toStdString();
+            if (!place_.disk.folder_exists(folder)) place_.disk.make_folder(folder);
+            const QByteArray bytes = as_file();
+            const QString path = safety_folder() + file_name_of(name_, ScriptID_);
+            files::replace_file(place_.disk, path.toStdString(),
+                                std::as_bytes(std::span(bytes.begin(), bytes.end())));
+        } catch (const files::Error&) {
+            // The program ends all the same; there is nobody to tell.
+        }
+    }
+    end();
+    hide();
+}
+
+void frm_script::end() {
+    if (isMinimized()) showNormal();
+    app::globals.Script_Window_Max = isMaximized();
+    if (!isMaximized()) app::globals.Script_Window = placer_->place();
+    place_.gate.remove(*this);
+    if (const int place = position(); place != 0) AktScripts().Item(place)->EditActive = false;
+    app::globals.ScriptWindowOpen = false;
+    form_->Picture1->show_session(nullptr, {});
+    session_.reset();
+    inserted_at_.reset();
+}
+
+} // namespace scripts_ui

@@ -1,0 +1,205 @@
+#include "scripts/ui/row_fields.h"
+
+#include <QAbstractItemView>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QSignalBlocker>
+#include <QWheelEvent>
+
+namespace scripts_ui {
+namespace {
+
+const QColor signal_red(0xFF, 0, 0);
+const QColor light_red(0xFF, 0xC0, 0xC0);
+
+} // namespace
+
+Number_Label::Number_Label(QWidget* parent) : QLabel(parent) {
+    setAlignment(Qt::AlignCenter);
+    setFrameStyle(QFrame::Panel | QFrame::Raised);
+    setAutoFillBackground(true);
+    setBackgroundRole(QPalette::Button);
+    setForegroundRole(QPalette::ButtonText);
+    setCursor(Qt::PointingHandCursor);
+}
+
+void Number_Label::show_state(const QString& caption, Colour colour) {
+    if (text() != caption) setText(caption);
+    if (std::exchange(colour_, colour) == colour) return;
+    QPalette palette;
+    if (colour == Colour::red) {
+        palette.setColor(QPalette::Button, signal_red);
+        palette.setColor(QPalette::ButtonText, Qt::white);
+    }
+    setPalette(palette);
+}
+
+void Number_Label::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton && rect().contains(event->position().toPoint()))
+        Q_EMIT clicked(event->timestamp());
+}
+
+Break_Margin::Break_Margin(QWidget* parent) : QWidget(parent) { setCursor(Qt::PointingHandCursor); }
+
+void Break_Margin::show_mark(Mark mark) {
+    if (std::exchange(mark_, mark) != mark) update();
+}
+
+void Break_Margin::paintEvent(QPaintEvent*) {
+    if (mark_ == Mark::none) return;
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const qreal size = std::min(width(), height()) * 0.7;
+    QRectF dot(0, 0, size, size);
+    dot.moveCenter(QRectF(rect()).center());
+    painter.setPen(QPen(signal_red, 2));
+    if (mark_ == Mark::stop) painter.setBrush(signal_red);
+    painter.drawEllipse(dot.adjusted(1, 1, -1, -1));
+}
+
+void Break_Margin::mouseReleaseEvent(QMouseEvent* event) {
+    if (!rect().contains(event->position().toPoint())) return;
+    if (event->button() == Qt::LeftButton) Q_EMIT clicked();
+    if (event->button() == Qt::RightButton) Q_EMIT condition_wanted();
+}
+
+// Boxes
+
+Entry_Box::Entry_Box(QWidget* parent) : QComboBox(parent) {
+    setEditable(true);
+    setInsertPolicy(NoInsert);
+    setCompleter(nullptr);
+    setMinimumContentsLength(1);
+    setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
+    setMaxVisibleItems(20);
+    lineEdit()->installEventFilter(this);
+    connect(this, &QComboBox::activated, this, [this](int entry) {
+        typing_ = false;
+        Q_EMIT chosen(entry);
+    });
+    connect(lineEdit(), &QLineEdit::textEdited, this, [this](const QString& text) {
+        typing_ = true;
+        Q_EMIT typed(text);
+    });
+}
+
+void Entry_Box::show_entry(QAbstractItemModel* entries, int entry, const QString& text) {
+    const QSignalBlocker quiet(this);
+    if (model() != entries) setModel(entries);
+    if (currentIndex() != entry) {
+        const QString kept = lineEdit()->text();
+        setCurrentIndex(entry);
+        if (typing_) lineEdit()->setText(kept);
+    }
+    shown_ = text;
+    if (typing_ || lineEdit()->text() == text) return;
+    lineEdit()->setText(text);
+    lineEdit()->setCursorPosition(0);
+    setToolTip(text);
+}
+
+void Entry_Box::show_warm(bool warm) {
+    QPalette palette;
+    if (warm) {
+        palette.setColor(QPalette::Base, light_red);
+        palette.setColor(QPalette::Button, light_red);
+        palette.setColor(QPalette::Text, Qt::black);
+        palette.setColor(QPalette::ButtonText, Qt::black);
+    }
+    if (palette != this->palette() || warm != testAttribute(Qt::WA_SetPalette)) setPalette(palette);
+}
+
+void Entry_Box::showPopup() {
+    Q_EMIT opening();
+    view()->setMinimumWidth(std::min(view()->sizeHintForColumn(0) + 30, 500));
+    QComboBox::showPopup();
+}
+
+void Entry_Box::end_typing() {
+    if (!std::exchange(typing_, false)) return;
+    const QString text = lineEdit()->text();
+    lineEdit()->setText(shown_);
+    Q_EMIT left(text);
+    lineEdit()->setText(shown_);
+}
+
+bool Entry_Box::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::FocusOut && !view()->isVisible()) end_typing();
+    if (event->type() == QEvent::FocusIn)
+        QMetaObject::invokeMethod(lineEdit(), &QLineEdit::selectAll, Qt::QueuedConnection);
+    if (event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
+            end_typing();
+            lineEdit()->selectAll();
+            return true;
+        }
+        if (key == Qt::Key_Escape && typing_) {
+            typing_ = false;
+            lineEdit()->setText(shown_);
+            lineEdit()->selectAll();
+            return true;
+        }
+    }
+    return QComboBox::eventFilter(watched, event);
+}
+
+// Comments
+
+Info_Field::Info_Field(QWidget* parent) : QPlainTextEdit(parent) {
+    setTabChangesFocus(true);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    document()->setDocumentMargin(2);
+}
+
+void Info_Field::show_info(const QString& info, int longest) {
+    longest_ = longest;
+    if (info == info_ && (hasFocus() || toPlainText() == info)) return;
+    info_ = info;
+    setPlainText(info);
+}
+
+void Info_Field::show_single_line(bool single) {
+    setLineWrapMode(single ? NoWrap : WidgetWidth);
+    setVerticalScrollBarPolicy(single ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAsNeeded);
+}
+
+void Info_Field::commit() {
+    const QString now = toPlainText();
+    if (std::exchange(info_, now) != now) Q_EMIT committed(now);
+}
+
+void Info_Field::keyPressEvent(QKeyEvent* event) {
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (enter && event->modifiers() != Qt::ShiftModifier) {
+        commit();
+        Q_EMIT entered();
+        return;
+    }
+    if (event->key() == Qt::Key_Escape && toPlainText() != info_) {
+        setPlainText(info_);
+        return;
+    }
+    const bool adds = enter || !event->text().isEmpty();
+    const bool room = toPlainText().size() < longest_ || textCursor().hasSelection();
+    const bool types = adds && event->key() != Qt::Key_Backspace &&
+                       event->key() != Qt::Key_Delete &&
+                       (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) == 0;
+    if (types && !room) return;
+    QPlainTextEdit::keyPressEvent(event);
+}
+
+void Info_Field::insertFromMimeData(const QMimeData* source) {
+    const auto room = longest_ - toPlainText().size() + textCursor().selectedText().size();
+    insertPlainText(source->text().left(std::max<qsizetype>(0, room)));
+}
+
+void Info_Field::focusOutEvent(QFocusEvent* event) {
+    QPlainTextEdit::focusOutEvent(event);
+    if (event->reason() != Qt::PopupFocusReason) commit();
+}
+
+} // namespace scripts_ui

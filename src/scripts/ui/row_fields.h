@@ -1,0 +1,101 @@
+#pragma once
+
+#include <QComboBox>
+#include <QLabel>
+#include <QPlainTextEdit>
+#include <QWidget>
+
+namespace scripts_ui {
+
+/// The number of a line. A click on it inserts a line or copies this one.
+class Number_Label final : public QLabel {
+    Q_OBJECT
+public:
+    enum class Colour { plain, red };
+    explicit Number_Label(QWidget* parent);
+    void show_state(const QString& caption, Colour colour);
+
+Q_SIGNALS:
+    void clicked(quint64 moment); ///< of the system's clock of input, in milliseconds
+
+protected:
+    void mouseReleaseEvent(QMouseEvent* event) override;
+
+private:
+    Colour colour_ = Colour::plain;
+};
+
+/// Beside the number: where a simulation stops.
+class Break_Margin final : public QWidget {
+    Q_OBJECT
+public:
+    enum class Mark { none, stop, stop_if };
+    explicit Break_Margin(QWidget* parent);
+    void show_mark(Mark mark);
+
+Q_SIGNALS:
+    void clicked();
+    void condition_wanted();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+
+private:
+    Mark mark_ = Mark::none;
+};
+
+/// A box to choose from a list or to type into. What is typed is only wanted; leaving it, or Enter,
+/// says so.
+class Entry_Box final : public QComboBox {
+    Q_OBJECT
+public:
+    explicit Entry_Box(QWidget* parent);
+    /// Shows an entry, unless somebody is typing here. The text may say more than the list does.
+    void show_entry(QAbstractItemModel* entries, int entry, const QString& text);
+    bool typing() const { return typing_; }
+    void show_warm(bool warm); ///< light red, with readable text
+
+Q_SIGNALS:
+    void opening();                  ///< the list is about to be seen
+    void chosen(int entry);          ///< from the list
+    void typed(const QString& text); ///< one character more
+    void left(const QString& text);  ///< typing has ended with this
+
+protected:
+    void showPopup() override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override { event->ignore(); }
+
+private:
+    void end_typing();
+
+    QString shown_;
+    bool typing_ = false;
+};
+
+/// The comment of a line. Enter ends it as leaving it does; Shift+Enter begins a new line of it.
+class Info_Field final : public QPlainTextEdit {
+    Q_OBJECT
+public:
+    explicit Info_Field(QWidget* parent);
+    void show_info(const QString& info, int longest);
+    void show_single_line(bool single);
+    void commit();
+
+Q_SIGNALS:
+    void committed(const QString& info);
+    void entered();
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void insertFromMimeData(const QMimeData* source) override;
+    void wheelEvent(QWheelEvent* event) override { event->ignore(); }
+
+private:
+    QString info_;
+    int longest_ = 255;
+};
+
+} // namespace scripts_ui
