@@ -43,7 +43,7 @@ struct Globals {
     bool Script_Window_Max = false;      ///< the script window is maximised
     bool Script_Info_Off = false;        ///< the script window does not show its comments
     bool Script_Info_Single_Line = true; ///< or shows one line of each
-    std::int16_t Script_Info_Size = 30;  ///< of their column, 0..100
+    std::int16_t Script_Info_Size = 20;  ///< of their column, 0..100
     Rectangle VirtualScreen;             ///< the whole desktop
     std::int32_t MonitorCount = 0;
     std::vector<Rectangle> MonitorRects; ///< bounds of each monitor

@@ -75,7 +75,6 @@ Entry_Box::Entry_Box(QWidget* parent) : QComboBox(parent) {
     setMinimumContentsLength(1);
     setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
     setMaxVisibleItems(20);
-    lineEdit()->installEventFilter(this);
     connect(this, &QComboBox::activated, this, [this](int entry) {
         typing_ = false;
         Q_EMIT chosen(entry);
@@ -95,10 +94,10 @@ void Entry_Box::show_entry(QAbstractItemModel* entries, int entry, const QString
         if (typing_) lineEdit()->setText(kept);
     }
     shown_ = text;
-    if (typing_ || lineEdit()->text() == text) return;
-    lineEdit()->setText(text);
-    lineEdit()->setCursorPosition(0);
-    setToolTip(text);
+    if (typing_) return;
+    if (lineEdit()->text() != text) lineEdit()->setText(text);
+    if (!hasFocus()) lineEdit()->setCursorPosition(0); // its beginning is seen
+    if (toolTip() != text) setToolTip(text);
 }
 
 void Entry_Box::show_warm(bool warm) {
@@ -126,25 +125,33 @@ void Entry_Box::end_typing() {
     lineEdit()->setText(shown_);
 }
 
-bool Entry_Box::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::FocusOut && !view()->isVisible()) end_typing();
-    if (event->type() == QEvent::FocusIn)
+// The box has the focus for its line of text.
+
+void Entry_Box::focusInEvent(QFocusEvent* event) {
+    QComboBox::focusInEvent(event);
+    if (event->reason() != Qt::PopupFocusReason)
         QMetaObject::invokeMethod(lineEdit(), &QLineEdit::selectAll, Qt::QueuedConnection);
-    if (event->type() == QEvent::KeyPress) {
-        const int key = static_cast<QKeyEvent*>(event)->key();
-        if (key == Qt::Key_Return || key == Qt::Key_Enter) {
-            end_typing();
-            lineEdit()->selectAll();
-            return true;
-        }
-        if (key == Qt::Key_Escape && typing_) {
-            typing_ = false;
-            lineEdit()->setText(shown_);
-            lineEdit()->selectAll();
-            return true;
-        }
+}
+
+void Entry_Box::focusOutEvent(QFocusEvent* event) {
+    QComboBox::focusOutEvent(event);
+    if (event->reason() == Qt::PopupFocusReason) return;
+    end_typing();
+    lineEdit()->deselect();
+    lineEdit()->setCursorPosition(0);
+}
+
+void Entry_Box::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        end_typing();
+        lineEdit()->selectAll();
+    } else if (event->key() == Qt::Key_Escape && typing_) {
+        typing_ = false;
+        lineEdit()->setText(shown_);
+        lineEdit()->selectAll();
+    } else {
+        QComboBox::keyPressEvent(event);
     }
-    return QComboBox::eventFilter(watched, event);
 }
 
 // Comments

@@ -64,7 +64,9 @@ Q_SIGNALS:
 
 protected:
     void showPopup() override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void wheelEvent(QWheelEvent* event) override { event->ignore(); }
 
 private:

@@ -67,6 +67,16 @@ void Row_View::show_info_column(bool on, bool single_line, int size) {
     refresh();
 }
 
+/// That the longest name of a command needs.
+int Row_View::command_width() const {
+    int widest = 0;
+    for (const catalogue::Command& command : catalogue::commands())
+        widest =
+            std::max(widest, fontMetrics().horizontalAdvance(command.name.in(list_language())));
+    constexpr int arrow_and_frame = 40;
+    return widest + arrow_and_frame;
+}
+
 void Row_View::lay_out() {
     constexpr int gap = 4;
     const QFontMetrics metrics(font());
@@ -87,12 +97,10 @@ void Row_View::lay_out() {
     const int rest = all - left;
     const int info = info_on_ ? rest * (10 + info_size_ / 2) / 100 : 0;
     const int fields = rest - info - (info > 0 ? gap : 0);
-    span(columns_.command, fields * 26 / 100 - gap);
+    span(columns_.command, std::min(command_width(), fields * 36 / 100) - gap);
+    const int parameters = all - left - info;
     for (Columns::Span& parameter : columns_.parameter)
-        span(parameter,
-             (all - (info > 0 ? info + gap : 0) - columns_.command.left - columns_.command.width -
-              gap) / Columns::parameters -
-                 gap);
+        span(parameter, parameters / Columns::parameters - gap);
     columns_.info = info > 0 ? Columns::Span{all - info, info} : Columns::Span{};
     const auto put = [&](QLabel* label, const Columns::Span& column) {
         label->setGeometry(column.left, 0, column.width, header_height_);

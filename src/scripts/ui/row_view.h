@@ -71,6 +71,7 @@ private:
 
     void build_headers();
     void lay_out();
+    int command_width() const;
     void make_rows(int count);
     void wire(Script_Row* row);
     void watch(QWidget* field);
