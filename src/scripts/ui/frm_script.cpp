@@ -232,7 +232,6 @@ void frm_script::lines_changed() {
 void frm_script::refresh_buttons() {
     form_->cmd_undo->setEnabled(session_ && session_->can_undo());
     form_->cmd_redo->setEnabled(session_ && session_->can_redo());
-    setWindowModified(session_ && session_->changed());
 }
 
 bool frm_script::event(QEvent* event) {

@@ -88,11 +88,16 @@ private:
     void pause();
     void set_pace();
     void stopped(int line, sim::Stop_Reason why);
+    void say_why_it_stands(const QString& sentence);
     void toggle_break(int line);
     void debug_changed();
+    void show_debug(bool on);
+    void make_debug_panel();
+    void edit_break(int line);
 
     Script_Place place_;
     Editor_Form* form_;
+    Debug_Panel* debug_ = nullptr; ///< made when it is first looked at
     std::unique_ptr<ui_parts::Window_Placer> placer_;
     std::unique_ptr<scripts::Script_Session> session_;
     std::int32_t SetID_ = 0, ScriptID_ = 0;

@@ -1,5 +1,9 @@
 // Running the script that is being edited.
 
+#include "app/mod_main.h"
+#include "app/one_line.h"
+#include "scripts/catalogue/commands.h"
+#include "scripts/ui/debug_panel.h"
 #include "scripts/ui/editor_form.h"
 #include "scripts/ui/frm_script.h"
 #include "sim/SimDecoderState.h"
@@ -7,6 +11,26 @@
 namespace scripts_ui {
 
 using sim::SimDecoderState;
+
+namespace {
+
+/// A cab whose steps somebody else wants to see as well.
+class Watched_Cab final : public sim::Cab {
+public:
+    Watched_Cab(std::unique_ptr<sim::Cab> cab, std::function<void()> step)
+        : cab_(std::move(cab)), step_(std::move(step)) {}
+    void show_timer(int value) override { cab_->show_timer(value); }
+    void step_done() override {
+        cab_->step_done();
+        step_();
+    }
+
+private:
+    std::unique_ptr<sim::Cab> cab_;
+    std::function<void()> step_;
+};
+
+} // namespace
 
 void frm_script::wire_simulation() {
     connect(form_->cmd_sim, &QPushButton::clicked, this, &frm_script::switch_simulation);
@@ -16,6 +40,8 @@ void frm_script::wire_simulation() {
         debug_changed();
     });
     connect(form_->Sli_Script_Speed, &QSlider::valueChanged, this, &frm_script::set_pace);
+    connect(form_->cmd_debug, &QPushButton::toggled, this, &frm_script::show_debug);
+    connect(form_->Picture1, &Row_View::condition_wanted, this, &frm_script::edit_break);
     form_->cmd_sim->setEnabled(static_cast<bool>(place_.make_cab));
 }
 
@@ -34,7 +60,8 @@ void frm_script::begin_simulation() {
     if (!session_ || !place_.make_cab) return;
     const sim::Script_CV script_cv = texts().cv_value;
     const sim::Make_Cab cab = [this, script_cv](sim::Cab_Listener& listener) {
-        return place_.make_cab(listener, clock_, script_cv);
+        return std::make_unique<Watched_Cab>(place_.make_cab(listener, clock_, script_cv),
+                                             [this] { debug_changed(); });
     };
     sim::Simulated_Script& script = *this;
     simulation_ = std::make_unique<sim::cls_script_sim>(script, cab, script_cv, clock_, &debugger_);
@@ -58,6 +85,7 @@ void frm_script::pause() {
     bool& paused = SimDecoderState().SimPaused;
     paused = !paused;
     show_red(*form_->cmd_Pause, paused);
+    if (!paused) say_why_it_stands({});
     if (simulation_) simulation_->Pause_Changed();
     debug_changed();
 }
@@ -70,11 +98,17 @@ void frm_script::set_pace() {
 void frm_script::stopped(int line, sim::Stop_Reason why) {
     show_red(*form_->cmd_Pause, true);
     form_->Picture1->follow(line);
-    form_->lab_status->say((why == sim::Stop_Reason::break_point
-                                ? QStringLiteral("Angehalten vor State %1: Haltepunkt")
-                                : QStringLiteral("Angehalten vor State %1"))
-                               .arg(line));
+    const QString sentence = (why == sim::Stop_Reason::break_point
+                                  ? QStringLiteral("Angehalten vor State %1: Haltepunkt")
+                                  : QStringLiteral("Angehalten vor State %1"))
+                                 .arg(line);
+    say_why_it_stands(sentence);
     debug_changed();
+}
+
+void frm_script::say_why_it_stands(const QString& sentence) {
+    sentence.isEmpty() ? form_->lab_status->forget() : form_->lab_status->say(sentence);
+    if (debug_ != nullptr) debug_->say(sentence);
 }
 
 void frm_script::toggle_break(int line) {
@@ -101,6 +135,41 @@ void frm_script::line_deleted(int line) {
     if (simulation_ && current > line) --current;
 }
 
-void frm_script::debug_changed() {}
+// Looking for faults
+
+void frm_script::debug_changed() {
+    if (debug_ != nullptr) debug_->refresh();
+}
+
+void frm_script::show_debug(bool on) {
+    if (on && debug_ == nullptr) make_debug_panel();
+    if (debug_ == nullptr) return;
+    debug_->setVisible(on);
+    debug_->refresh();
+}
+
+void frm_script::make_debug_panel() {
+    debug_ = new Debug_Panel(debugger_, SimDecoderState(), form_->splitter);
+    form_->splitter->setStretchFactor(0, 1);
+    debug_->line_text = [this](int line, std::int32_t command) {
+        const QString name = scripts_catalogue::CommandName(command, app::globals.LanguageIndex);
+        const scripts::cls_script* script = working_script();
+        if (script == nullptr || line >= script->StateCount) return name;
+        const QString& info = script->GetState(line).Info;
+        return info.isEmpty() ? name : name + QStringLiteral(" – ") + app::in_one_line(info);
+    };
+    debug_->show_own_clock(clock_.own());
+    connect(debug_, &Debug_Panel::line_wanted, this,
+            [this](int line) { form_->Picture1->take_focus(line, Row_View::command_column); });
+    connect(debug_, &Debug_Panel::breaks_changed, form_->Picture1, &Row_View::refresh_marks);
+    connect(debug_, &Debug_Panel::own_clock_wanted, this, [this](bool on) { clock_.own(on); });
+}
+
+void frm_script::edit_break(int line) {
+    if (!session_ || line >= session_->lines()) return;
+    form_->cmd_debug->setChecked(true);
+    debug_->edit_break(line);
+    form_->Picture1->refresh_marks();
+}
 
 } // namespace scripts_ui

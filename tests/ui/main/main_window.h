@@ -64,7 +64,7 @@ protected:
     }
 
     void start_bare() {
-        window = std::make_unique<Frm_Main>(desktop, disk, database, ports);
+        window = std::make_unique<Frm_Main>(desktop, disk, database, ports, make_cab);
         window->load();
         window->show();
         QApplication::setActiveWindow(window.get());
@@ -205,6 +205,7 @@ protected:
     support::Scripted_Desktop desktop;
     store::clsDBConn database{disk};
     timing::Virtual_Time link_time;
+    scripts_ui::Make_Cab make_cab;
     link_ui::Link_Ports ports{[this] { return std::make_unique<serial::Fake_SComm>(link_time); },
                               link_time, link_transport::real_bit_loop()};
     std::unique_ptr<Frm_Main> window;

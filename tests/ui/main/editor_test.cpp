@@ -1,0 +1,226 @@
+// The script editor, opened from the main window and worked with keys and clicks.
+
+#include "main_window.h"
+#include "scripts/cls_Script_Sets.h"
+#include "scripts/ui/frm_script.h"
+#include "scripts/ui/row_fields.h"
+#include "sim/SimDecoderState.h"
+#include "sim/ui/frm_Sim_Fahrpult.h"
+
+using namespace ui_main;
+using testing::HasSubstr;
+using Closing = scripts_ui::frm_script::Closing;
+
+namespace {
+
+struct Editor_Test : Main_Window_Test {
+
+    void SetUp() override {
+        if (samples_missing()) GTEST_SKIP();
+        make_cab = [this](sim::Cab_Listener& listener, timing::Time& time, sim::Script_CV cv) {
+            auto cab =
+                std::make_unique<sim_ui::frm_Sim_Fahrpult>(listener, time, std::move(cv), desktop);
+            cab->load();
+            return cab;
+        };
+        start();
+        show_set();
+        ASSERT_GE(scripts::AktScripts().Count(), 2);
+        open();
+    }
+    void show_set() {
+        for (const char* view : {"opt_rescv_0", "opt_rescv_1"}) {
+            click_option(view);
+            for (int i = 0; i < sets().count(); ++i) {
+                click_row(sets(), i);
+                if (scripts::AktScripts().Count() >= 2) {
+                    set_with_scripts = database.AktCVSetID();
+                    return;
+                }
+            }
+        }
+    }
+    void open(int position = 1) {
+        window->Open_Script(position);
+        QApplication::setActiveWindow(editor());
+    }
+    static QWidget* editor() {
+        for (QWidget* top : QApplication::topLevelWidgets())
+            if (top->objectName() == QStringLiteral("frm_script") && top->isVisible()) return top;
+        return nullptr;
+    }
+    template <class Kind = QWidget>
+    static Kind& at(const char* kind, int line) {
+        auto* found = editor()->findChild<Kind*>(
+            QStringLiteral("%1_%2").arg(QLatin1StringView(kind)).arg(line));
+        if (found == nullptr) throw std::runtime_error(std::string("no control ") + kind);
+        return *found;
+    }
+    static std::string shown(const char* kind, int line) {
+        return at<QComboBox>(kind, line).currentText().toStdString();
+    }
+    static std::string number(int line) { return at<QLabel>("lab_nr", line).text().toStdString(); }
+    static void push(const char* name) {
+        editor()->findChild<QPushButton*>(QLatin1StringView(name))->click();
+    }
+    /// As somebody writes into a box and goes on.
+    void write(const char* kind, int line, const char* keys) {
+        at(kind, line).setFocus();
+        QApplication::processEvents();
+        press(Qt::Key_A, Qt::ControlModifier);
+        type(keys);
+        press(Qt::Key_Tab);
+    }
+    void click_number(int line) {
+        QTest::mouseClick(&at("lab_nr", line), Qt::LeftButton);
+        QApplication::processEvents();
+    }
+    std::vector<std::pair<int, std::string>> stored_lines() {
+        std::vector<std::pair<int, std::string>> lines;
+        store::clsDBConn other(disk);
+        other.Connection_Start(QString::fromUtf8(default_path));
+        scripts::cls_Script_Sets all;
+        other.Fill_Scripts_in_ScriptsObj(all);
+        const auto script = all.Item(QString::number(set_with_scripts))->Item(1);
+        for (int i = 0; i < script->StateCount; ++i)
+            lines.emplace_back(script->GetState(i).GetCommand(),
+                               script->GetState(i).Info.toStdString());
+        return lines;
+    }
+    std::int32_t set_with_scripts = 0;
+    const QString title = QStringLiteral("Änderungen Speichern?");
+    const QString question = QStringLiteral("Änderungen im Script speichern?");
+};
+
+} // namespace
+
+TEST_F(Editor_Test, closes_with_its_questions_and_stores_what_is_wanted) {
+    struct Way {
+        const char* what;
+        std::function<void()> close;
+        bool asks;
+        std::optional<Answer> answer;
+        bool open, stored;
+    };
+    const auto by_box = [] { editor()->close(); };
+    const auto by_other = [this] { open(2); };
+    const Way ways[] = {{"OK", [] { push("cmd_ok"); }, false, {}, false, true},
+                        {"Abbrechen", [] { push("cmd_cancel"); }, false, {}, false, false},
+                        {"box, yes", by_box, true, Answer::yes, false, true},
+                        {"box, no", by_box, true, Answer::no, false, false},
+                        {"box, cancel", by_box, true, Answer::cancel, true, false},
+                        {"another script, yes", by_other, true, Answer::yes, true, true},
+                        {"another script, no", by_other, true, Answer::no, true, false}};
+    const auto untouched = stored_lines();
+    int n = 0;
+    for (const Way& way : ways) {
+        SCOPED_TRACE(way.what);
+        const auto before = stored_lines();
+        const std::string info = "Bemerkung " + std::to_string(++n);
+        write("txt_State_Info", 0, info.c_str());
+        if (way.answer) desktop.expect_question(title, question, *way.answer);
+        way.close();
+        EXPECT_EQ(editor() != nullptr, way.open);
+        auto expected = before;
+        if (way.stored) expected[0].second = info;
+        EXPECT_EQ(stored_lines(), expected);
+        if (editor() != nullptr) push("cmd_cancel");
+        EXPECT_FALSE(app::globals.ScriptWindowOpen);
+        EXPECT_FALSE(scripts::AktScripts().Item(1)->EditActive);
+        open();
+    }
+    push("cmd_ok");
+    choose("mnu_undo");
+    choose("mnu_undo");
+    choose("mnu_undo");
+    EXPECT_EQ(stored_lines(), untouched) << "each storing is one step";
+}
+
+TEST_F(Editor_Test, lines_are_written_inserted_copied_and_deleted) {
+    const int lines = scripts::AktScripts().Item(1)->StateCount;
+    ASSERT_GT(lines, 3);
+    const std::string first = shown("combo_Command", 0), third = shown("combo_Command", 2);
+    write("combo_Command", 1, "warten");
+    EXPECT_EQ(shown("combo_Command", 1), "Auf Sound Ende warten");
+    write("combo_Command", 1, "das ist kein Befehl");
+    EXPECT_EQ(shown("combo_Command", 1), "Auf Sound Ende warten");
+    write("combo_Command", 1, "gehe zu");
+    write("combo_Param1", 1, "2");
+    EXPECT_EQ(number(2), "-> 2");
+    write("combo_Param1", 1, "256");
+    EXPECT_EQ(shown("combo_Param1", 1), "2") << "what is no entry is taken back";
+    click_number(0);
+    EXPECT_EQ(shown("combo_Command", 0), "-");
+    EXPECT_EQ(shown("combo_Command", 1), first);
+    EXPECT_EQ(number(3), "-> 3") << "the jump has followed";
+    click_number(3);
+    EXPECT_EQ(shown("combo_Command", 0), third);
+    desktop.expect_question(QStringLiteral("State löschen?"), QStringLiteral("State löschen?"),
+                            Answer::no);
+    write("combo_Command", 0, "-");
+    EXPECT_EQ(shown("combo_Command", 0), third);
+    desktop.expect_question(QStringLiteral("State löschen?"), QStringLiteral("State löschen?"),
+                            Answer::yes);
+    write("combo_Command", 0, "-");
+    EXPECT_EQ(shown("combo_Command", 0), first);
+    for (int step = 0; step < 5; ++step) press(Qt::Key_Z, Qt::ControlModifier);
+    push("cmd_undo");
+    EXPECT_EQ(shown("combo_Command", 2), third);
+    EXPECT_NE(number(2), "-> 2");
+    EXPECT_TRUE(editor()->isVisible()) << "the library's own undo would have asked to close";
+    const QPoint middle = at("combo_Command", 2).rect().center();
+    QWheelEvent wheel(middle, at("combo_Command", 2).mapToGlobal(middle), {}, {0, -120},
+                      Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(&at("combo_Command", 2), &wheel);
+    EXPECT_EQ(shown("combo_Command", 2), third) << "the wheel scrolls and chooses nothing";
+}
+
+TEST_F(Editor_Test, a_script_that_another_copy_has_changed_is_not_stored_over_it) {
+    write("txt_State_Info", 0, "meins");
+    elsewhere([this](store::clsDBConn& other) {
+        scripts::AktScripts().Clear(); // shared by both in this program
+        other.AktCVSetID(set_with_scripts);
+        other.DB_Load_Scripts();
+        scripts::AktScripts().Item(1)->GetState(1).Info = QStringLiteral("seins");
+        return other.DB_Save_Script_States(1);
+    });
+    const auto theirs = stored_lines();
+    EXPECT_EQ(theirs[1].second, "seins");
+    const QString file = QStringLiteral("/home/anna/meins.vqs");
+    desktop.expect_question(title, QStringLiteral("X"), Answer::yes);
+    desktop.expect_save(file);
+    push("cmd_ok");
+    EXPECT_NE(editor(), nullptr) << "what is not stored stays";
+    EXPECT_EQ(stored_lines(), theirs);
+    const auto bytes = disk.bytes(file.toStdString());
+    EXPECT_THAT(std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size()),
+                HasSubstr("\"Info\",\"meins\""));
+    push("cmd_cancel");
+}
+
+TEST_F(Editor_Test, the_simulation_ends_in_whatever_way_the_windows_close) {
+    const auto cab = [] {
+        for (QWidget* top : QApplication::topLevelWidgets())
+            if (top->objectName() == QStringLiteral("frm_Sim_Fahrpult") && top->isVisible())
+                return top;
+        return static_cast<QWidget*>(nullptr);
+    };
+    for (const char* state : {"runs", "paused", "single step"})
+        for (const char* way : {"switch", "cab", "ok", "program"}) {
+            SCOPED_TRACE(std::string(state) + ", " + way);
+            push("cmd_sim");
+            EXPECT_NE(cab(), nullptr);
+            EXPECT_TRUE(sim::SimDecoderState().SimActive);
+            if (state != std::string("runs")) push("cmd_Pause");
+            if (state == std::string("single step")) push("cmd_Einzel");
+            if (way == std::string("switch")) push("cmd_sim");
+            if (way == std::string("cab")) cab()->close();
+            if (way == std::string("ok")) push("cmd_ok");
+            if (way == std::string("program")) window->gate().pass_at_once();
+            QTRY_VERIFY(!sim::SimDecoderState().SimActive);
+            EXPECT_EQ(cab(), nullptr);
+            if (editor() == nullptr) open();
+            if (sim::SimDecoderState().SimPaused) push("cmd_Pause");
+        }
+    push("cmd_cancel");
+}
