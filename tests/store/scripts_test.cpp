@@ -3,6 +3,7 @@
 #include "scripts/cls_Script_Sets.h"
 #include "scripts/cls_script_coll.h"
 #include "scripts/script_session.h"
+#include "store/active_scripts.h"
 #include "store/library.h"
 
 #include <algorithm>
@@ -189,6 +190,35 @@ TEST_F(Script_Storage, states_that_somebody_else_has_changed_are_not_overwritten
     EXPECT_EQ(library::trouble(db), "gone");
     load_again(3);
     EXPECT_EQ(AktScripts().Item(1)->StateCount, 1);
+}
+
+TEST_F(Script_Storage, a_flag_is_a_bit_of_the_low_byte_of_its_cv) {
+    load("library_2000", 3);
+    const struct {
+        std::int16_t number, value;
+        int position;
+        bool active;
+        std::int16_t after;
+    } flags[] = {{837, 0, 8, false, 128},  {837, 255, 1, true, 254},   {837, 300, 3, true, 40},
+                 {843, -1, 16, true, 127}, {843, -32768, 9, false, 1}, {843, 4, 11, false, 4}};
+    for (const auto& each : flags) {
+        CVRec cv{.CVPageLo = 1, .CVNr = each.number, .CVWert = each.value};
+        ASSERT_TRUE(db.DB_Write_CV(cv));
+        EXPECT_EQ(store_script_active(db, each.position, each.active).CVWert, each.after);
+        EXPECT_EQ(Get_CV_Wert(db, each.number), each.after) << each.value;
+        EXPECT_EQ(active_scripts(db).test(static_cast<std::size_t>(each.position - 1)),
+                  each.active);
+    }
+    for (const auto& [number, value] : {std::pair<int, int>{837, 300}, {843, -256}}) {
+        CVRec cv{.CVPageLo = 1,
+                 .CVNr = static_cast<std::int16_t>(number),
+                 .CVWert = static_cast<std::int16_t>(value)};
+        ASSERT_TRUE(db.DB_Write_CV(cv));
+    }
+    EXPECT_EQ(~active_scripts(db), Active_Scripts(0x002C)) << "300 switches off no ninth script";
+    db.AktCVSetID(0);
+    EXPECT_TRUE(active_scripts(db).all());
+    EXPECT_EQ(store_script_active(db, 1, false), CVRec{});
 }
 
 } // namespace

@@ -3,6 +3,7 @@
 #include "app/mod_fileverwaltung.h"
 #include "app/text_table.h"
 #include "app/ui/frm_Settings.h"
+#include "scripts/ui/UC_Scripte.h"
 #include "ui/main/clipboard_commands.h"
 #include "ui/main/compare_commands.h"
 #include "ui/main/cv_panel.h"
@@ -61,7 +62,7 @@ struct Frm_Main::Inside {
     Clipboard_Commands clipboard{at, cv_panel};
     History_Commands history{at, files};
     Compare_Commands compare{at};
-    Script_Commands script_commands{at};
+    Script_Commands script_commands{at, cv_panel};
     Link_Commands link{at, center};
 };
 
@@ -210,6 +211,7 @@ void Frm_Main::unload() {
 }
 
 void Frm_Main::closeEvent(QCloseEvent* event) {
+    if (!unloaded_) form_->UC_Scripte1->end_edit();
     event->setAccepted(unloaded_ || gate_.pass());
     if (event->isAccepted()) shut_down();
 }

@@ -1,6 +1,6 @@
 // What empty lists say: what to do first, as far as it can be done.
 
-#include "ui/main/UC_Scripte.h"
+#include "scripts/ui/UC_Scripte.h"
 #include "ui/main/library_view.h"
 #include "ui/main/main_form.h"
 #include "ui/main/texts.h"

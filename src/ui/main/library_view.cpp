@@ -2,7 +2,8 @@
 
 #include "app/mod_main.h"
 #include "scripts/cls_script_coll.h"
-#include "ui/main/UC_Scripte.h"
+#include "scripts/ui/UC_Scripte.h"
+#include "store/active_scripts.h"
 #include "ui/main/main_form.h"
 #include "ui/main/texts.h"
 #include "ui/parts/trouble_texts.h"
@@ -108,7 +109,7 @@ QString Library_View::shown_set() const {
 void Library_View::show_selected() {
     set_ = selected_set();
     if (set_ != 0) {
-        Show_CVs(set_);
+        fill_cvs(set_);
         database_.DB_Load_Scripts();
     } else {
         database_.AktCVSetID(0);
@@ -147,6 +148,11 @@ void Library_View::leave_for_selected() {
 }
 
 void Library_View::Show_CVs(std::int32_t SetID) {
+    fill_cvs(SetID);
+    show_active_scripts();
+}
+
+void Library_View::fill_cvs(std::int32_t SetID) {
     std::int16_t count = 0;
     form_.lst_CVs->refill(
         [&](store::List_Filler& list) { count = database_.Fill_CVs_in_Listbox(list, SetID); });
@@ -156,7 +162,11 @@ void Library_View::Show_CVs(std::int32_t SetID) {
 void Library_View::Redraw_Script_List() {
     if (redrawing_scripts_) return;
     const QScopedValueRollback guard(redrawing_scripts_, true);
-    form_.UC_Scripte1->refill();
+    form_.UC_Scripte1->refill(store::active_scripts(database_), database_.script_name_width());
+}
+
+void Library_View::show_active_scripts() {
+    form_.UC_Scripte1->show_active(store::active_scripts(database_));
 }
 
 // Sets that others have changed or deleted

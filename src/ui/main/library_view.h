@@ -30,9 +30,11 @@ public:
     bool refill_sets(std::int32_t SetID);
     /// The same in the view that shows the set.
     void show_set(std::int32_t SetID);
-    /// Refills the CV list of a set, 0 for the current one, with its count.
+    /// Refills the CV list of a set, 0 for the current one, with its count, and what else is shown of
+    /// CVs.
     void Show_CVs(std::int32_t SetID);
     void Redraw_Script_List();
+    void show_active_scripts();
     void choose_decoder_family(int index); ///< 0 QR, 1 QD
     void Show_Page_Fields(bool visible);
 
@@ -65,6 +67,7 @@ Q_SIGNALS:
 private:
     void wire();
     void fill_sets();
+    void fill_cvs(std::int32_t SetID);
     void select_set(std::int32_t SetID);
     void mark(std::int32_t SetID); ///< in the list, as selected; nothing more is shown
     void show_selected();

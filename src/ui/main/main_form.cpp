@@ -1,7 +1,7 @@
 #include "ui/main/main_form.h"
 
 #include "app/twips.h"
-#include "ui/main/UC_Scripte.h"
+#include "scripts/ui/UC_Scripte.h"
 #include "ui/main/texts.h"
 
 #include <QGridLayout>
@@ -180,7 +180,7 @@ void Main_Form::build_cvs() {
 
 void Main_Form::build_scripts() {
     Frame4 = frame("Frame4", Text::frame_scripts, this);
-    UC_Scripte1 = new UC_Scripte(Frame4);
+    UC_Scripte1 = new scripts_ui::UC_Scripte(Frame4);
     UC_Scripte1->setObjectName(QStringLiteral("UC_Scripte1"));
 }
 

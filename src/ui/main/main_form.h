@@ -11,9 +11,11 @@
 #include <array>
 #include <memory>
 
-namespace ui_main {
-
+namespace scripts_ui {
 class UC_Scripte;
+}
+
+namespace ui_main {
 
 /// The controls of the main window and where they stand. Knows nothing of what they do.
 class Main_Form final : public QWidget {
@@ -42,7 +44,7 @@ public:
     ui_parts::Number_Field* txt_cv_nummer;
     ui_parts::Number_Field* txt_cv_wert;
     std::array<ui_parts::Number_Field*, 2> txt_cv_page{};
-    UC_Scripte* UC_Scripte1;
+    scripts_ui::UC_Scripte* UC_Scripte1;
     std::unique_ptr<ui_parts::Empty_Hint> sets_hint;
     std::unique_ptr<ui_parts::Empty_Hint> cvs_hint;
 

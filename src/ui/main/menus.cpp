@@ -90,8 +90,10 @@ void Menus::build() {
         if (is_menu(each)) {
             auto* made = new QMenu(QString::fromUtf16(each.caption), &window_);
             made->setObjectName(QString::fromLatin1(each.name));
-            connect(made, &QMenu::aboutToShow, this,
-                    [this, made] { tell_what_is_possible(*made); });
+            connect(made, &QMenu::aboutToShow, this, [this, made] {
+                Q_EMIT opening();
+                tell_what_is_possible(*made);
+            });
             connect(made, &QMenu::aboutToHide, this, &Menus::enable);
             action = made->menuAction();
         } else {

@@ -45,6 +45,9 @@ public:
     QMenu& menu(const char* name) const;
     void choose_family(Family family);
 
+Q_SIGNALS:
+    void opening(); ///< a menu; what is not yet stored is to be, before it tells what can be done
+
 private:
     void build();
     void enable();

@@ -5,23 +5,29 @@
 #include "app/one_line.h"
 #include "app/text_table.h"
 #include "platform/files/replace.h"
+#include "scripts/ui/UC_Scripte.h"
+#include "store/active_scripts.h"
 #include "store/script_import.h"
-#include "ui/main/UC_Scripte.h"
+#include "ui/main/cv_panel.h"
 #include "ui/main/file_reasons.h"
 #include "ui/main/library_view.h"
 #include "ui/main/main_form.h"
+#include "ui/main/menus.h"
 #include "ui/main/script_sentences.h"
 #include "ui/main/texts.h"
 #include "ui/parts/busy.h"
 #include "ui/parts/trouble_texts.h"
 
 #include <QDir>
+#include <algorithm>
+#include <utility>
 
 namespace ui_main {
 namespace {
 
 using scripts::AktScripts;
 using scripts::cls_script_coll;
+using scripts_ui::UC_Scripte;
 using ui_parts::shortened;
 
 const QString script_extension = QStringLiteral(".vqs");
@@ -45,8 +51,11 @@ void keep_folder(const QString& path) { app::globals.LastScriptdir = app::PathOf
 
 } // namespace
 
-Script_Commands::Script_Commands(const Surroundings& at) : at_(at) {
+Script_Commands::Script_Commands(const Surroundings& at, Cv_Panel& cv_panel)
+    : at_(at), cv_panel_(cv_panel) {
     const UC_Scripte* list = at.form.UC_Scripte1;
+    connect(&at.menus, &Menus::opening, list, &UC_Scripte::end_edit);
+    connect(list, &UC_Scripte::add_wanted, this, at.messages.command([this] { add_script(); }));
     connect(list, &UC_Scripte::import_wanted, this,
             at.messages.command([this] { ImportScripts(); }));
     const auto with_position = [this](void (Script_Commands::*work)(int)) {
@@ -56,6 +65,86 @@ Script_Commands::Script_Commands(const Surroundings& at) : at_(at) {
     };
     connect(list, &UC_Scripte::export_wanted, this, with_position(&Script_Commands::ExportScript));
     connect(list, &UC_Scripte::delete_wanted, this, with_position(&Script_Commands::DeleteScript));
+    connect(list, &UC_Scripte::rename_wanted, this,
+            [this](std::int32_t ScriptID, const QString& name) {
+                const auto one = at_.messages.one_command();
+                rename_script(ScriptID, name);
+            });
+    connect(list, &UC_Scripte::active_wanted, this, [this](int position, bool active) {
+        const auto one = at_.messages.one_command();
+        make_active(position, active);
+    });
+}
+
+// In the list
+
+void Script_Commands::say_refusal() {
+    const auto one = at_.messages.one_command();
+    const auto& why = at_.database.last_trouble();
+    const bool gone = why && why->kind == store::Failure::gone;
+    if (at_.view.leave_gone_set()) return;
+    at_.messages.say_trouble();
+    if (gone) at_.database.DB_Load_Scripts(); // what the list shows is what is there
+    at_.view.Redraw_Script_List();
+}
+
+void Script_Commands::add_script() {
+    if (at_.view.selected_set() == 0) {
+        at_.messages.say_no_set();
+        return;
+    }
+    const auto script = AktScripts().add_named_script();
+    if (script == nullptr) {
+        at_.desktop.inform(text(Text::information), sentence_too_many_scripts());
+        return;
+    }
+    const int position = AktScripts().Count();
+    if (!at_.database.DB_Add_Script(position)) {
+        AktScripts().Remove(position);
+        say_refusal();
+        return;
+    }
+    at_.view.Redraw_Script_List();
+    at_.form.UC_Scripte1->choose(position);
+    at_.view.say_outcome(sentence_added(script->ScriptName));
+}
+
+// By its key: what stood at a position when the edit began may stand elsewhere now.
+void Script_Commands::rename_script(std::int32_t ScriptID, const QString& name) {
+    const auto scripts = AktScripts().NewEnum();
+    const auto found = std::ranges::find(scripts, ScriptID, &scripts::cls_script::ScriptID);
+    if (found == scripts.end()) return;
+    if (name.trimmed().isEmpty()) {
+        at_.messages.say(sentence_no_name());
+        return;
+    }
+    const int position = static_cast<int>(found - scripts.begin()) + 1;
+    const auto script = AktScripts().Item(position); // stays when the list is loaded anew
+    const QString before = std::exchange(script->ScriptName, name);
+    if (!at_.database.DB_Rename_Script(position)) {
+        script->ScriptName = before;
+        say_refusal();
+        return;
+    }
+    at_.view.Redraw_Script_List();
+    at_.form.UC_Scripte1->choose(position);
+    at_.view.say_outcome(sentence_renamed(name));
+}
+
+void Script_Commands::make_active(int position, bool active) {
+    if (!AktScripts().exists(position)) return;
+    const store::CVRec cv = store::store_script_active(at_.database, position, active);
+    if (cv.CVID == 0) {
+        say_refusal();
+        return;
+    }
+    Entry_List& list = *at_.form.lst_CVs;
+    const std::vector<std::int32_t> chosen = list.selected_keys();
+    const std::int32_t current = list.key(list.current_row());
+    at_.view.Show_CVs(0);
+    list.select_keys(chosen, current);
+    if (list.selected_key() == cv.CVID) cv_panel_.load_selected(); // else Enter would put it back
+    at_.view.say_outcome(sentence_active(AktScripts().Item(position)->ScriptName, active, cv));
 }
 
 // From a file
@@ -128,7 +217,7 @@ void Script_Commands::keep_scripts(const scripts::Script_File& file, const QStri
         const ui_parts::Busy busy;
         report = store::import_scripts(at_.database, file.scripts);
     }
-    at_.form.UC_Scripte1->refill();
+    at_.view.Redraw_Script_List();
     if (!file.scripts.empty() && !report.kept) {
         at_.messages.say_trouble();
         return;
@@ -152,6 +241,7 @@ std::optional<QString> Script_Commands::ask_where_to_write(const QString& script
 }
 
 void Script_Commands::ExportScript(int position) {
+    if (app::globals.ScriptWindowOpen && !at_.gate.pass()) return;
     if (!AktScripts().exists(position)) return;
     const auto script = AktScripts().Item(position); // the list may be filled anew meanwhile
     const auto path = ask_where_to_write(script->ScriptName);
@@ -195,7 +285,7 @@ void Script_Commands::DeleteScript(int position) {
         at_.messages.say_trouble();
         at_.database.DB_Load_Scripts(); // what the list shows is what is there
     }
-    at_.form.UC_Scripte1->refill();
+    at_.view.Redraw_Script_List();
     at_.form.UC_Scripte1->choose(std::min(position, AktScripts().Count()));
 }
 

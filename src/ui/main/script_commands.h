@@ -8,10 +8,16 @@
 
 namespace ui_main {
 
-/// Scripts of the selected set: from and to files, and deleted.
+class Cv_Panel;
+
+/// Scripts of the selected set: made, named, switched on and off, deleted, from and to files.
 class Script_Commands final : public QObject {
 public:
-    explicit Script_Commands(const Surroundings& at);
+    Script_Commands(const Surroundings& at, Cv_Panel& cv_panel);
+
+    void add_script();
+    void rename_script(std::int32_t ScriptID, const QString& name);
+    void make_active(int position, bool active);
 
     void ImportScripts();
     void ExportScript(int position);
@@ -24,7 +30,10 @@ private:
     void write_script(const scripts::cls_script& script, const QString& path);
     std::optional<QString> ask_where_to_write(const QString& script);
 
+    void say_refusal(); ///< of a change to a script
+
     Surroundings at_;
+    Cv_Panel& cv_panel_;
 };
 
 } // namespace ui_main

@@ -22,6 +22,8 @@ QString with_fixed(const QString& sentence, const scripts::Cv_Collisions& found)
     return found.fixed.empty() ? sentence : sentence + u'\n' + sentence_fixed_cvs(found);
 }
 
+QString quoted(const QString& name) { return ui_parts::shortened(app::in_one_line(name)); }
+
 void append_count(QStringList& sentences, const char16_t* form, int count) {
     if (count > 0) sentences.append(QString::fromUtf16(form).arg(count));
 }
@@ -32,6 +34,24 @@ QString sentence_too_many_scripts() {
     const int most = scripts::cls_script_coll::max_scripts;
     return in_german() ? QStringLiteral("Maximal %1 Scripte möglich!").arg(most)
                        : QStringLiteral("Just %1 scripts possible").arg(most);
+}
+
+QString sentence_added(const QString& script) {
+    return QStringLiteral("Script „%1“ hinzugefügt.").arg(quoted(script));
+}
+
+QString sentence_renamed(const QString& script) {
+    return QStringLiteral("Script umbenannt: „%1“.").arg(quoted(script));
+}
+
+QString sentence_no_name() {
+    return QStringLiteral("Nicht umbenannt: Ein Script braucht einen Namen.");
+}
+
+QString sentence_active(const QString& script, bool active, const store::CVRec& cv) {
+    return (active ? QStringLiteral("Script „%1“ ist aktiv: CV %2 = %3 gespeichert.")
+                   : QStringLiteral("Script „%1“ ist nicht mehr aktiv: CV %2 = %3 gespeichert."))
+        .arg(quoted(script), QString::number(cv.CVNr), QString::number(cv.CVWert));
 }
 
 QString sentence_too_few_cvs(const scripts::Cv_Collisions& found) {
@@ -60,7 +80,7 @@ QString sentence_imported(const scripts::Script_File& file,
     said.append(QStringLiteral("Aus „%1“ importierte Scripte: %2.").arg(name).arg(report.scripts));
     if (!file.broken_off.isEmpty())
         said.append(QStringLiteral("Weggelassen, weil die Datei darin endet: „%1“.")
-                        .arg(ui_parts::shortened(app::in_one_line(file.broken_off.front()))));
+                        .arg(quoted(file.broken_off.front())));
     append_count(said, u"Angaben zu Zeilen und Parametern, die es nicht gibt: %1.",
                  file.places_skipped);
     append_count(said, u"Felder ohne Zahl (0 eingesetzt): %1.", file.numbers_lost);
@@ -72,8 +92,7 @@ QString sentence_imported(const scripts::Script_File& file,
 
 QString sentence_exported(const QString& script, const QString& name, int replaced) {
     QStringList said;
-    said.append(QStringLiteral("Script „%1“ als „%2“ gespeichert.")
-                    .arg(ui_parts::shortened(app::in_one_line(script)), name));
+    said.append(QStringLiteral("Script „%1“ als „%2“ gespeichert.").arg(quoted(script), name));
     append_count(said, u"Zeichen, die eine Scriptdatei nicht kennt („?“): %1.", replaced);
     return said.join(u' ');
 }

@@ -2,6 +2,7 @@
 
 #include "scripts/cv_collisions.h"
 #include "scripts/script_file.h"
+#include "store/CVRec.h"
 #include "store/script_import.h"
 
 #include <QString>
@@ -9,6 +10,11 @@
 namespace ui_main {
 
 QString sentence_too_many_scripts();
+QString sentence_added(const QString& script);
+QString sentence_renamed(const QString& script); ///< its new name
+QString sentence_no_name();
+/// @param cv that holds the flag now
+QString sentence_active(const QString& script, bool active, const store::CVRec& cv);
 QString sentence_too_few_cvs(const scripts::Cv_Collisions& found);
 QString sentence_fixed_cvs(const scripts::Cv_Collisions& found);
 QString question_move_cvs(const scripts::Cv_Collisions& found);

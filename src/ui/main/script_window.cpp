@@ -2,9 +2,10 @@
 
 #include "platform/timing/time.h"
 #include "scripts/cls_script_coll.h"
-#include "ui/main/UC_Scripte.h"
+#include "scripts/ui/UC_Scripte.h"
 #include "ui/main/library_view.h"
 #include "ui/main/main_form.h"
+#include "ui/main/messages.h"
 
 #include <utility>
 
@@ -15,6 +16,10 @@ Script_Window::Script_Window(const Surroundings& at, scripts_ui::Make_Cab make_c
     constexpr int milliseconds = 100;
     tmr_reopen_.setInterval(milliseconds);
     connect(&tmr_reopen_, &QTimer::timeout, this, [this] { Open_Script(waiting_); });
+    connect(at.form.UC_Scripte1, &scripts_ui::UC_Scripte::open_wanted, this,
+            [this](int position) {
+                at_.messages.command([this, position] { Open_Script(position); })();
+            });
     connect(&at.view, &Library_View::shown, this, [this] {
         if (window_) window_->scripts_loaded();
     });

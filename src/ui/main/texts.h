@@ -27,12 +27,6 @@ enum class Text {
     cv_count,
     list_of_sets,
     list_of_cvs,
-    list_of_scripts,
-    script_name,
-    script_lines,
-    script_add,
-    script_import,
-    script_export,
     title_open, ///< %1 path
     title_damaged,
     title_incomplete,

@@ -84,12 +84,12 @@ void Label_Edit::longest_text(int characters) {
 }
 
 void Label_Edit::open() {
-    opened_with_ = shown_text();
     editing_ = true;
     QWidget::setTabOrder(edited(), box_); // Tab goes on behind what is edited
     box_->setFont(edited()->font());
     box_->setPalette(edited()->palette());
-    box_->setText(opened_with_);
+    box_->setText(shown_text());
+    opened_with_ = box_->text(); // cut where it was too long: that is nobody's edit
     box_->selectAll();
     box_->raise();
     box_->show();

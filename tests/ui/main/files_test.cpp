@@ -325,7 +325,7 @@ TEST_F(Files_Test, script_lines_that_have_no_place_are_told_wherever_they_are_lo
     click_option("opt_rescv_1");
     EXPECT_THAT(status(), left_out);
     const QAbstractItemModel& shown = *get<QAbstractItemView>("lvw_Scripts").model();
-    EXPECT_EQ(shown.index(shown.rowCount() - 1, 0).data(), QStringLiteral("Licht hinten"));
+    EXPECT_EQ(shown.index(shown.rowCount() - 1, 1).data(), QStringLiteral("Licht hinten"));
     answer_set_dialog("Anders", "");
     choose("mnu_cvset_rename");
     EXPECT_THAT(status(), testing::AllOf(HasSubstr("umbenannt"), left_out));

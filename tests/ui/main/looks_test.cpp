@@ -82,13 +82,13 @@ TEST_F(Looks, tab_follows_the_reading_order) {
     start();
     sets().setFocus();
     std::vector<std::string> order;
-    for (int i = 0; i < 11; ++i) {
+    for (int i = 0; i < 12; ++i) {
         order.push_back(focus());
         press(Qt::Key_Tab);
     }
     EXPECT_THAT(order, ElementsAre("lst_sets", "opt_rescv_0", "opt_dec_0", "lst_CVs",
                                    "txt_cv_page_0", "txt_cv_page_1", "txt_cv_nummer", "txt_cv_wert",
-                                   "lvw_Scripts", "cmd_import", "lst_sets"));
+                                   "lvw_Scripts", "cmd_Add", "cmd_import", "lst_sets"));
 }
 
 TEST_F(Looks, menus_have_their_names_and_captions) {

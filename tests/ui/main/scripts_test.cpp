@@ -1,8 +1,11 @@
 #include "main_window.h"
 
+#include "scripts/ui/UC_Scripte.h"
+
 using namespace ui_main;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using namespace std::string_literals;
 
 namespace {
 
@@ -17,8 +20,31 @@ struct Scripts_Test : Main_Window_Test {
     std::vector<std::string> names() {
         std::vector<std::string> all;
         for (int i = 0; i < list().topLevelItemCount(); ++i)
-            all.push_back(list().topLevelItem(i)->text(0).toStdString());
+            all.push_back(list().topLevelItem(i)->text(1).toStdString());
         return all;
+    }
+    QPoint place(int row, int column) {
+        return list().visualRect(list().model()->index(row, column)).center();
+    }
+    QPoint box(int row) { // of the flag, which stands at the left of its cell
+        return {list().visualRect(list().model()->index(row, 0)).left() + 10, place(row, 0).y()};
+    }
+    void click(const QPoint& where, Qt::MouseButton button = Qt::LeftButton) {
+        QTest::mouseClick(list().viewport(), button, {}, where);
+        QApplication::processEvents();
+    }
+    QLineEdit& name_box() { return *list().viewport()->findChild<QLineEdit*>(); }
+    void add(int count) {
+        for (int i = 0; i < count; ++i) get<QPushButton>("cmd_Add").click();
+    }
+    /// Positions of the active ones, with what the CV list says of the flags.
+    std::string active() {
+        std::string shown;
+        for (int i = 0; i < list().topLevelItemCount(); ++i)
+            if (list().topLevelItem(i)->checkState(0) == Qt::Checked)
+                shown += std::to_string(i + 1) + ' ';
+        for (const std::string& cv : cv_rows()) shown += cv + ' ';
+        return shown;
     }
     void put(const char* content) {
         const QByteArray bytes(content);
@@ -148,4 +174,167 @@ TEST_F(Scripts_Test, that_cannot_be_written_leave_the_old_file) {
     get<QPushButton>("cmd_export").click();
     EXPECT_THAT(status(), HasSubstr("konnte nicht gespeichert werden"));
     EXPECT_EQ(stored(), two);
+}
+
+TEST_F(Scripts_Test, are_added_up_to_sixteen) {
+    add(15);
+    EXPECT_TRUE(list().topLevelItem(14)->isSelected());
+    add(1);
+    desktop.expect_information(QStringLiteral("Information"),
+                               QStringLiteral("Maximal 16 Scripte möglich!"));
+    add(1);
+    EXPECT_EQ(names().back(), "Script16");
+    EXPECT_TRUE(scripts::AktScripts().Item(16)->HeaderFlag);
+    list().setCurrentItem(list().topLevelItem(3));
+    leave_and_return([&] {
+        put_row(u"Scripte", {{u"SetID", database.AktCVSetID()}, {u"ScriptName", u"17"s}});
+    });
+    EXPECT_EQ(names().size(), 17U);
+    EXPECT_FALSE(list().topLevelItem(16)->data(0, Qt::CheckStateRole).isValid()) << "has no flag";
+    choose("mnu_undo");
+    EXPECT_THAT(names(), testing::AllOf(testing::SizeIs(16), testing::Contains("Script15")));
+    EXPECT_TRUE(list().topLevelItem(3)->isSelected()) << "the same script";
+}
+
+TEST_F(Scripts_Test, are_renamed_in_place) {
+    add(2);
+    for (const int column : {0, 2, 3, 4}) {
+        click(place(0, column), Qt::RightButton);
+        EXPECT_FALSE(name_box().isVisible()) << column;
+    }
+    const struct {
+        bool by_mouse;
+        const char* typed;
+        const char* name;
+        const char* said;
+    } edits[] = {{true, "Pfiff", "Pfiff", "Script umbenannt: „Pfiff“."},
+                 {false, "Glocke", "Glocke", "Script umbenannt: „Glocke“."},
+                 {false, "Glocke", "Glocke", "Script umbenannt: „Glocke“."},
+                 {false, "  ", "Glocke", "Nicht umbenannt: Ein Script braucht einen Namen."}};
+    for (const auto& each : edits) {
+        SCOPED_TRACE(each.typed);
+        if (each.by_mouse)
+            click(place(0, 1), Qt::RightButton);
+        else
+            press(Qt::Key_F2);
+        type(each.typed);
+        press(Qt::Key_Return);
+        EXPECT_THAT(names(), ElementsAre(each.name, "Script2"));
+        EXPECT_TRUE(list().hasFocus() && list().topLevelItem(0)->isSelected());
+        EXPECT_EQ(status(), each.said);
+    }
+    press(Qt::Key_F2);
+    type("Horn");
+    window->Redraw_Script_List();
+    EXPECT_FALSE(name_box().isVisible());
+    press(Qt::Key_F2);
+    type("Horn");
+    auto& menu = get<QMenu>("mnu_extras");
+    menu.popup({});
+    EXPECT_THAT(get<QAction>("mnu_undo").text().toStdString(), HasSubstr("„Horn“"));
+    menu.close();
+    EXPECT_THAT(names(), ElementsAre("Horn", "Script2"));
+    for (const char* name : {"Glocke", "Pfiff", "Script1"}) {
+        choose("mnu_undo");
+        EXPECT_THAT(names(), ElementsAre(name, "Script2"));
+    }
+}
+
+TEST_F(Scripts_Test, are_active_where_their_bit_of_a_cv_is_clear) {
+    add(9);
+    const std::string eight = "1 2 3 4 5 6 7 8 ";
+    EXPECT_EQ(active(), eight + "9 ");
+    click(box(8));
+    EXPECT_EQ(active(), eight + "CV#843=1 ");
+    EXPECT_THAT(status(), HasSubstr("„Script9“ ist nicht mehr aktiv: CV 843 = 1"));
+    list().setCurrentItem(list().topLevelItem(1));
+    list().setFocus();
+    press(Qt::Key_Space);
+    EXPECT_EQ(active(), "1 3 4 5 6 7 8 CV#837=2 CV#843=1 ");
+    press(Qt::Key_Space);
+    click(box(8));
+    EXPECT_EQ(active(), eight + "9 CV#837=0 CV#843=0 ");
+    choose("mnu_undo");
+    choose("mnu_undo");
+    EXPECT_EQ(active(), "1 3 4 5 6 7 8 CV#837=2 CV#843=1 ");
+    store_cv("837", "129");
+    EXPECT_EQ(active(), "2 3 4 5 6 7 CV#837=129 CV#843=1 ");
+    click_row(cvs(), 0);
+    list().setCurrentItem(list().topLevelItem(0));
+    list().setFocus();
+    press(Qt::Key_Space);
+    EXPECT_EQ(text("txt_cv_wert"), "128");
+    EXPECT_THAT(selected(cvs()), testing::SizeIs(1));
+}
+
+TEST_F(Scripts_Test, of_a_library_that_cannot_be_written_stay_as_they_are) {
+    add(1);
+    window.reset();
+    disk.protect(default_path);
+    start_bare();
+    click_row(sets(), sets().count() - 1);
+    click(box(0));
+    EXPECT_EQ(active(), "1 ");
+    EXPECT_THAT(status(), HasSubstr("schreibgeschützt"));
+    press(Qt::Key_F2);
+    type("Neu");
+    press(Qt::Key_Return);
+    add(1);
+    EXPECT_THAT(names(), ElementsAre("Script1"));
+    EXPECT_THAT(status(), HasSubstr("schreibgeschützt"));
+}
+
+TEST_F(Scripts_Test, are_opened_by_double_click_and_enter) {
+    std::vector<int> opened;
+    QObject::connect(&get<scripts_ui::UC_Scripte>("UC_Scripte1"),
+                     &scripts_ui::UC_Scripte::open_wanted, window.get(),
+                     [&](int position) { opened.push_back(position); });
+    press(Qt::Key_Return);
+    add(2);
+    list().setFocus();
+    press(Qt::Key_Return);
+    press(Qt::Key_Enter, Qt::KeypadModifier);
+    const auto double_click = [&](const QPoint& where, Qt::MouseButton button = Qt::LeftButton) {
+        click(where, button); // as the display tells it
+        QTest::mouseDClick(list().viewport(), button, {}, where);
+        QApplication::processEvents();
+    };
+    double_click(place(0, 3));
+    double_click(place(0, 3), Qt::RightButton);
+    double_click(box(0));
+    double_click({20, list().viewport()->height() - 5});
+    EXPECT_THAT(opened, ElementsAre(2, 2, 1));
+}
+
+TEST_F(Scripts_Test, have_columns_and_buttons_in_three_languages) {
+    const struct {
+        const char *columns, *buttons, *first_line;
+    } languages[] = {
+        {"Aktiv Name Tasten Ausgänge CVs ", "Hinzufügen Importieren Exportieren ",
+         "Öffnen mit Doppelklick"},
+        {"Active Name Keys Outputs CVs ", "Add Import from file Export to file ",
+         "Open with double-click"},
+        {"Actif Nom Touches Sorties CVs ",
+         "Ajouter Importer d'un fichier Exporter vers un fichier ", "Ouvrir par double-clic"},
+    };
+    for (const auto& expected : languages) {
+        window->Redraw_Script_List();
+        ++app::globals.LanguageIndex;
+        QApplication::processEvents();
+        std::string columns, buttons;
+        for (int i = 0; i < list().columnCount(); ++i) {
+            columns += list().headerItem()->text(i).toStdString() + ' ';
+            EXPECT_LE(list().header()->sectionSizeHint(i), list().columnWidth(i));
+        }
+        EXPECT_EQ(columns, expected.columns);
+        for (const char* name : {"cmd_Add", "cmd_import", "cmd_export"}) {
+            auto& button = get<QPushButton>(name);
+            buttons += button.text().toStdString() + ' ';
+            EXPECT_LE(button.sizeHint().width(), button.width()) << name;
+        }
+        EXPECT_EQ(buttons, expected.buttons);
+        auto& legend = get<QLabel>("lab_legende");
+        EXPECT_EQ(legend.text().section(u'\n', 0, 0).toStdString(), expected.first_line);
+        EXPECT_EQ(legend.size(), legend.sizeHint());
+    }
 }

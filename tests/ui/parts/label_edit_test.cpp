@@ -71,6 +71,10 @@ TEST_F(Cell_Editing, opens_over_the_cell_under_the_mouse_where_the_column_allows
         QTest::keyClick(box, Qt::Key_Return);
     }
     EXPECT_EQ(heard(), QStringLiteral("end end ")) << "the same text";
+    edit->longest_text(3);
+    right_click(1, 1);
+    QTest::keyClick(box, Qt::Key_Return);
+    EXPECT_EQ(heard(), QStringLiteral("end ")) << "cut by the box, not by the user";
 }
 
 TEST_F(Cell_Editing, ends_by_enter_another_focus_or_another_edit_and_is_taken_back_by_escape) {
