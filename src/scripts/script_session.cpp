@@ -78,6 +78,12 @@ int Script_Session::move(Steps& from, Steps& to) {
     return line;
 }
 
+void Script_Session::take_back_typing() {
+    if (!typed_) return;
+    move(undo_, redo_);
+    redo_.clear();
+}
+
 // Changes
 
 void Script_Session::insert(int line) {

@@ -44,6 +44,9 @@ public:
     void choose_command(int line, std::int32_t code, bool typing = false);
     void choose(int line, int column, int entry, bool typing = false);
     void put_info(int line, const QString& info);
+    /// What is being typed has come to nothing: as before it.
+    void take_back_typing();
+    void end_typing() { typed_.reset(); } ///< what is typed next is a step of its own
 
     /// The line that waits for a copy.
     std::optional<int> inserted() const { return now_.inserted; }

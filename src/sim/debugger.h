@@ -57,7 +57,8 @@ public:
     bool line_inserted(int line);
     bool line_deleted(int line);
 
-    std::size_t step_count() const; ///< of those that are remembered
+    std::size_t step_count() const;                      ///< of those that are remembered
+    std::uint64_t recorded() const { return recorded_; } ///< since they were forgotten
     /// The last 1000 steps; 0 is the oldest of them.
     const Step& step(std::size_t number) const;
     bool changed_in_last_step(Value_Ref value) const;

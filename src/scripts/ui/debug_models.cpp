@@ -45,19 +45,9 @@ Trace_Model::Trace_Model(const sim::Debugger& debugger, Command_Text command_tex
     : debugger_(debugger), command_text_(std::move(command_text)) {}
 
 void Trace_Model::count_steps() {
-    constexpr std::size_t most = sim::Debugger::most_steps;
-    const std::size_t remembered = debugger_.step_count();
-    const sim::Step* latest = remembered == 0 ? nullptr : &debugger_.step(remembered - 1);
-    if (remembered < remembered_) {
-        forgotten_ = true;
-        counted_ = remembered;
-    } else if (remembered < most || latest_ == nullptr) {
-        counted_ += remembered - remembered_;
-    } else { // the ring is full: how far the latest has moved in it
-        counted_ += static_cast<std::size_t>(latest - latest_ + std::ptrdiff_t{most}) % most;
-    }
-    remembered_ = remembered;
-    latest_ = latest;
+    forgotten_ = forgotten_ || debugger_.recorded() < counted_;
+    counted_ = debugger_.recorded();
+    remembered_ = debugger_.step_count();
 }
 
 void Trace_Model::show_steps() {

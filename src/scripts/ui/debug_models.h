@@ -41,7 +41,6 @@ private:
     // Steps are numbered from 0, since the debugger forgot them last.
     std::uint64_t counted_ = 0;
     std::size_t remembered_ = 0;        ///< of them, by the debugger
-    const sim::Step* latest_ = nullptr; ///< its place in the ring
     bool forgotten_ = false;            ///< all that is shown
     std::uint64_t first_ = 0, end_ = 0; ///< those that have rows
 };

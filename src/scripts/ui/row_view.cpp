@@ -145,7 +145,10 @@ void Row_View::wire(Script_Row* row) {
     });
     connect(row->combo_Command, &Entry_Box::typed, this, [this, row](const QString& typed) {
         const auto code = scripts::command_typed(typed, list_language());
-        if (code && *code != 0) session_->choose_command(row->line(), *code, true);
+        if (code && *code != 0)
+            session_->choose_command(row->line(), *code, true);
+        else
+            session_->take_back_typing();
     });
     connect(row->combo_Command, &Entry_Box::left, this,
             [this, row](const QString& typed) { leave_command(row->line(), typed); });
@@ -179,6 +182,7 @@ void Row_View::watch(QWidget* field) {
 }
 
 void Row_View::leave_command(int line, const QString& typed) {
+    session_->end_typing();
     if (typed.trimmed() == catalogue::CommandName(0, list_language()) && line < session_->lines())
         Q_EMIT delete_wanted(line);
     refresh();

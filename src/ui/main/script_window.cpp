@@ -16,10 +16,9 @@ Script_Window::Script_Window(const Surroundings& at, scripts_ui::Make_Cab make_c
     constexpr int milliseconds = 100;
     tmr_reopen_.setInterval(milliseconds);
     connect(&tmr_reopen_, &QTimer::timeout, this, [this] { Open_Script(waiting_); });
-    connect(at.form.UC_Scripte1, &scripts_ui::UC_Scripte::open_wanted, this,
-            [this](int position) {
-                at_.messages.command([this, position] { Open_Script(position); })();
-            });
+    connect(at.form.UC_Scripte1, &scripts_ui::UC_Scripte::open_wanted, this, [this](int position) {
+        at_.messages.command([this, position] { Open_Script(position); })();
+    });
     connect(&at.view, &Library_View::shown, this, [this] {
         if (window_) window_->scripts_loaded();
     });
@@ -38,7 +37,7 @@ void Script_Window::Open_Script(int position) {
         window_ = std::make_unique<scripts_ui::frm_script>(scripts_ui::Script_Place{
             at_.desktop, at_.disk, at_.database, at_.gate, timing::real_time(), make_cab_, [this] {
                 at_.view.note_state();
-                at_.form.UC_Scripte1->refill();
+                at_.view.Redraw_Script_List();
             }});
     window_->open(position);
 }

@@ -1,7 +1,6 @@
 // The script editor, opened from the main window and worked with keys and clicks.
 
 #include "main_window.h"
-#include "scripts/cls_Script_Sets.h"
 #include "scripts/ui/frm_script.h"
 #include "scripts/ui/row_fields.h"
 #include "sim/SimDecoderState.h"
@@ -33,10 +32,11 @@ struct Editor_Test : Main_Window_Test {
             click_option(view);
             for (int i = 0; i < sets().count(); ++i) {
                 click_row(sets(), i);
-                if (scripts::AktScripts().Count() >= 2) {
-                    set_with_scripts = database.AktCVSetID();
-                    return;
-                }
+                const scripts::cls_script_coll& there = scripts::AktScripts();
+                if (there.Count() < 2 || there.Item(1)->StateCount < 5) continue;
+                set_with_scripts = database.AktCVSetID();
+                ScriptID = there.Item(1)->ScriptID;
+                return;
             }
         }
     }
@@ -76,18 +76,23 @@ struct Editor_Test : Main_Window_Test {
         QApplication::processEvents();
     }
     std::vector<std::pair<int, std::string>> stored_lines() {
-        std::vector<std::pair<int, std::string>> lines;
-        store::clsDBConn other(disk);
-        other.Connection_Start(QString::fromUtf8(default_path));
-        scripts::cls_Script_Sets all;
-        other.Fill_Scripts_in_ScriptsObj(all);
-        const auto script = all.Item(QString::number(set_with_scripts))->Item(1);
-        for (int i = 0; i < script->StateCount; ++i)
-            lines.emplace_back(script->GetState(i).GetCommand(),
-                               script->GetState(i).Info.toStdString());
-        return lines;
+        auto library = jet::Database::open(disk, default_path, jet::Mode::read_only);
+        const jet::Table states = library.table(u"Scriptstates").value();
+        const auto column = [&](const char16_t* name) { return states.column(name).value(); };
+        std::map<int, std::pair<int, std::string>> lines;
+        for (auto row = states.rows(); row.next();) {
+            if (row.integer(column(u"ScriptID")) != ScriptID) continue;
+            const jet::Value info = row.value(column(u"Info"));
+            const auto* text = std::get_if<std::u16string>(&info);
+            lines[row.integer(column(u"State"))] = {
+                row.integer(column(u"Command")),
+                text == nullptr ? "" : QString::fromStdU16String(*text).toStdString()};
+        }
+        std::vector<std::pair<int, std::string>> all;
+        for (const auto& [number, line] : lines) all.push_back(line);
+        return all;
     }
-    std::int32_t set_with_scripts = 0;
+    std::int32_t set_with_scripts = 0, ScriptID = 0;
     const QString title = QStringLiteral("Änderungen Speichern?");
     const QString question = QStringLiteral("Änderungen im Script speichern?");
 };
@@ -139,6 +144,13 @@ TEST_F(Editor_Test, closes_with_its_questions_and_stores_what_is_wanted) {
 TEST_F(Editor_Test, lines_are_written_inserted_copied_and_deleted) {
     const int lines = scripts::AktScripts().Item(1)->StateCount;
     ASSERT_GT(lines, 3);
+    const auto commands = [] {
+        std::vector<std::string> all;
+        for (int line = 0; line < 5; ++line)
+            all.push_back(number(line) + shown("combo_Command", line));
+        return all;
+    };
+    const auto untouched = commands();
     const std::string first = shown("combo_Command", 0), third = shown("combo_Command", 2);
     write("combo_Command", 1, "warten");
     EXPECT_EQ(shown("combo_Command", 1), "Auf Sound Ende warten");
@@ -165,8 +177,8 @@ TEST_F(Editor_Test, lines_are_written_inserted_copied_and_deleted) {
     EXPECT_EQ(shown("combo_Command", 0), first);
     for (int step = 0; step < 5; ++step) press(Qt::Key_Z, Qt::ControlModifier);
     push("cmd_undo");
-    EXPECT_EQ(shown("combo_Command", 2), third);
-    EXPECT_NE(number(2), "-> 2");
+    EXPECT_EQ(commands(), untouched);
+    EXPECT_FALSE(editor()->findChild<QPushButton*>(QStringLiteral("cmd_undo"))->isEnabled());
     EXPECT_TRUE(editor()->isVisible()) << "the library's own undo would have asked to close";
     const QPoint middle = at("combo_Command", 2).rect().center();
     QWheelEvent wheel(middle, at("combo_Command", 2).mapToGlobal(middle), {}, {0, -120},
@@ -187,7 +199,12 @@ TEST_F(Editor_Test, a_script_that_another_copy_has_changed_is_not_stored_over_it
     const auto theirs = stored_lines();
     EXPECT_EQ(theirs[1].second, "seins");
     const QString file = QStringLiteral("/home/anna/meins.vqs");
-    desktop.expect_question(title, QStringLiteral("X"), Answer::yes);
+    desktop.expect_question(
+        title,
+        QStringLiteral("In „CV-Sets.mdb“ wurde dieser Eintrag inzwischen anderswo "
+                       "geändert; es wurde nichts gespeichert.\nDas Script "
+                       "bleibt offen. Jetzt als Script-Datei sichern?"),
+        Answer::yes);
     desktop.expect_save(file);
     push("cmd_ok");
     EXPECT_NE(editor(), nullptr) << "what is not stored stays";
