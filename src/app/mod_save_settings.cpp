@@ -47,6 +47,7 @@ constexpr int most_recent_files = 30;
 /// All settings in the order in which they are written.
 std::vector<Setting> settings(Window_Place& main_window, std::int16_t& version) {
     Window_Place& script = globals.Script_Window;
+    static const Globals defaults;
     return {{u"Version", Number{&version, -32768, 32767}},
             {u"comport", Number{&globals.comport, 1, 64}},
             {u"StdSetdir", Text{&globals.StdSetdir}},
@@ -62,11 +63,14 @@ std::vector<Setting> settings(Window_Place& main_window, std::int16_t& version) 
             {u"Scriptwindow_Top", Length{&script.top}},
             {u"Scriptwindow_Max", Flag{&globals.Script_Window_Max}},
             {u"Script_Info_Off", Flag{&globals.Script_Info_Off}},
-            {u"Script_Info_Single_Line", Flag{&globals.Script_Info_Single_Line}},
-            {u"Script_Info_Size", Number{&globals.Script_Info_Size, 0, 100}},
             {u"LastScriptdir", Text{&globals.LastScriptdir}},
             {u"Last_mdb_file", Recent_File{}},
-            {u"Last_vqx_file", Recent_File{}, false}};
+            {u"Last_vqx_file", Recent_File{}, false},
+            // of our own: readers that do not know them pass over them
+            {u"Script_Info_Single_Line", Flag{&globals.Script_Info_Single_Line},
+             globals.Script_Info_Single_Line != defaults.Script_Info_Single_Line},
+            {u"Script_Info_Size", Number{&globals.Script_Info_Size, 0, 100},
+             globals.Script_Info_Size != defaults.Script_Info_Size}};
 }
 
 struct Read_Value {

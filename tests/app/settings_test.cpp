@@ -42,6 +42,7 @@ TEST_F(Settings, are_written_in_their_order_and_read_back) {
     globals.comport = 7;
     globals.StdSetdir = QString::fromUtf8("/home/Jörg \"Lok\"/Züge/");
     globals.Script_Window_Max = true;
+    globals.Script_Info_Size = 40; // of our own: stands only where it is no default
     globals.LastFiles = {QStringLiteral("/a,b.mdb"), QString::fromUtf8("/日本.mdb")};
     const QByteArray bytes = saved();
     EXPECT_EQ(bytes,
@@ -54,7 +55,7 @@ TEST_F(Settings, are_written_in_their_order_and_read_back) {
                          "\"Scriptwindow_Left\",8250\r\n\"Scriptwindow_Top\",2175\r\n"
                          "\"Scriptwindow_Max\",#TRUE#\r\n\"Script_Info_Off\",#FALSE#\r\n"
                          "\"LastScriptdir\",\"\"\r\n\"Last_mdb_file\",\"/a,b.mdb\"\r\n"
-                         "\"Last_mdb_file\",\"/日本.mdb\"\r\n"));
+                         "\"Last_mdb_file\",\"/日本.mdb\"\r\n\"Script_Info_Size\",40\r\n"));
     reset_globals();
     globals.UserDataDir = QStringLiteral("/u/");
     place = {};

@@ -7,12 +7,12 @@
 #include "scripts/cls_script_coll.h"
 #include "scripts/script_file.h"
 #include "scripts/ui/editor_form.h"
+#include "scripts/ui/script_safety.h"
 #include "sim/SimDecoderState.h"
 #include "ui/parts/trouble_texts.h"
 #include "ui/parts/window_placer.h"
 
 #include <QCloseEvent>
-#include <QDir>
 #include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QScopedValueRollback>
@@ -24,22 +24,6 @@ namespace scripts_ui {
 
 using scripts::AktScripts;
 using scripts::cls_script;
-
-namespace {
-
-/// Where scripts lie that were not stored when the program had to end.
-QString safety_folder() {
-    return app::globals.UserDataDir + QStringLiteral("Scripte") + QDir::separator();
-}
-
-QString file_name_of(const QString& script, std::int32_t ScriptID) {
-    QString name;
-    for (const QChar each : app::in_one_line(script).left(60))
-        name += each.isLetterOrNumber() || each == u' ' || each == u'-' ? each : QChar(u'_');
-    return QStringLiteral("%1 (%2).vqs").arg(name.trimmed()).arg(ScriptID);
-}
-
-} // namespace
 
 frm_script::frm_script(Script_Place place)
     : place_(std::move(place)), form_(new Editor_Form(this)),
@@ -90,6 +74,7 @@ void frm_script::open(int position) {
     ScriptID_ = script.ScriptID;
     stored_states_ = script.Stored_States;
     name_ = script.ScriptName;
+    library_ = place_.database.database_file();
     debugger_ = {};
     debugger_.Stopped = [this](int line, sim::Stop_Reason why) { stopped(line, why); };
     sim::SimDecoderState().SimPaused = false;
@@ -325,7 +310,7 @@ void frm_script::offer_file(const QString& reason) {
     const QString extension = QStringLiteral(".vqs");
     const auto path = place_.desktop.ask_save_file(
         {app::globals.LastScriptdir.isEmpty() ? app::globals.DocDir : app::globals.LastScriptdir,
-         file_name_of(name_, ScriptID_), extension, QStringLiteral("KELDA Script (*.vqs)")});
+         plain_file_name(name_), extension, QStringLiteral("KELDA Script (*.vqs)")});
     if (!path) return;
     try {
         const QByteArray bytes = as_file();
@@ -345,14 +330,14 @@ void frm_script::put_into_safety() {
     end_simulation();
     if (session_->changed()) {
         try {
-            const std::string folder = safety_folder().toStdString();
-            if (!place_.disk.folder_exists(folder)) place_.disk.make_folder(folder);
-            const QByteArray bytes = as_file();
-            const QString path = safety_folder() + file_name_of(name_, ScriptID_);
-            files::replace_file(place_.disk, path.toStdString(),
-                                std::as_bytes(std::span(bytes.begin(), bytes.end())));
+            const QString path =
+                keep_script(place_.disk, as_file(), name_, SetID_, ScriptID_, library_);
+            if (place_.say)
+                place_.say(
+                    QStringLiteral("Das Script „%1“ war nicht gespeichert und liegt nun in %2.")
+                        .arg(ui_parts::shortened(name_), path));
         } catch (const files::Error&) {
-            // The program ends all the same; there is nobody to tell.
+            // The program ends all the same; there is nobody to ask.
         }
     }
     end();

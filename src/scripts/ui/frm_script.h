@@ -101,7 +101,7 @@ private:
     std::unique_ptr<ui_parts::Window_Placer> placer_;
     std::unique_ptr<scripts::Script_Session> session_;
     std::int32_t SetID_ = 0, ScriptID_ = 0;
-    QString name_;
+    QString name_, library_;
     std::optional<std::size_t> stored_states_; ///< what the library held when it was loaded
     bool closing_ = false;
 

@@ -24,6 +24,7 @@ struct Script_Place {
     app::Leaving_Gate& gate; ///< asks the editor before its set is left
     timing::Time& time;
     Make_Cab make_cab;
+    std::function<void(const QString& sentence)> say; ///< at the foot of the main window
     std::function<void()> stored; ///< a script of the set was stored: the list shows it anew
 };
 

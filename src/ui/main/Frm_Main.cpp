@@ -27,6 +27,7 @@
 #include <QMenu>
 #include <QScreen>
 #include <QStatusBar>
+#include <QTimer>
 
 namespace ui_main {
 namespace {
@@ -137,6 +138,9 @@ void Frm_Main::wire() {
 void Frm_Main::load() {
     const auto one = inside_->messages.one_command();
     app::start_up(*this, desktop_, disk_);
+    QTimer::singleShot(0, this, [this] { // when the window is seen
+        if (!unloaded_) inside_->script_window.offer_kept_scripts();
+    });
 }
 
 void Frm_Main::Refresh_Sets() { inside_->view.Refresh_Sets(); }

@@ -1,11 +1,16 @@
 #include "ui/main/script_window.h"
 
+#include "app/text_table.h"
+#include "platform/files/replace.h"
 #include "platform/timing/time.h"
 #include "scripts/cls_script_coll.h"
+#include "scripts/script_file.h"
 #include "scripts/ui/UC_Scripte.h"
+#include "store/script_import.h"
 #include "ui/main/library_view.h"
 #include "ui/main/main_form.h"
 #include "ui/main/messages.h"
+#include "ui/parts/trouble_texts.h"
 
 #include <utility>
 
@@ -35,11 +40,61 @@ void Script_Window::Open_Script(int position) {
     if (!close()) return;
     if (!window_)
         window_ = std::make_unique<scripts_ui::frm_script>(scripts_ui::Script_Place{
-            at_.desktop, at_.disk, at_.database, at_.gate, timing::real_time(), make_cab_, [this] {
+            at_.desktop, at_.disk, at_.database, at_.gate, timing::real_time(), make_cab_,
+            [this](const QString& sentence) { at_.messages.say(sentence); },
+            [this] {
                 at_.view.note_state();
                 at_.view.Redraw_Script_List();
             }});
     window_->open(position);
+}
+
+void Script_Window::offer_kept_scripts() {
+    for (const scripts_ui::Kept_Script& kept :
+         scripts_ui::kept_scripts(at_.disk, at_.database.database_file())) {
+        at_.view.show_set(kept.SetID);
+        if (at_.view.selected_set() != kept.SetID || !at_.database.writable()) continue;
+        const bool wanted = at_.desktop.ask_yes_no(
+            app::TextTable.text(198),
+            QStringLiteral("Das Script „%1“ des CV-Sets „%2“ war am Ende des Programms nicht "
+                           "gespeichert. Jetzt als neues Script in das CV-Set übernehmen?")
+                .arg(ui_parts::shortened(kept.name), at_.view.shown_set()));
+        if (!wanted)
+            scripts_ui::set_kept_aside(at_.disk, kept);
+        else if (!take_kept_script(kept))
+            return;
+    }
+}
+
+/// @return false: it could not be taken, and is there the next time
+bool Script_Window::take_kept_script(const scripts_ui::Kept_Script& kept) {
+    try {
+        const std::string path = kept.path.toStdString();
+        const std::vector<std::byte> bytes = files::read_file(at_.disk, path);
+        const auto file = scripts::read_script_file(QByteArray(
+            reinterpret_cast<const char*>(bytes.data()), static_cast<qsizetype>(bytes.size())));
+        const bool room = scripts::AktScripts().Count() < scripts::cls_script_coll::max_scripts;
+        if (!room || file.scripts.size() != 1) {
+            at_.messages.say(
+                QStringLiteral("Nicht übernommen; das Script liegt in %1.").arg(kept.path));
+            return false;
+        }
+        const bool taken = store::import_scripts(at_.database, file.scripts).kept;
+        at_.view.Redraw_Script_List();
+        if (!taken) {
+            at_.messages.say_trouble();
+            return false;
+        }
+        at_.form.UC_Scripte1->choose(scripts::AktScripts().Count());
+        at_.disk.remove(path);
+        at_.view.note_state();
+        return true;
+    } catch (const files::Error& error) {
+        at_.messages.say_and_log(QStringLiteral("%1: ").arg(kept.path) +
+                                     ui_parts::reason(error.kind),
+                                 QString::fromUtf8(error.what()));
+        return false;
+    }
 }
 
 bool Script_Window::close() { return !window_ || window_->request_close(); }

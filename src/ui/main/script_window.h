@@ -1,6 +1,7 @@
 #pragma once
 
 #include "scripts/ui/frm_script.h"
+#include "scripts/ui/script_safety.h"
 #include "ui/main/surroundings.h"
 
 #include <QObject>
@@ -16,10 +17,15 @@ public:
 
     /// Another script that is open is closed first, with its question.
     void Open_Script(int position);
+    /// Scripts of this library that were not stored when the program had to end, each as a new one
+    /// of its set.
+    void offer_kept_scripts();
     /// @return false: a script stays open
     bool close();
 
 private:
+    bool take_kept_script(const scripts_ui::Kept_Script& kept);
+
     Surroundings at_;
     scripts_ui::Make_Cab make_cab_;
     std::unique_ptr<scripts_ui::frm_script> window_; ///< made when it is first needed

@@ -215,6 +215,37 @@ TEST_F(Editor_Test, a_script_that_another_copy_has_changed_is_not_stored_over_it
     push("cmd_cancel");
 }
 
+TEST_F(Editor_Test, what_is_not_stored_when_the_program_has_to_end_is_offered_at_the_next_start) {
+    for (const bool wanted : {false, true}) {
+        const auto untouched = stored_lines();
+        const int scripts = scripts::AktScripts().Count();
+        const QString name = scripts::AktScripts().Item(1)->ScriptName;
+        write("txt_State_Info", 0, "gerettet");
+        const QString set = QString::fromStdString(selected(sets()).front());
+        window->unload();
+        EXPECT_EQ(stored_lines(), untouched);
+        desktop.expect_question(
+            title,
+            QStringLiteral("Das Script „%1“ des CV-Sets „%2“ war am Ende des Programms nicht "
+                           "gespeichert. Jetzt als neues Script in das CV-Set übernehmen?")
+                .arg(name, set),
+            wanted ? Answer::yes : Answer::no);
+        start_bare();
+        QApplication::processEvents();
+        EXPECT_EQ(database.AktCVSetID(), set_with_scripts);
+        ASSERT_EQ(scripts::AktScripts().Count(), scripts + (wanted ? 1 : 0));
+        if (wanted) {
+            EXPECT_EQ(scripts::AktScripts().Item(scripts + 1)->GetState(0).Info,
+                      QStringLiteral("gerettet"));
+        }
+        start_bare(); // asks no more
+        QApplication::processEvents();
+        show_set();
+        open();
+    }
+    push("cmd_cancel");
+}
+
 TEST_F(Editor_Test, the_simulation_ends_in_whatever_way_the_windows_close) {
     const auto cab = [] {
         for (QWidget* top : QApplication::topLevelWidgets())
