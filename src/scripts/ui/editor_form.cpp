@@ -54,7 +54,8 @@ QWidget* Editor_Form::build_edit() {
     txt_Hilfe->setToolTip(
         QStringLiteral("Tasten: Pfeile und Bild auf/ab gehen von Zeile zu Zeile, Alt+Pfeil ab "
                        "öffnet die Liste, Einfg fügt ein oder kopiert, Strg+Entf löscht, "
-                       "F9 setzt einen Haltepunkt."));
+                       "F9 setzt einen Haltepunkt. F5 startet und pausiert, F10 macht einen "
+                       "Schritt, Strg+F10 läuft bis zur Zeile."));
     auto* row = new QVBoxLayout(Frame_Edit);
     row->addWidget(txt_Hilfe);
     return Frame_Edit;

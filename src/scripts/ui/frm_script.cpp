@@ -224,6 +224,7 @@ bool frm_script::event(QEvent* event) {
         const auto& key = *static_cast<QKeyEvent*>(event);
         if (key.matches(QKeySequence::Undo)) return undo(), true;
         if (key.matches(QKeySequence::Redo)) return redo(), true;
+        if (debug_key(key)) return true;
     }
     return QWidget::event(event);
 }

@@ -94,6 +94,9 @@ private:
     void show_debug(bool on);
     void make_debug_panel();
     void edit_break(int line);
+    void show_margin_menu(int line);
+    void run_to(int line);
+    bool debug_key(const QKeyEvent& key);
 
     Script_Place place_;
     Editor_Form* form_;

@@ -8,6 +8,9 @@
 #include "scripts/ui/frm_script.h"
 #include "sim/SimDecoderState.h"
 
+#include <QKeyEvent>
+#include <QMenu>
+
 namespace scripts_ui {
 
 using sim::SimDecoderState;
@@ -41,7 +44,7 @@ void frm_script::wire_simulation() {
     });
     connect(form_->Sli_Script_Speed, &QSlider::valueChanged, this, &frm_script::set_pace);
     connect(form_->cmd_debug, &QPushButton::toggled, this, &frm_script::show_debug);
-    connect(form_->Picture1, &Row_View::condition_wanted, this, &frm_script::edit_break);
+    connect(form_->Picture1, &Row_View::condition_wanted, this, &frm_script::show_margin_menu);
     form_->cmd_sim->setEnabled(static_cast<bool>(place_.make_cab));
 }
 
@@ -163,6 +166,44 @@ void frm_script::make_debug_panel() {
             [this](int line) { form_->Picture1->take_focus(line, Row_View::command_column); });
     connect(debug_, &Debug_Panel::breaks_changed, form_->Picture1, &Row_View::refresh_marks);
     connect(debug_, &Debug_Panel::own_clock_wanted, this, [this](bool on) { clock_.own(on); });
+}
+
+void frm_script::show_margin_menu(int line) {
+    if (!session_ || line >= session_->lines()) return;
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->addAction(debugger_.has_break(line) ? QStringLiteral("Haltepunkt entfernen\tF9")
+                                              : QStringLiteral("Haltepunkt setzen\tF9"),
+                    this, [this, line] { toggle_break(line); });
+    menu->addAction(QStringLiteral("Bedingung …\tUmschalt+F9"), this,
+                    [this, line] { edit_break(line); });
+    menu->addAction(QStringLiteral("Bis hierher laufen\tStrg+F10"), this,
+                    [this, line] { run_to(line); })
+        ->setEnabled(simulation_ != nullptr);
+    menu->popup(QCursor::pos());
+}
+
+void frm_script::run_to(int line) {
+    if (!simulation_ || !session_ || line >= session_->lines() || !debugger_.run_to(line)) return;
+    if (SimDecoderState().SimPaused) pause();
+}
+
+bool frm_script::debug_key(const QKeyEvent& key) {
+    const int line = form_->Picture1->focus_line();
+    const auto is = [&](Qt::Key wanted, Qt::KeyboardModifiers with = Qt::NoModifier) {
+        return key.key() == wanted && key.modifiers() == with;
+    };
+    if (is(Qt::Key_F5))
+        simulation_ ? pause() : begin_simulation();
+    else if (is(Qt::Key_F10))
+        form_->cmd_Einzel->click();
+    else if (is(Qt::Key_F10, Qt::ControlModifier))
+        run_to(line);
+    else if (is(Qt::Key_F9, Qt::ShiftModifier))
+        edit_break(line);
+    else
+        return false;
+    return true;
 }
 
 void frm_script::edit_break(int line) {
