@@ -242,7 +242,7 @@ bool frm_script::close_as(Closing how) {
     form_->Picture1->commit();
     end_simulation();
     if (!leave_changes(how)) return false;
-    end();
+    if (session_) end();
     hide();
     return true;
 }
@@ -258,6 +258,7 @@ bool frm_script::leave_changes(Closing how) {
         answer = place_.desktop.ask_yes_no_cancel(title, question);
     else
         answer = place_.desktop.ask_yes_no(title, question) ? Answer::yes : Answer::no;
+    if (!session_) return true; // the program has ended meanwhile, and asked nobody
     if (answer == Answer::yes) return save();
     return answer == Answer::no;
 }
