@@ -1,5 +1,6 @@
 #include "scripts/ui/frm_script.h"
 
+#include "app/mod_fileverwaltung.h"
 #include "app/mod_main.h"
 #include "app/one_line.h"
 #include "app/text_table.h"
@@ -269,15 +270,16 @@ bool frm_script::save() {
         offer_file(QStringLiteral("Das Script ist nicht mehr in der Bibliothek."));
         return false;
     }
-    cls_script& script = *AktScripts().Item(place);
+    const auto held = AktScripts().Item(place); // a library that is lost takes its list along
+    cls_script& script = *held;
     const cls_script before = script;
     session_->write_back(script);
     script.Stored_States = stored_states_;
     if (!place_.database.DB_Save_Script_States(place)) {
         const auto trouble = place_.database.last_trouble();
         const QString reason = trouble ? ui_parts::sentence(*trouble) : QString();
-        if (AktScripts().exists(place) && AktScripts().Item(place)->ScriptID == ScriptID_)
-            *AktScripts().Item(place) = before;
+        script = before;
+        if (!session_) return true; // lost with its library, and put into safety
         offer_file(reason);
         return false;
     }
@@ -287,9 +289,8 @@ bool frm_script::save() {
     int lost = 0;
     for (int line = 0; line < script.StateCount; ++line)
         if (script.GetState(line).GetPar(source) != 0) ++lost;
-    if (lost > 0)
-        form_->lab_status->say(
-            QStringLiteral("Die Quelle des CV-Werts steht nur in Script-Dateien."));
+    if (lost > 0 && place_.say)
+        place_.say(QStringLiteral("Die Quelle des CV-Werts steht nur in Script-Dateien."));
     if (place_.stored) place_.stored();
     return true;
 }
@@ -304,16 +305,26 @@ QByteArray frm_script::as_file() const {
     return scripts::script_file_of(file, replaced);
 }
 
+std::optional<QString> frm_script::ask_where_to_write() {
+    const QString& last = app::globals.LastScriptdir;
+    for (;;) {
+        const auto path = place_.desktop.ask_save_file(
+            {last.isEmpty() ? app::globals.DocDir : last, plain_file_name(name_),
+             QStringLiteral(".vqs"), QStringLiteral("KELDA Script (*.vqs)")});
+        if (!path || !app::FileExists(place_.disk, *path) ||
+            place_.desktop.ask_yes_no(QStringLiteral("Achtung"),
+                                      QStringLiteral("Script vorhanden. Überschreiben?")))
+            return path;
+    }
+}
+
 void frm_script::offer_file(const QString& reason) {
     const bool wanted = place_.desktop.ask_yes_no(
         app::TextTable.text(198),
         reason + QStringLiteral("\nDas Script bleibt offen. Jetzt als Script-Datei sichern?"));
     if (!wanted) return;
-    const QString extension = QStringLiteral(".vqs");
-    const auto path = place_.desktop.ask_save_file(
-        {app::globals.LastScriptdir.isEmpty() ? app::globals.DocDir : app::globals.LastScriptdir,
-         plain_file_name(name_), extension, QStringLiteral("KELDA Script (*.vqs)")});
-    if (!path) return;
+    const auto path = ask_where_to_write();
+    if (!path || !session_) return;
     try {
         const QByteArray bytes = as_file();
         files::replace_file(place_.disk, path->toStdString(),
