@@ -137,6 +137,7 @@ void Row_View::wire(Script_Row* row) {
     connect(row->margin, &Break_Margin::condition_wanted, this,
             [this, row] { Q_EMIT condition_wanted(row->line()); });
     connect(row->combo_Command, &Entry_Box::chosen, this, [this, row](int code) {
+        if (session_ == nullptr) return;
         if (code == 0 && row->line() < session_->lines())
             Q_EMIT delete_wanted(row->line());
         else
@@ -144,6 +145,7 @@ void Row_View::wire(Script_Row* row) {
         refresh();
     });
     connect(row->combo_Command, &Entry_Box::typed, this, [this, row](const QString& typed) {
+        if (session_ == nullptr) return;
         const auto code = scripts::command_typed(typed, list_language());
         if (code && *code != 0)
             session_->choose_command(row->line(), *code, true);
@@ -159,6 +161,7 @@ void Row_View::wire(Script_Row* row) {
             session_->working().CurrentState = model_line_;
         });
         connect(box, &Entry_Box::chosen, this, [this, row, i](int entry) {
+            if (session_ == nullptr) return;
             session_->choose(row->line(), i, entry);
             refresh();
         });
@@ -166,8 +169,9 @@ void Row_View::wire(Script_Row* row) {
                 [this, row, i](const QString& typed) { leave_parameter(row->line(), i, typed); });
         watch(box);
     }
-    connect(row->txt_State_Info, &Info_Field::committed, this,
-            [this, row](const QString& info) { session_->put_info(row->line(), info); });
+    connect(row->txt_State_Info, &Info_Field::committed, this, [this, row](const QString& info) {
+        if (session_ != nullptr) session_->put_info(row->line(), info);
+    });
     connect(row->txt_State_Info, &Info_Field::entered, this,
             [this, row] { take_focus(std::min(row->line() + 1, shown_lines() - 1), info_column); });
     watch(row->combo_Command);
@@ -182,6 +186,7 @@ void Row_View::watch(QWidget* field) {
 }
 
 void Row_View::leave_command(int line, const QString& typed) {
+    if (session_ == nullptr) return;
     session_->end_typing();
     if (typed.trimmed() == catalogue::CommandName(0, list_language()) && line < session_->lines())
         Q_EMIT delete_wanted(line);
@@ -189,7 +194,7 @@ void Row_View::leave_command(int line, const QString& typed) {
 }
 
 void Row_View::leave_parameter(int line, int column, const QString& typed) {
-    if (line >= session_->lines()) return;
+    if (session_ == nullptr || line >= session_->lines()) return;
     const auto& state = std::as_const(*session_).working().GetState(line);
     const List list = scripts::column_of(state, column, list_language()).list;
     if (const auto entry = scripts::entry_typed(list, typed, list_language()))
