@@ -123,10 +123,22 @@ int Row_View::visible_rows() const {
 /// A line keeps its widgets while it is seen: row i of the pool shows the lines that leave the rest
 /// i. So all are dealt out anew when there are more of them.
 void Row_View::make_rows(int count) {
+    if (static_cast<int>(rows_.size()) >= count) return;
+    const Script_Row* edited = row_of(focus_line_);
+    const bool editing = edited != nullptr && edited->isAncestorOf(QApplication::focusWidget());
+    if (editing) {
+        commit(); // before its widgets show another line
+        setFocus();
+    }
     while (static_cast<int>(rows_.size()) < count) {
         rows_.push_back(new Script_Row(pic_script));
         wire(rows_.back());
     }
+    refresh();
+    if (!editing) return;
+    take_focus(focus_line_, focus_column_);
+    if (auto* info = qobject_cast<QPlainTextEdit*>(field(focus_line_, focus_column_)))
+        info->moveCursor(QTextCursor::End);
 }
 
 void Row_View::wire(Script_Row* row) {
@@ -166,8 +178,9 @@ void Row_View::wire(Script_Row* row) {
                 [this, row, i](const QString& typed) { leave_parameter(row->line(), i, typed); });
         watch(box);
     }
-    connect(row->txt_State_Info, &Info_Field::committed, this,
-            [this, row](const QString& info) { session_->put_info(row->line(), info); });
+    connect(row->txt_State_Info, &Info_Field::committed, this, [this, row](const QString& info) {
+        if (session_ != nullptr) session_->put_info(row->line(), info);
+    });
     connect(row->txt_State_Info, &Info_Field::entered, this,
             [this, row] { take_focus(std::min(row->line() + 1, shown_lines() - 1), info_column); });
     watch(row->combo_Command);
@@ -182,6 +195,7 @@ void Row_View::watch(QWidget* field) {
 }
 
 void Row_View::leave_command(int line, const QString& typed) {
+    if (session_ == nullptr) return;
     session_->end_typing();
     if (typed.trimmed() == catalogue::CommandName(0, list_language()) && line < session_->lines())
         Q_EMIT delete_wanted(line);
@@ -189,7 +203,7 @@ void Row_View::leave_command(int line, const QString& typed) {
 }
 
 void Row_View::leave_parameter(int line, int column, const QString& typed) {
-    if (line >= session_->lines()) return;
+    if (session_ == nullptr || line >= session_->lines()) return;
     const auto& state = std::as_const(*session_).working().GetState(line);
     const List list = scripts::column_of(state, column, list_language()).list;
     if (const auto entry = scripts::entry_typed(list, typed, list_language()))
