@@ -125,13 +125,20 @@ void Script_Session::choose_command(int line, std::int32_t code, bool typing) {
     const bool grows = line == lines() && line < cls_script::max_states && code != 0;
     if (!grows && (!has(line) || now_.script.GetState(line).GetCommand() == code)) return;
     constexpr int command_column = -1;
-    begin(Kind::other, line, typing ? std::optional(Place{line, command_column}) : std::nullopt);
+    const Place place{line, command_column};
+    cls_Scriptstate from = grows ? cls_Scriptstate() : now_.script.GetState(line);
+    if (typing && typed_ == place && !undo_.empty()) { // what it led to on the way costs nothing
+        const cls_script& earlier = undo_.back().content.script;
+        from = line < earlier.StateCount ? earlier.GetState(line) : cls_Scriptstate();
+        if (from.GetCommand() == code) return take_back_typing();
+    }
+    begin(Kind::other, line, typing ? std::optional(place) : std::nullopt);
     if (grows) {
-        now_.script.GetState(line) = {};
         origin(line).reset();
         now_.script.StateCount = line + 1;
     }
-    scripts::choose_command(now_.script.GetState(line), code);
+    scripts::choose_command(from, code);
+    now_.script.SetState(line, from);
     if (now_.inserted == line) now_.inserted.reset();
     tell(Kind::other, line);
 }

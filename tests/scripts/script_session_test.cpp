@@ -157,7 +157,10 @@ TEST(Script_Session, inserts_and_copies_as_its_lines_are_clicked) {
     EXPECT_EQ(session.lines(), 5) << "the empty command makes no line";
     session.choose_command(5, 3);
     EXPECT_EQ(session.lines(), 6);
-    // what is typed is one step, wherever it led on the way
+    // what is typed is one step, wherever it led on the way, and none where it leads back
+    for (const int code : {1, 2, 3, 12, 31, 6}) session.choose_command(4, code, true);
+    EXPECT_EQ(session.working().GetState(4).GetCommand(), 6);
+    EXPECT_EQ(session.working().GetState(4).GetPar(0), 3);
     session.choose_command(6, 1, true);
     session.choose_command(6, 7, true);
     session.choose(6, 1, 20, true);

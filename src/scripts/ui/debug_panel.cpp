@@ -192,6 +192,13 @@ void Debug_Panel::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
 }
 
+/// A dialog does not go with the window that it belongs to.
+void Debug_Panel::hideEvent(QHideEvent* event) {
+    if (!event->spontaneous())
+        for (Condition_Dialog* dialog : findChildren<Condition_Dialog*>()) dialog->reject();
+    QWidget::hideEvent(event);
+}
+
 void Debug_Panel::resizeEvent(QResizeEvent* event) {
     const bool side = 3 * height() > 2 * width(); // columns would be narrow and high
     parts_->setOrientation(side ? Qt::Vertical : Qt::Horizontal);

@@ -51,6 +51,7 @@ QWidget* Editor_Form::build_edit() {
                               QStringLiteral("Einfügen: Klick auf State-Nummer\n"
                                              "Kopieren: Klick auf anderen State nach Einfügen\n"
                                              "Löschen: Befehl \"-\" auswählen"));
+    txt_Hilfe->setMinimumWidth(1); // else no small screen has room for what stands beside it
     txt_Hilfe->setToolTip(
         QStringLiteral("Tasten: Pfeile und Bild auf/ab gehen von Zeile zu Zeile, Alt+Pfeil ab "
                        "öffnet die Liste, Einfg fügt ein oder kopiert, Strg+Entf löscht, "

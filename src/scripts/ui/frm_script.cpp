@@ -82,7 +82,8 @@ void frm_script::open(int position) {
     place_.gate.add(*this);
     app::globals.ScriptWindowOpen = true;
     setWindowTitle(QStringLiteral("Script ") + app::in_one_line(name_));
-    form_->lab_status->forget();
+    show_red(*form_->cmd_Pause, false);
+    say_why_it_stands({});
     show_rows();
     placer_->bring_to(app::globals.Script_Window);
     app::globals.Script_Window_Max ? showMaximized() : show();
@@ -187,7 +188,9 @@ void frm_script::copy_from(int line) {
 }
 
 void frm_script::ask_to_delete(int line) {
-    if (!place_.desktop.ask_yes_no(app::TextTable.text(531), app::TextTable.text(531))) {
+    // what is half written when the window closes deletes nothing
+    if (closing_ ||
+        !place_.desktop.ask_yes_no(app::TextTable.text(531), app::TextTable.text(531))) {
         form_->Picture1->refresh();
         return;
     }
@@ -339,6 +342,7 @@ void frm_script::offer_file(const QString& reason) {
 /// Nobody can be asked: the next start finds it.
 void frm_script::put_into_safety() {
     if (!session_) return;
+    const QScopedValueRollback closing(closing_, true);
     form_->Picture1->commit();
     end_simulation();
     if (session_->changed()) {

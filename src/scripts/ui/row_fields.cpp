@@ -147,6 +147,7 @@ void Entry_Box::keyPressEvent(QKeyEvent* event) {
         lineEdit()->selectAll();
     } else if (event->key() == Qt::Key_Escape && typing_) {
         typing_ = false;
+        Q_EMIT typed({}); // as if nothing had been
         lineEdit()->setText(shown_);
         lineEdit()->selectAll();
     } else {

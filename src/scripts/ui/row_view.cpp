@@ -123,10 +123,22 @@ int Row_View::visible_rows() const {
 /// A line keeps its widgets while it is seen: row i of the pool shows the lines that leave the rest
 /// i. So all are dealt out anew when there are more of them.
 void Row_View::make_rows(int count) {
+    if (static_cast<int>(rows_.size()) >= count) return;
+    const Script_Row* edited = row_of(focus_line_);
+    const bool editing = edited != nullptr && edited->isAncestorOf(QApplication::focusWidget());
+    if (editing) {
+        commit(); // before its widgets show another line
+        setFocus();
+    }
     while (static_cast<int>(rows_.size()) < count) {
         rows_.push_back(new Script_Row(pic_script));
         wire(rows_.back());
     }
+    refresh();
+    if (!editing) return;
+    take_focus(focus_line_, focus_column_);
+    if (auto* info = qobject_cast<QPlainTextEdit*>(field(focus_line_, focus_column_)))
+        info->moveCursor(QTextCursor::End);
 }
 
 void Row_View::wire(Script_Row* row) {

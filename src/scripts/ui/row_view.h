@@ -107,7 +107,8 @@ private:
     int header_height_ = 0;
     bool info_on_ = true, info_single_ = true;
     int info_size_ = 30;
-    int first_ = 0; ///< line of the first row
+    int first_ = 0;  ///< line of the first row
+    int turned_ = 0; ///< by the wheel, and not yet a row
     std::vector<Script_Row*> rows_;
     std::map<scripts_catalogue::List, std::unique_ptr<Entry_Model>> models_;
     std::unique_ptr<Entry_Model> command_model_;

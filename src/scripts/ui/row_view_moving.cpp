@@ -164,8 +164,10 @@ bool Row_View::eventFilter(QObject* watched, QEvent* event) {
 
 void Row_View::wheelEvent(QWheelEvent* event) {
     constexpr int notch = 120, rows_per_notch = 3;
-    const int rows = -event->angleDelta().y() * rows_per_notch / notch;
-    VScroll1->setValue(VScroll1->value() + rows);
+    turned_ += event->angleDelta().y() * rows_per_notch; // touchpads turn by less than a row
+    const int rows = turned_ / notch;
+    turned_ -= rows * notch;
+    VScroll1->setValue(VScroll1->value() - rows);
     event->accept();
 }
 

@@ -3,6 +3,7 @@
 #include "main_window.h"
 #include "scripts/ui/frm_script.h"
 #include "scripts/ui/row_fields.h"
+#include "scripts/ui/row_view.h"
 #include "sim/SimDecoderState.h"
 #include "sim/ui/frm_Sim_Fahrpult.h"
 
@@ -180,6 +181,11 @@ TEST_F(Editor_Test, lines_are_written_inserted_copied_and_deleted) {
     EXPECT_EQ(commands(), untouched);
     EXPECT_FALSE(editor()->findChild<QPushButton*>(QStringLiteral("cmd_undo"))->isEnabled());
     EXPECT_TRUE(editor()->isVisible()) << "the library's own undo would have asked to close";
+    at("combo_Command", 1).setFocus();
+    press(Qt::Key_A, Qt::ControlModifier);
+    type("warten");
+    press(Qt::Key_Escape);
+    EXPECT_EQ(commands(), untouched);
     const QPoint middle = at("combo_Command", 2).rect().center();
     QWheelEvent wheel(middle, at("combo_Command", 2).mapToGlobal(middle), {}, {0, -120},
                       Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
@@ -270,5 +276,49 @@ TEST_F(Editor_Test, the_simulation_ends_in_whatever_way_the_windows_close) {
             if (editor() == nullptr) open();
             if (sim::SimDecoderState().SimPaused) push("cmd_Pause");
         }
+    push("cmd_cancel");
+}
+
+TEST_F(Editor_Test, what_is_typed_stays_with_its_line) {
+    for (int i = 0; i < 60; ++i) press(Qt::Key_Insert); // makes a line, copies it
+    press(Qt::Key_End, Qt::ControlModifier);
+    press(Qt::Key_Up);
+    const int last = editor()->findChild<scripts_ui::Row_View*>()->focus_line();
+    at("txt_State_Info", last).setFocus();
+    press(Qt::Key_A, Qt::ControlModifier);
+    type("hier");
+    editor()->resize(editor()->width(), editor()->height() + 400);
+    QApplication::processEvents();
+    type(" geht es weiter");
+    const auto info = [](int line) {
+        return at<QPlainTextEdit>("txt_State_Info", line).toPlainText().toStdString();
+    };
+    EXPECT_EQ(info(last), "hier geht es weiter");
+    auto& scroll = *editor()->findChild<QScrollBar*>(QStringLiteral("VScroll1"));
+    const int first = scroll.value();
+    const QPoint middle = scroll.rect().center();
+    for (int part = 0; part < 3; ++part) { // of a notch, as touchpads send them
+        QWheelEvent wheel(middle, scroll.mapToGlobal(middle), {}, {0, 40}, Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(editor()->findChild<scripts_ui::Row_View*>(), &wheel);
+    }
+    EXPECT_EQ(scroll.value(), first - 3);
+    push("cmd_cancel");
+}
+
+TEST_F(Editor_Test, at_the_end_of_the_program_nothing_is_asked_and_nothing_stays) {
+    push("cmd_Pause");
+    QTest::mouseClick(&at("break_margin", 0), Qt::RightButton);
+    const QPointer<QDialog> dialog = editor()->findChild<QDialog*>();
+    ASSERT_NE(dialog, nullptr);
+    at("combo_Command", 1).setFocus();
+    press(Qt::Key_A, Qt::ControlModifier);
+    type("-"); // deletes a line, with a question, when its box is left
+    window->gate().pass_at_once();
+    EXPECT_EQ(editor(), nullptr);
+    EXPECT_TRUE(dialog == nullptr || !dialog->isVisible());
+    open();
+    EXPECT_TRUE(
+        editor()->findChild<QPushButton*>(QStringLiteral("cmd_Pause"))->styleSheet().isEmpty());
     push("cmd_cancel");
 }
