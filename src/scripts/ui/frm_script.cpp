@@ -7,6 +7,7 @@
 #include "scripts/cls_script_coll.h"
 #include "scripts/script_file.h"
 #include "scripts/ui/editor_form.h"
+#include "scripts/ui/script_dialog.h"
 #include "scripts/ui/script_safety.h"
 #include "sim/SimDecoderState.h"
 #include "ui/parts/trouble_texts.h"
@@ -307,10 +308,8 @@ void frm_script::offer_file(const QString& reason) {
         app::TextTable.text(198),
         reason + QStringLiteral("\nDas Script bleibt offen. Jetzt als Script-Datei sichern?"));
     if (!wanted) return;
-    const QString extension = QStringLiteral(".vqs");
-    const auto path = place_.desktop.ask_save_file(
-        {app::globals.LastScriptdir.isEmpty() ? app::globals.DocDir : app::globals.LastScriptdir,
-         plain_file_name(name_), extension, QStringLiteral("KELDA Script (*.vqs)")});
+    const auto path =
+        ask_script_file(place_.desktop, place_.disk, place_.database, plain_file_name(name_));
     if (!path) return;
     try {
         const QByteArray bytes = as_file();
