@@ -68,6 +68,7 @@ std::optional<QString> Record_Reader::text() {
     }
     qsizetype end = 0; // what stands behind a closing quote belongs to no field
     while (end < rest_.size() && rest_[end] != u',' && !ends_line(rest_[end])) ++end;
+    if (in_quotes && !rest_.first(end).trimmed().isEmpty()) ++texts_cut_short_;
     if (!in_quotes) value = rest_.first(end).toString().trimmed();
     advance(end);
     skip_separator();

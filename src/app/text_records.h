@@ -33,6 +33,9 @@ public:
     /// The next field without its quotes; nothing when it is no proper text (too long, or still
     /// open at the end of the file).
     std::optional<QString> text();
+    /// How many texts had something behind their closing quote, which is lost: a quote within that
+    /// was not doubled, or one that was missing.
+    int texts_cut_short() const { return texts_cut_short_; }
     /// The next field; nothing when it is not a number within the bounds. A fraction is rounded.
     std::optional<std::int32_t> number(std::int32_t lowest, std::int32_t highest);
     /// The next field: #TRUE# or #FALSE#.
@@ -45,6 +48,7 @@ private:
 
     QStringView rest_;
     int line_ = 1;
+    int texts_cut_short_ = 0;
     bool at_record_start_ = true;
     Text_End text_end_;
 };

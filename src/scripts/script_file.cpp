@@ -20,7 +20,11 @@ public:
         : records_(text, app::Record_Reader::Text_End::far_quote) {}
 
     Script_File read() {
-        if (find_section()) read_section();
+        if (find_section()) {
+            const int of_others = records_.texts_cut_short();
+            read_section();
+            file_.texts_cut_short = records_.texts_cut_short() - of_others;
+        }
         return std::move(file_);
     }
 

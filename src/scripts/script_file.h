@@ -18,6 +18,7 @@ struct Script_File {
     QStringList broken_off;   ///< names of scripts that are left out, since the file ends within
     int places_skipped = 0;   ///< parameters and lines that no script has
     int numbers_lost = 0;     ///< fields that are no number; 0 stands there
+    int texts_cut_short = 0;  ///< by a quote that was not doubled, or one that was missing
 };
 
 /// Reads the scripts of a file. Whatever stands in it, this ends and refuses nothing.

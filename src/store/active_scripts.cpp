@@ -24,7 +24,9 @@ Active_Scripts active_scripts(clsDBConn& library) {
 CVRec store_script_active(clsDBConn& library, int position, bool active) {
     SURE(position >= 1 && position <= static_cast<int>(Active_Scripts().size()));
     const int flag = (position - 1) % flags_in_cv;
-    Operation operation(library); // the other flags are those that stand there when this is written
+    Operation operation(library);
+    if (!library.expect_script_positions()) return {};
+    // The other flags are those that stand there when this is written.
     CVRec cv{.CVPageHi = 0, .CVPageLo = 1, .CVNr = flag_cvs[(position - 1) / flags_in_cv]};
     std::bitset<flags_in_cv> off(byte_of(Get_CV_Wert(library, cv.CVNr)));
     cv.CVWert =

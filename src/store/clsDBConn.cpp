@@ -66,6 +66,8 @@ bool clsDBConn::expect_library() { return parts_->file.expect_library(); }
 
 QString clsDBConn::database_file() const { return parts_->file.path(); }
 
+bool clsDBConn::is_its_file(const QString& path) const { return parts_->file.is_its(path); }
+
 Opening clsDBConn::opening() const { return parts_->file.opening(); }
 
 bool clsDBConn::writable() const {
@@ -239,6 +241,10 @@ void clsDBConn::DB_Load_Scripts() {
 
 bool clsDBConn::DB_Add_Script(std::int32_t position) {
     return parts_->scripts.add(parts_->akt_set, scripts::AktScripts(), position);
+}
+
+bool clsDBConn::expect_script_positions() {
+    return parts_->scripts.expect_positions(parts_->akt_set, scripts::AktScripts());
 }
 
 bool clsDBConn::DB_Save_Script_States(std::int32_t position) {

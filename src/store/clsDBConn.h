@@ -53,6 +53,8 @@ public:
     /// The same for a command that needs them: if there are none, why is noted.
     [[nodiscard]] bool expect_library();
     QString database_file() const; ///< as given to the last Connection_Start
+    /// Whether a path leads to the open library or to its journal, also by a link or another name.
+    bool is_its_file(const QString& path) const;
     /// How the open library was found. `blocked` is brought up to date with what was met since.
     Opening opening() const;
     /// Whether changing operations can succeed at all.
@@ -159,8 +161,11 @@ public:
     /// The scripts of the current set into AktScripts.
     void DB_Load_Scripts();
     /// Adds the row of a script to the current set and notes its new ScriptID in it; its states are
-    /// stored with DB_Save_Script_States.
+    /// stored with DB_Save_Script_States. Refuses (changed) when somebody else has added or deleted
+    /// scripts of the set since they were loaded.
     [[nodiscard]] bool DB_Add_Script(std::int32_t position);
+    /// Refuses (changed) when positions no longer name the scripts that were loaded.
+    [[nodiscard]] bool expect_script_positions();
     /// Replaces the stored states. Every row is checked before the old ones go: a refusal leaves
     /// them as they were. Refuses (changed) when they are no longer those that were loaded.
     [[nodiscard]] bool DB_Save_Script_States(std::int32_t position);

@@ -65,6 +65,17 @@ std::optional<files::Identity> Library_File::file_now() {
     }
 }
 
+bool Library_File::is_its(const QString& path) const {
+    if (!active()) return false;
+    try {
+        const std::string own = disk_.resolve(path_.toStdString());
+        const std::string other = disk_.resolve(path.toStdString());
+        return other == own + "-journal" || (identity_ && disk_.identity(other) == identity_);
+    } catch (const files::Error&) { // nothing that could be written
+        return false;
+    }
+}
+
 void Library_File::expect_same_file() {
     if (file_now() != identity_)
         throw ado::Error(Failure::replaced, path_.toStdString(),

@@ -28,6 +28,8 @@ public:
     const QString& path() const { return path_; }
     /// Throws ado::Error (replaced) when the path names another file by now.
     void expect_same_file();
+    /// Whether a path leads to the file or to its journal.
+    bool is_its(const QString& path) const;
     Opening opening() const;
     Blocked blocked() const; ///< with what was met since it was opened
 

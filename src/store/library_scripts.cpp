@@ -58,6 +58,12 @@ void fill_state(scripts::cls_Scriptstate& state, ado::Recordset& row) {
     state.Info = row.text(u"Info").value_or(QString());
 }
 
+std::vector<std::int32_t> keys(const scripts::cls_script_coll& of) {
+    std::vector<std::int32_t> found;
+    for (const auto& script : of) found.push_back(script->ScriptID);
+    return found;
+}
+
 /// Adds a state to what tells these states from others.
 std::size_t with_state(std::size_t print, std::int32_t number,
                        const scripts::cls_Scriptstate& state) {
@@ -227,8 +233,20 @@ bool Library_Scripts::changing(std::int32_t SetID, scripts::cls_script_coll& of,
     });
 }
 
+std::vector<std::int32_t> Library_Scripts::stored_keys(std::int32_t SetID) {
+    std::vector<std::int32_t> keys;
+    auto rows = file_.rows(scripts_of(SetID) + u" ORDER BY ScriptID"_s);
+    for (; !rows.at_end(); rows.move_next()) keys.push_back(rows.number(u"ScriptID").value_or(0));
+    return keys;
+}
+
 bool Library_Scripts::add(std::int32_t SetID, scripts::cls_script_coll& of, std::int32_t position) {
     return changing(SetID, of, position, [&](Script& script) {
+        const auto stored = stored_keys(SetID);
+        auto loaded = keys(of);
+        loaded.erase(loaded.begin() + (position - 1)); // it is to come
+        if (of.SetID != 0 && !std::ranges::is_permutation(stored, loaded))
+            throw differs(u"Sets"_s, SetID); // how many there may be is not known
         ado::Recordset row = file_.rows(u"SELECT * FROM Scripte"_s);
         row.add_new();
         row.set(u"SetID"_s, ado::value(SetID));
@@ -279,6 +297,12 @@ void Library_Scripts::erase_all(std::int32_t SetID) {
     for (ado::Recordset rows = file_.rows(scripts_of(SetID)); !rows.at_end(); rows.move_next())
         if (const auto id = rows.number(u"ScriptID")) ids.push_back(*id);
     for (const std::int32_t id : ids) erase_one(id);
+}
+
+bool Library_Scripts::expect_positions(std::int32_t SetID, const scripts::cls_script_coll& of) {
+    return operation_.changing_set(SetID, [&] {
+        if (stored_keys(SetID) != keys(of)) throw differs(u"Sets"_s, SetID);
+    });
 }
 
 int Library_Scripts::count(std::int32_t SetID) {

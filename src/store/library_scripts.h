@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <vector>
 
 namespace store {
 
@@ -25,6 +26,8 @@ public:
                               std::int32_t position);
     [[nodiscard]] bool erase(std::int32_t SetID, scripts::cls_script_coll& of,
                              std::int32_t position);
+    /// Refuses (changed) when positions no longer name the scripts that were loaded.
+    [[nodiscard]] bool expect_positions(std::int32_t SetID, const scripts::cls_script_coll& of);
     void erase_all(std::int32_t SetID); ///< with their states; throws
 
     int count(std::int32_t SetID);
@@ -40,6 +43,7 @@ private:
         const std::function<void(std::int32_t number, const scripts::cls_Scriptstate&)>& visit);
     void load_states(Script& script);
     void load_all(scripts::cls_script_coll& into, std::int32_t SetID, bool with_names);
+    std::vector<std::int32_t> stored_keys(std::int32_t SetID);
     void erase_one(std::int32_t ScriptID);
     /// Runs work on the script at a position as one operation of a set.
     bool changing(std::int32_t SetID, scripts::cls_script_coll& of, std::int32_t position,

@@ -13,6 +13,15 @@ void cut(QString& text, int width, Script_Import_Report& report) {
     ++report.texts_cut;
 }
 
+bool is_byte(std::int32_t number) { return number >= 0 && number <= 255; }
+
+bool fits_decoder(const scripts::cls_Scriptstate& line) {
+    bool fits = is_byte(line.GetCommand());
+    for (int par = 0; par < scripts::cls_Scriptstate::stored_par_count; ++par)
+        fits = fits && is_byte(line.GetPar(par));
+    return fits;
+}
+
 bool add(clsDBConn& library, const scripts::cls_script& source, Script_Import_Report& report) {
     scripts::cls_script_coll& of_set = scripts::AktScripts();
     scripts::cls_script& script = of_set.AddScript();
@@ -21,6 +30,7 @@ bool add(clsDBConn& library, const scripts::cls_script& source, Script_Import_Re
     for (int place = 0; place < script.StateCount; ++place) {
         scripts::cls_Scriptstate& line = script.GetState(place);
         cut(line.Info, library.script_info_width(), report);
+        if (!fits_decoder(line)) ++report.values_wide;
         if (line.GetPar(parameter_without_column) != 0) ++report.sources_lost;
     }
     ++report.scripts;

@@ -13,6 +13,7 @@ struct [[nodiscard]] Script_Import_Report {
     bool kept = false; ///< the scripts are in the library; else nothing of them is
     int scripts = 0;
     int texts_cut = 0;    ///< names and infos longer than their columns
+    int values_wide = 0;  ///< lines with a number that is no byte, which no project can hold
     int sources_lost = 0; ///< lines with a value in parameter 5, which has no column
 };
 

@@ -38,7 +38,9 @@ protected:
         const auto sets = library::sets(db, 8);
         if (sets.empty()) throw std::runtime_error("not opened");
         db.AktCVSetID(sets.back().second);
+        db.take_trouble();
         db.DB_Load_Scripts();
+        if (db.last_trouble()) throw std::runtime_error("not loaded whole");
     }
 
     files::Memory_Disk disk;

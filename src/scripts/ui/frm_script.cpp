@@ -8,6 +8,7 @@
 #include "scripts/cls_script_coll.h"
 #include "scripts/script_file.h"
 #include "scripts/ui/editor_form.h"
+#include "scripts/ui/script_dialog.h"
 #include "scripts/ui/script_safety.h"
 #include "sim/SimDecoderState.h"
 #include "ui/parts/trouble_texts.h"
@@ -308,25 +309,13 @@ QByteArray frm_script::as_file() const {
     return scripts::script_file_of(file, replaced);
 }
 
-std::optional<QString> frm_script::ask_where_to_write() {
-    const QString& last = app::globals.LastScriptdir;
-    for (;;) {
-        const auto path = place_.desktop.ask_save_file(
-            {last.isEmpty() ? app::globals.DocDir : last, plain_file_name(name_),
-             QStringLiteral(".vqs"), QStringLiteral("KELDA Script (*.vqs)")});
-        if (!path || !app::FileExists(place_.disk, *path) ||
-            place_.desktop.ask_yes_no(QStringLiteral("Achtung"),
-                                      QStringLiteral("Script vorhanden. Überschreiben?")))
-            return path;
-    }
-}
-
 void frm_script::offer_file(const QString& reason) {
     const bool wanted = place_.desktop.ask_yes_no(
         app::TextTable.text(198),
         reason + QStringLiteral("\nDas Script bleibt offen. Jetzt als Script-Datei sichern?"));
     if (!wanted) return;
-    const auto path = ask_where_to_write();
+    const auto path =
+        ask_script_file(place_.desktop, place_.disk, place_.database, plain_file_name(name_));
     if (!path || !session_) return;
     try {
         const QByteArray bytes = as_file();

@@ -77,7 +77,6 @@ private:
     bool leave_changes(Closing how);
     bool save();
     void offer_file(const QString& reason);
-    std::optional<QString> ask_where_to_write();
     QByteArray as_file() const;
     void end();
     int position() const; ///< of the script in AktScripts; 0: it is not there

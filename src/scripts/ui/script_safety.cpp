@@ -36,10 +36,12 @@ QString keep_script(files::Disk& disk, const QByteArray& file, const QString& na
                     std::int32_t SetID, std::int32_t ScriptID, const QString& library) {
     if (const std::string there = folder().toStdString(); !disk.folder_exists(there))
         disk.make_folder(there);
-    const QString path = folder() + QDir::separator() +
-                         QStringLiteral("%1 (%2-%3-%4).vqs")
-                             .arg(plain_file_name(name), QString::number(SetID),
-                                  QString::number(ScriptID), mark_of(library));
+    const QString plain = folder() + QDir::separator() + plain_file_name(name);
+    const QString origin =
+        QStringLiteral(" (%1-%2-%3).vqs").arg(SetID).arg(ScriptID).arg(mark_of(library));
+    QString path = plain + origin;
+    for (int number = 2; disk.file_exists(path.toStdString()); ++number) // of another copy
+        path = plain + QStringLiteral(" %1").arg(number) + origin;
     files::replace_file(disk, path.toStdString(),
                         std::as_bytes(std::span(file.begin(), file.end())));
     return path;

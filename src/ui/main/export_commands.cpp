@@ -46,6 +46,10 @@ void Export_Commands::export_project(vqx_export::File_Type type) {
     const auto path = at_.desktop.ask_save_file(
         {app::globals.Database_Path, proposed, project_extension, text(Text::project_filter)});
     if (!path) return;
+    if (at_.database.is_its_file(*path)) {
+        at_.desktop.inform(text(Text::attention), text(Text::is_open_library));
+        return;
+    }
     if (app::FileExists(at_.disk, *path) &&
         !at_.desktop.ask_yes_no(text(Text::attention), text(Text::ask_overwrite_file))) {
         return;

@@ -44,6 +44,7 @@ void File_Commands::Open_Database() {
     at_.database.take_trouble(); // of what was done before
     at_.database.Connection_Start(path);
     const std::optional<store::Trouble> trouble = at_.database.take_trouble();
+    if (at_.database.Connection_Active()) at_.view.note_state(); // before it is read
     at_.view.Refresh_Sets();
     const bool of_another_kind = trouble && trouble->kind == store::Failure::no_library;
     const bool cut_off = at_.database.opening().blocked == store::Blocked::cut_off;
@@ -55,7 +56,6 @@ void File_Commands::Open_Database() {
     at_.messages.say_and_log(at_.messages.last_sentence(),
                              trouble ? path + u": "_qs + trouble->detail : path);
     at_.database.take_trouble(); // a database of another kind has no sets to count; that is said
-    at_.view.note_state();
 }
 
 QString File_Commands::why_not_opened(const QString& path, const store::Trouble& trouble) {

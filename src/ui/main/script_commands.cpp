@@ -6,6 +6,7 @@
 #include "app/text_table.h"
 #include "platform/files/replace.h"
 #include "scripts/ui/UC_Scripte.h"
+#include "scripts/ui/script_dialog.h"
 #include "store/active_scripts.h"
 #include "store/script_import.h"
 #include "ui/main/cv_panel.h"
@@ -42,11 +43,6 @@ QString file_name(const QString& script) {
     return possible ? script : QStringLiteral("Filename");
 }
 
-QString script_folder() {
-    const app::Globals& globals = app::globals;
-    return globals.LastScriptdir.isEmpty() ? globals.DocDir : globals.LastScriptdir;
-}
-
 void keep_folder(const QString& path) { app::globals.LastScriptdir = app::PathOf(path); }
 
 } // namespace
@@ -81,10 +77,11 @@ Script_Commands::Script_Commands(const Surroundings& at, Cv_Panel& cv_panel)
 void Script_Commands::say_refusal() {
     const auto one = at_.messages.one_command();
     const auto& why = at_.database.last_trouble();
-    const bool gone = why && why->kind == store::Failure::gone;
+    const bool stale =
+        why && (why->kind == store::Failure::gone || why->kind == store::Failure::changed);
     if (at_.view.leave_gone_set()) return;
     at_.messages.say_trouble();
-    if (gone) at_.database.DB_Load_Scripts(); // what the list shows is what is there
+    if (stale) at_.database.DB_Load_Scripts(); // what the list shows is what is there
     at_.view.Redraw_Script_List();
 }
 
@@ -166,6 +163,7 @@ void Script_Commands::ImportScripts() {
                                                  QStringLiteral("KELDA Script/Projekt "
                                                                 "(*.vqs;*.vqr)")});
     if (!path || at_.view.leave_gone_set()) return;
+    at_.view.refill_if_changed(); // how many are there, and which CVs they use
     keep_folder(*path);
     auto file = read_scripts(*path);
     if (!file) return;
@@ -228,23 +226,12 @@ void Script_Commands::keep_scripts(const scripts::Script_File& file, const QStri
 
 // To a file
 
-std::optional<QString> Script_Commands::ask_where_to_write(const QString& script) {
-    for (;;) {
-        const auto path =
-            at_.desktop.ask_save_file({script_folder(), file_name(script), script_extension,
-                                       QStringLiteral("KELDA Script (*.vqs)")});
-        if (!path || !app::FileExists(at_.disk, *path) ||
-            at_.desktop.ask_yes_no(text(Text::attention),
-                                   QStringLiteral("Script vorhanden. Überschreiben?")))
-            return path;
-    }
-}
-
 void Script_Commands::ExportScript(int position) {
     if (app::globals.ScriptWindowOpen && !at_.gate.pass()) return;
     if (!AktScripts().exists(position)) return;
     const auto script = AktScripts().Item(position); // the list may be filled anew meanwhile
-    const auto path = ask_where_to_write(script->ScriptName);
+    const auto path = scripts_ui::ask_script_file(at_.desktop, at_.disk, at_.database,
+                                                  file_name(script->ScriptName));
     if (!path) return;
     keep_folder(*path);
     write_script(*script, *path);

@@ -28,7 +28,6 @@ private:
     void MoveCollidingCVs(scripts::Script_File& file);
     void keep_scripts(const scripts::Script_File& file, const QString& name);
     void write_script(const scripts::cls_script& script, const QString& path);
-    std::optional<QString> ask_where_to_write(const QString& script);
 
     void say_refusal(); ///< of a change to a script
 

@@ -84,6 +84,9 @@ QString sentence_imported(const scripts::Script_File& file,
     append_count(said, u"Angaben zu Zeilen und Parametern, die es nicht gibt: %1.",
                  file.places_skipped);
     append_count(said, u"Felder ohne Zahl (0 eingesetzt): %1.", file.numbers_lost);
+    append_count(said, u"Texte, von denen nur der Anfang lesbar war: %1.", file.texts_cut_short);
+    append_count(said, u"Zeilen mit Zahlen außerhalb von 0 bis 255, die kein Projekt aufnimmt: %1.",
+                 report.values_wide);
     append_count(said, u"Gekürzte Texte: %1.", report.texts_cut);
     append_count(said, u"Zeilen, deren Wertquelle nur in Scriptdateien steht: %1.",
                  report.sources_lost);

@@ -42,10 +42,7 @@ void Script_Window::Open_Script(int position) {
         window_ = std::make_unique<scripts_ui::frm_script>(scripts_ui::Script_Place{
             at_.desktop, at_.disk, at_.database, at_.gate, timing::real_time(), make_cab_,
             [this](const QString& sentence) { at_.messages.say(sentence); },
-            [this] {
-                at_.view.note_state();
-                at_.view.Redraw_Script_List();
-            }});
+            [this] { at_.view.Redraw_Script_List(); }});
     window_->open(position);
 }
 
@@ -87,7 +84,6 @@ bool Script_Window::take_kept_script(const scripts_ui::Kept_Script& kept) {
         }
         at_.form.UC_Scripte1->choose(scripts::AktScripts().Count());
         at_.disk.remove(path);
-        at_.view.note_state();
         return true;
     } catch (const files::Error& error) {
         at_.messages.say_and_log(QStringLiteral("%1: ").arg(kept.path) +

@@ -4,8 +4,11 @@
 #include "scripts/ui/frm_script.h"
 #include "scripts/ui/row_fields.h"
 #include "scripts/ui/row_view.h"
+#include "scripts/ui/script_safety.h"
 #include "sim/SimDecoderState.h"
 #include "sim/ui/frm_Sim_Fahrpult.h"
+
+#include <set>
 
 using namespace ui_main;
 using testing::HasSubstr;
@@ -211,7 +214,10 @@ TEST_F(Editor_Test, a_script_that_another_copy_has_changed_is_not_stored_over_it
                        "geändert; es wurde nichts gespeichert.\nDas Script "
                        "bleibt offen. Jetzt als Script-Datei sichern?"),
         Answer::yes);
+    disk.set_bytes(file.toStdString(), {});
     desktop.expect_save(file);
+    desktop.expect_question(QStringLiteral("Achtung"),
+                            QStringLiteral("Script vorhanden. Überschreiben?"), Answer::yes);
     push("cmd_ok");
     EXPECT_NE(editor(), nullptr) << "what is not stored stays";
     EXPECT_EQ(stored_lines(), theirs);
@@ -219,6 +225,15 @@ TEST_F(Editor_Test, a_script_that_another_copy_has_changed_is_not_stored_over_it
     EXPECT_THAT(std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size()),
                 HasSubstr("\"Info\",\"meins\""));
     push("cmd_cancel");
+}
+
+TEST_F(Editor_Test, what_others_store_meanwhile_is_shown_when_it_is_closed) {
+    const int shown = sets().count();
+    write("txt_State_Info", 0, "meins");
+    put_row(u"Sets", {{u"Name", std::u16string(u"Neues")}, {u"ResCV", 8}, {u"Nummer", 99}});
+    push("cmd_ok");
+    leave_and_return();
+    EXPECT_EQ(sets().count(), shown + 1);
 }
 
 TEST_F(Editor_Test, what_is_not_stored_when_the_program_has_to_end_is_offered_at_the_next_start) {
@@ -250,6 +265,10 @@ TEST_F(Editor_Test, what_is_not_stored_when_the_program_has_to_end_is_offered_at
         open();
     }
     push("cmd_cancel");
+    std::set<QString> kept; // by several copies of the program that end at once
+    for (const char* content : {"one", "another"})
+        kept.insert(scripts_ui::keep_script(disk, content, {}, 1, 2, {}));
+    EXPECT_EQ(kept.size(), 2U);
 }
 
 TEST_F(Editor_Test, the_simulation_ends_in_whatever_way_the_windows_close) {

@@ -159,6 +159,12 @@ TEST_F(Scripts_Test, files_without_scripts_say_so) {
         EXPECT_THAT(status(), HasSubstr(each.said));
         EXPECT_THAT(names(), ElementsAre());
     }
+    put("Scripts\nScript\nName,A\nState,0\nCommand,6\nParameter,1,256\nState,1\nInfo,\"a \"b\" "
+        "c\"\n"
+        "/Scripts");
+    import();
+    EXPECT_THAT(status(), HasSubstr("Zeilen mit Zahlen außerhalb von 0 bis 255"));
+    EXPECT_THAT(status(), HasSubstr("nur der Anfang lesbar war: 1"));
     desktop.expect_open(QStringLiteral("/home/anna"));
     get<QPushButton>("cmd_import").click();
     EXPECT_THAT(status(), HasSubstr("kann nicht gelesen werden"));
@@ -174,6 +180,21 @@ TEST_F(Scripts_Test, that_cannot_be_written_leave_the_old_file) {
     get<QPushButton>("cmd_export").click();
     EXPECT_THAT(status(), HasSubstr("konnte nicht gespeichert werden"));
     EXPECT_EQ(stored(), two);
+}
+
+TEST_F(Scripts_Test, never_take_the_place_of_the_open_library) {
+    add(1);
+    const auto bytes = disk.bytes(default_path);
+    disk.link(default_path, file.toStdString());
+    for (const bool project : {false, true}) {
+        desktop.expect_save(file);
+        desktop.expect_information(QStringLiteral("Achtung"),
+                                   QStringLiteral("Unter diesem Namen liegt die geöffnete "
+                                                  "Datenbank; bitte einen anderen wählen."));
+        if (!project) desktop.expect_save({});
+        project ? choose("mnu_export_oem") : get<QPushButton>("cmd_export").click();
+    }
+    EXPECT_EQ(disk.bytes(file.toStdString()), bytes);
 }
 
 TEST_F(Scripts_Test, are_added_up_to_sixteen) {
@@ -194,6 +215,39 @@ TEST_F(Scripts_Test, are_added_up_to_sixteen) {
     choose("mnu_undo");
     EXPECT_THAT(names(), testing::AllOf(testing::SizeIs(16), testing::Contains("Script15")));
     EXPECT_TRUE(list().topLevelItem(3)->isSelected()) << "the same script";
+}
+
+TEST_F(Scripts_Test, that_others_have_added_or_deleted_are_seen_before_a_position_is_used) {
+    add(14);
+    const auto others = [&](const char16_t* name) {
+        put_row(u"Scripte",
+                {{u"SetID", database.AktCVSetID()}, {u"ScriptName", std::u16string(name)}});
+    };
+    others(u"15");
+    add(1);
+    EXPECT_THAT(names(), testing::AllOf(testing::SizeIs(15), testing::Contains("15")));
+    EXPECT_THAT(status(), HasSubstr("anderswo geändert"));
+    others(u"16");
+    put(two);
+    import([&] {
+        desktop.expect_information(QStringLiteral("Information"),
+                                   QStringLiteral("Maximal 16 Scripte möglich!"));
+});
+EXPECT_THAT(names(), testing::AllOf(testing::SizeIs(16), testing::Contains("16")));
+{
+    auto library = jet::Database::open(disk, default_path, jet::Mode::read_write);
+    const jet::Table stored = library.table(u"Scripte").value();
+    const auto set = stored.column(u"SetID").value();
+    for (auto row = stored.rows(); row.next();)
+        if (row.integer(set) == database.AktCVSetID()) {
+            stored.erase(row.id());
+            break;
+        }
+}
+click(box(1));
+EXPECT_THAT(names(), testing::SizeIs(15));
+EXPECT_THAT(active(), HasSubstr("1 2 3 ")) << "another script would have been switched off";
+EXPECT_THAT(active(), testing::Not(HasSubstr("CV#837")));
 }
 
 TEST_F(Scripts_Test, are_renamed_in_place) {
