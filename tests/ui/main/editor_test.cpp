@@ -327,7 +327,8 @@ TEST_F(Editor_Test, what_is_typed_stays_with_its_line) {
 
 TEST_F(Editor_Test, at_the_end_of_the_program_nothing_is_asked_and_nothing_stays) {
     push("cmd_Pause");
-    QTest::mouseClick(&at("break_margin", 0), Qt::RightButton);
+    at("combo_Command", 0).setFocus();
+    press(Qt::Key_F9, Qt::ShiftModifier); // the condition of a break point
     const QPointer<QDialog> dialog = editor()->findChild<QDialog*>();
     ASSERT_NE(dialog, nullptr);
     at("combo_Command", 1).setFocus();
