@@ -3,10 +3,9 @@
 // median processor times until the editor is painted, and of scrolling the longer one by a line, in
 // milliseconds.
 
+#include "shown_window.h"
+
 #include "scripts/cls_script_coll.h"
-#include "store/clsDBConn.h"
-#include "ui/desktop/qt_desktop.h"
-#include "ui/main/Frm_Main.h"
 
 #include <QApplication>
 #include <QPushButton>
@@ -16,7 +15,6 @@
 #include <ctime>
 #include <functional>
 #include <iostream>
-#include <memory>
 #include <vector>
 
 namespace {
@@ -52,14 +50,8 @@ double median(std::vector<double> times) {
 } // namespace
 
 int main(int argc, char** argv) {
-    QApplication application(argc, argv);
-    ui_desktop::Qt_Desktop desktop;
-    const link_ui::Link_Ports no_ports{[] { return std::unique_ptr<serial::SComm>(); },
-                                       timing::real_time(), link_transport::real_bit_loop()};
-    ui_main::Frm_Main window(desktop, files::real_disk(), store::DBConn(), no_ports);
-    window.load();
-    window.show();
-    QCoreApplication::processEvents();
+    Shown_Window shown(argc, argv);
+    ui_main::Frm_Main& window = shown.window;
     const int before = scripts::AktScripts().Count();
     add_script(10);
     add_script(256);

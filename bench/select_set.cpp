@@ -1,9 +1,7 @@
 // bench_select: opens the program's window on its default library and goes from set to set. Prints
 // the median processor time of one change, repainting included, in milliseconds for 1,000 CVs.
 
-#include "store/clsDBConn.h"
-#include "ui/desktop/qt_desktop.h"
-#include "ui/main/Frm_Main.h"
+#include "shown_window.h"
 #include "ui/main/entry_list.h"
 
 #include <QApplication>
@@ -11,7 +9,6 @@
 #include <algorithm>
 #include <ctime>
 #include <iostream>
-#include <memory>
 #include <vector>
 
 namespace {
@@ -30,14 +27,8 @@ double change(ui_main::Entry_List& sets, const ui_main::Entry_List& cvs, int row
 } // namespace
 
 int main(int argc, char** argv) {
-    QApplication application(argc, argv);
-    ui_desktop::Qt_Desktop desktop;
-    const link_ui::Link_Ports no_ports{[] { return std::unique_ptr<serial::SComm>(); },
-                                       timing::real_time(), link_transport::real_bit_loop()};
-    ui_main::Frm_Main window(desktop, files::real_disk(), store::DBConn(), no_ports);
-    window.load();
-    window.show();
-    QCoreApplication::processEvents();
+    Shown_Window shown(argc, argv);
+    ui_main::Frm_Main& window = shown.window;
     auto* sets = window.findChild<ui_main::Entry_List*>(QStringLiteral("lst_sets"));
     const auto* cvs = window.findChild<ui_main::Entry_List*>(QStringLiteral("lst_CVs"));
     if (sets == nullptr || cvs == nullptr || sets->count() < 2 || cvs->count() == 0) {

@@ -166,8 +166,9 @@ public:
     [[nodiscard]] bool DB_Add_Script(std::int32_t position);
     /// Refuses (changed) when positions no longer name the scripts that were loaded.
     [[nodiscard]] bool expect_script_positions();
-    /// Replaces the stored states. Every row is checked before the old ones go: a refusal leaves
-    /// them as they were. Refuses (changed) when they are no longer those that were loaded.
+    /// Makes the stored states those of the script: equal rows stay, others change in place, missing
+    /// ones are added and surplus ones go; numbers outside 0..255 stay. Every row is checked before
+    /// anything is changed. Refuses (changed) when they are no longer those that were loaded.
     [[nodiscard]] bool DB_Save_Script_States(std::int32_t position);
     [[nodiscard]] bool DB_Rename_Script(std::int32_t position);
     /// Deletes a script with its states; it stays in AktScripts.

@@ -129,8 +129,13 @@ void Entry_Box::end_typing() {
 
 void Entry_Box::focusInEvent(QFocusEvent* event) {
     QComboBox::focusInEvent(event);
-    if (event->reason() != Qt::PopupFocusReason)
-        QMetaObject::invokeMethod(lineEdit(), &QLineEdit::selectAll, Qt::QueuedConnection);
+    if (event->reason() == Qt::PopupFocusReason) return;
+    lineEdit()->selectAll();
+    if (event->reason() != Qt::MouseFocusReason) return;
+    const auto select = [this] { // once more behind the click, which puts the cursor somewhere
+        if (!typing_ && hasFocus()) lineEdit()->selectAll();
+    };
+    QMetaObject::invokeMethod(this, select, Qt::QueuedConnection);
 }
 
 void Entry_Box::focusOutEvent(QFocusEvent* event) {

@@ -68,7 +68,9 @@ std::vector<Kept_Script> kept_scripts(files::Disk& disk, const QString& library)
 
 void set_kept_aside(files::Disk& disk, const Kept_Script& script) {
     try {
-        const QString aside = script.path + QStringLiteral(".alt");
+        QString aside = script.path + QStringLiteral(".alt");
+        for (int number = 2; disk.file_exists(aside.toStdString()); ++number)
+            aside = script.path + QStringLiteral(".alt%1").arg(number);
         disk.rename(script.path.toStdString(), aside.toStdString());
     } catch (const files::Error&) {
         // Then it is offered again.

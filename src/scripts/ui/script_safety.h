@@ -25,7 +25,8 @@ QString keep_script(files::Disk& disk, const QByteArray& file, const QString& na
 /// Those of a library; none where the folder cannot be read.
 std::vector<Kept_Script> kept_scripts(files::Disk& disk, const QString& library);
 
-/// It stays where it is, but is not offered any more. Does nothing where that fails.
+/// It stays where it is, since its letters or a value may have no room in the library, but is not
+/// offered any more. Does nothing where that fails.
 void set_kept_aside(files::Disk& disk, const Kept_Script& script);
 
 /// The letters of a script's name that any file may have.

@@ -83,7 +83,7 @@ bool Script_Window::take_kept_script(const scripts_ui::Kept_Script& kept) {
             return false;
         }
         at_.form.UC_Scripte1->choose(scripts::AktScripts().Count());
-        at_.disk.remove(path);
+        scripts_ui::set_kept_aside(at_.disk, kept);
         return true;
     } catch (const files::Error& error) {
         at_.messages.say_and_log(QStringLiteral("%1: ").arg(kept.path) +

@@ -12,7 +12,6 @@
 
 using namespace ui_main;
 using testing::HasSubstr;
-using Closing = scripts_ui::frm_script::Closing;
 
 namespace {
 
@@ -194,6 +193,20 @@ TEST_F(Editor_Test, lines_are_written_inserted_copied_and_deleted) {
                       Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
     QApplication::sendEvent(&at("combo_Command", 2), &wheel);
     EXPECT_EQ(shown("combo_Command", 2), third) << "the wheel scrolls and chooses nothing";
+}
+
+TEST_F(Editor_Test, a_second_click_means_the_number_that_was_seen) {
+    const std::string one = shown("combo_Command", 1), two = shown("combo_Command", 2);
+    ASSERT_NE(one, two);
+    auto* rows = editor()->findChild<scripts_ui::Row_View*>();
+    for (const quint64 later : {0U, 60'000U}) { // before the new numbers are drawn, and after
+        Q_EMIT rows->number_clicked(0, 1000);
+        Q_EMIT rows->number_clicked(2, 1000 + later);
+        EXPECT_EQ(shown("combo_Command", 0), later == 0 ? two : one);
+        push("cmd_undo");
+        push("cmd_undo");
+    }
+    push("cmd_cancel");
 }
 
 TEST_F(Editor_Test, a_script_that_another_copy_has_changed_is_not_stored_over_it) {

@@ -96,6 +96,31 @@ struct Window_Manager_Test : Main_Window_Test {
         }
         EXPECT_EQ(window->frameGeometry().topLeft(), QPoint(20, 40)) << "left and top of the frame";
     }
+    /// A script is opened in front, ready to be written, and gives the front back.
+    void look_at_editor() {
+        put_settings("");
+        placed();
+        add_set("Neu");
+        get<QPushButton>("cmd_Add").click();
+        window->Open_Script(1);
+        QWidget* editor = nullptr;
+        for (QWidget* top : QApplication::topLevelWidgets())
+            if (top->objectName() == QStringLiteral("frm_script")) editor = top;
+        ASSERT_NE(editor, nullptr);
+        ASSERT_TRUE(QTest::qWaitForWindowActive(editor));
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            return window_room().contains(editor->frameGeometry());
+        })) << QTest::toString(editor->frameGeometry());
+        EXPECT_TRUE(QTest::qWaitFor([] { return focus() == "combo_Command_0"; })) << focus();
+        type("gehe zu");
+        press(Qt::Key_Tab);
+        EXPECT_EQ(focus(), "combo_Param1_0");
+        press(Qt::Key_Down);
+        EXPECT_EQ(focus(), "combo_Command_1") << "the unused line has nothing else";
+        editor->findChild<QPushButton*>(QStringLiteral("cmd_cancel"))->click();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return window->isActiveWindow(); }));
+        window->close();
+    }
     static QRect window_room() { return QGuiApplication::primaryScreen()->availableGeometry(); }
 };
 
@@ -104,6 +129,7 @@ struct Window_Manager_Test : Main_Window_Test {
 TEST_F(Window_Manager_Test, all_of_the_window_is_seen_and_comes_back_to_its_place) {
     if (qEnvironmentVariableIsSet("CV_SETS_TEST_DISPLAY")) {
         look();
+        look_at_editor();
         return;
     }
     for (const char* needed : {"Xvfb", "openbox"})
