@@ -26,6 +26,13 @@ constexpr int first_volume_cv = 10; ///< entry of the list of volumes
 constexpr int first_key_cv = 30;    ///< entry of the list of keys
 constexpr int key_entries = 72;     ///< with two CVs more than the catalogue offers
 
+/// As they stand within the text of a line; the lists of the editor have names of their own.
+constexpr catalogue::Text comparisons[] = {{u"ist gleich", u"is equal to"},
+                                           {u"ist ungleich", u"is not equal to"},
+                                           {u"ist größer als", u"is greater than"},
+                                           {u"ist kleiner als", u"is less than"}};
+constexpr int comparison_count = static_cast<int>(std::size(comparisons));
+
 QString table_text(int number, const Text_Context& context) {
     return app::TextTable.text(number, context.language);
 }
@@ -204,7 +211,6 @@ QString GetColumnText(cls_script& script, int state, int column, const Text_Cont
     script.CurrentState = state;
     script.ShowCVValues = false;
     const cls_Scriptstate& line = std::as_const(script).GetState(state);
-    constexpr int comparisons = 4;
     const auto text = [&]() -> std::array<QString, 5> {
         switch (line.GetCommand()) {
         case start_sound:
@@ -223,9 +229,9 @@ QString GetColumnText(cls_script& script, int state, int column, const Text_Cont
         case query_parameter: {
             const QString name = catalogue::QueryParameterName(line.GetPar(0), context.language);
             return {name.isEmpty() ? u"unknown"_s : name,
-                    text_of(List::comparison, line.GetPar(1) & (comparisons - 1), context.language),
+                    comparisons[line.GetPar(1) & (comparison_count - 1)].in(context.language),
                     QString::number(line.GetPar(2)),
-                    CVSourceText(line.GetPar(1) >= comparisons, line.GetPar(2)),
+                    CVSourceText(line.GetPar(1) >= comparison_count, line.GetPar(2)),
                     JumpText(line.GetPar(3))};
         }
         default:

@@ -4,6 +4,7 @@
 #include "export/read_vqx.h"
 
 #include "platform/files/replace.h"
+#include "scripts/script_session.h"
 #include "store/clsDBConn.h"
 
 namespace vqx_export {
@@ -25,7 +26,20 @@ TEST(Sample_Libraries, come_out_with_every_cv_and_script_or_tell_what_is_missing
         const auto report = library.save(File_Type::oem);
         ASSERT_EQ(report.written, sample != "library_2003") << "a parameter above 255";
         if (!report.written) continue;
-        const Read_Vqx read(library.file());
+        const auto written = library.file();
+        for (const auto& set : library.script_sets.NewEnum()) {
+            connection.AktCVSetID(set->SetID);
+            connection.DB_Load_Scripts();
+            for (int i = 1; i <= scripts::AktScripts().Count(); ++i) {
+                const auto script = scripts::AktScripts().Item(i);
+                scripts::Script_Session(*script).write_back(*script);
+                EXPECT_TRUE(connection.DB_Save_Script_States(i));
+            }
+        }
+        connection.Fill_Scripts_in_ScriptsObj(library.script_sets);
+        library.save(File_Type::oem);
+        EXPECT_EQ(library.file() == written, true) << "scripts stored without an edit";
+        const Read_Vqx read(written);
         ASSERT_EQ(read.sets.size(), static_cast<std::size_t>(library.sets.Count()));
         const auto& left = report.left_out_cvs;
         auto cvs = left.out_of_range + left.covered + left.repeated - library.sets.CVs_Left_Out;

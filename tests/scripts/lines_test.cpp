@@ -3,10 +3,13 @@
 #include "app/mod_main.h"
 #include "scripts/catalogue/commands.h"
 #include "scripts/cls_Scriptstate.h"
+#include "scripts/line_columns.h"
 #include "scripts/line_forms.h"
 #include "scripts/script_texts.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <iostream>
 
 using namespace scripts;
 namespace catalogue = scripts_catalogue;
@@ -160,6 +163,42 @@ TEST(Script_Lines, have_lists_that_follow_the_line) {
     for (const auto& row : rows)
         EXPECT_EQ(list_of(*catalogue::command(row.command), row.column, row.editor), row.list)
             << row.command << ", column " << row.column;
+}
+
+/// Calls `visit` with lines in editor form: each entry of each column, with first and last entries in
+/// all others.
+template <class Visit>
+void for_entries(const cls_Scriptstate& begun, int column, int varied, Visit visit) {
+    if (column == catalogue::most_columns) return visit(begun);
+    const int count = offered_entries(column_of(begun, column, 0).list);
+    if (count == 0) return for_entries(begun, column + 1, varied, visit);
+    for (int entry = 0; entry < count; entry += column == varied ? 1 : std::max(1, count - 1)) {
+        cls_Scriptstate chosen = begun;
+        choose_entry(chosen, column, entry);
+        for_entries(chosen, column + 1, varied, visit);
+    }
+}
+
+TEST(Script_Lines, come_back_from_every_form_whatever_the_lists_offer) {
+    int trips = 0, faults = 0;
+    const auto there_and_back = [&](const cls_Scriptstate& editor) {
+        const auto decoder = converted(editor, Form::editor, Form::decoder);
+        bool same = true;
+        for (const Form form : {Form::editor, Form::file})
+            same &=
+                converted(converted(decoder, Form::decoder, form), form, Form::decoder) == decoder;
+        same &= converted(decoder, Form::decoder, Form::editor) == editor;
+        for (int par = 0; par < cls_Scriptstate::par_count; ++par)
+            same &= decoder.GetPar(par) >= 0 && decoder.GetPar(par) <= 255;
+        ++trips;
+        if (!same && ++faults < 10)
+            ADD_FAILURE() << shown(editor) << " is " << shown(decoder) << " in the decoder";
+    };
+    for (const catalogue::Command& command : catalogue::commands())
+        for (int varied = 0; varied < catalogue::most_columns; ++varied)
+            for_entries(line(command.code, {}), 0, varied, there_and_back);
+    EXPECT_EQ(faults, 0);
+    std::cout << trips << " lines went into the decoder's form, the file's and back\n";
 }
 
 // Whatever stands in a library is converted without going out of bounds, and what was converted once

@@ -59,10 +59,10 @@ TEST_F(Script_Texts, of_columns) {
           {4, {29, 2, 0}, {"Wenn MAN", "ist Ein", "dann gehe zu State 0", "", ""}},
           {5,
            {30, 6, 5, 9},
-           {"unknown", "Ist Größer als", "5", "in CV#985", "dann gehe zu State 9"}},
+           {"unknown", "ist größer als", "5", "in CV#985", "dann gehe zu State 9"}},
           {5,
            {22, 1, 5, 9},
-           {"Aktueller Betriebsmodus (nur QR)", "Ist Ungleich", "5", "in CV#-",
+           {"Aktueller Betriebsmodus (nur QR)", "ist ungleich", "5", "in CV#-",
             "dann gehe zu State 9"}},
           {9, {1, 1, 1}, {"", "", "", "", ""}}}) {
         SCOPED_TRACE(expected.command);

@@ -63,6 +63,20 @@ TEST_F(Script_Import, cuts_what_has_no_room_and_counts_it) {
     EXPECT_EQ(library::faults(disk, "a.mdb"), std::vector<std::string>());
 }
 
+// Nobody knows then how many more there may be, nor which CVs the others use.
+TEST_F(Script_Import, does_nothing_beside_scripts_that_were_not_loaded) {
+    clsDBConn db(disk);
+    choose_set(db);
+    ASSERT_TRUE(import_scripts(db, long_ones()).kept);
+    const auto before = undo::content(disk);
+    const int count = AktScripts().Count();
+    AktScripts().Remove(1);
+    EXPECT_FALSE(import_scripts(db, long_ones()).kept);
+    EXPECT_EQ(library::trouble(db), "changed");
+    EXPECT_EQ(undo::content(disk), before);
+    EXPECT_EQ(AktScripts().Count(), count) << "now they are loaded";
+}
+
 TEST_F(Script_Import, happens_whole_or_not_at_all) {
     const auto before = undo::content(disk);
     files::Memory_Disk changed = disk.copy();
