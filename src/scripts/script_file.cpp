@@ -14,6 +14,8 @@ using namespace Qt::Literals::StringLiterals;
 namespace scripts {
 namespace {
 
+const QByteArray utf8_mark = "\xEF\xBB\xBF";
+
 class Section_Reader {
 public:
     explicit Section_Reader(const QString& text)
@@ -127,11 +129,15 @@ private:
 } // namespace
 
 Script_File read_script_file(const QByteArray& bytes) {
-    const QString text = app::from_code_page(bytes);
+    const QString text = bytes.startsWith(utf8_mark)
+                             ? QString::fromUtf8(bytes.sliced(utf8_mark.size()))
+                             : app::from_code_page(bytes);
     return Section_Reader(text).read();
 }
 
-QByteArray script_file_of(const cls_script& script, int& replaced) {
+namespace {
+
+QString records_of(const cls_script& script) {
     app::Record_Writer records;
     const auto word = [&records](const char16_t* text) -> app::Record_Writer& {
         return records.text(QStringView(text));
@@ -148,7 +154,17 @@ QByteArray script_file_of(const cls_script& script, int& replaced) {
         word(u"Info").text(line.Info).end_record();
     }
     word(u"/Scripts").end_record();
-    return app::to_code_page(records.written(), replaced);
+    return records.written();
+}
+
+} // namespace
+
+QByteArray script_file_of(const cls_script& script, int& replaced) {
+    return app::to_code_page(records_of(script), replaced);
+}
+
+QByteArray whole_script_file_of(const cls_script& script) {
+    return utf8_mark + records_of(script).toUtf8();
 }
 
 } // namespace scripts

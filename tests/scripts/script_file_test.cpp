@@ -61,6 +61,7 @@ TEST(Script_File, comes_back_with_every_text) {
     script->ScriptName = QStringLiteral("✓");
     std::ignore = script_file_of(*script, replaced);
     EXPECT_EQ(replaced, 1);
+    EXPECT_EQ(told(*read_script_file(whole_script_file_of(*script)).scripts.at(0)), told(*script));
 }
 
 struct Reading {

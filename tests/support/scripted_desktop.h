@@ -67,6 +67,9 @@ public:
         const QString said = answer(box("question", title, text));
         return said.isEmpty() ? Answer::cancel : said == u"yes" ? Answer::yes : Answer::no;
     }
+    Answer ask_whether_to_keep(const QString& title, const QString& text) override {
+        return ask_yes_no_cancel(title, text);
+    }
     bool ask_yes_no(const QString& title, const QString& text) override {
         return answer(box("question", title, text)) == u"yes";
     }

@@ -63,6 +63,9 @@ public:
     enum class Answer { yes, no, cancel };
     /// A question with the buttons Yes, No and Cancel; closing the box means Cancel.
     [[nodiscard]] virtual Answer ask_yes_no_cancel(const QString& title, const QString& text) = 0;
+    /// Whether to keep what would be lost otherwise, with the buttons Yes and No; Enter means Yes.
+    /// Closing the box answers nothing: Cancel.
+    [[nodiscard]] virtual Answer ask_whether_to_keep(const QString& title, const QString& text) = 0;
     /// A question with the buttons Yes and No; closing the box means No.
     [[nodiscard]] virtual bool ask_yes_no(const QString& title, const QString& text) = 0;
     virtual void inform(const QString& title, const QString& text) = 0;

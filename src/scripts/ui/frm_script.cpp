@@ -258,11 +258,9 @@ bool frm_script::leave_changes(Closing how) {
     if (how == Closing::ok) return save();
     using Answer = desktop::Desktop::Answer;
     const QString title = app::TextTable.text(198), question = app::TextTable.text(305);
-    Answer answer = Answer::cancel;
-    if (how == Closing::close_box)
-        answer = place_.desktop.ask_yes_no_cancel(title, question);
-    else
-        answer = place_.desktop.ask_yes_no(title, question) ? Answer::yes : Answer::no;
+    const Answer answer = how == Closing::close_box
+                              ? place_.desktop.ask_yes_no_cancel(title, question)
+                              : place_.desktop.ask_whether_to_keep(title, question);
     if (!session_) return true; // the program has ended meanwhile, and asked nobody
     if (answer == Answer::yes) return save();
     return answer == Answer::no;
@@ -299,14 +297,13 @@ bool frm_script::save() {
     return true;
 }
 
-QByteArray frm_script::as_file() const {
+cls_script frm_script::in_file_form() const {
     cls_script decoder, file;
     decoder.CopyHeader(session_->working());
     decoder.ScriptName = name_;
     session_->write_back(decoder);
     file.Import_vqx_2_vqr(decoder);
-    int replaced = 0;
-    return scripts::script_file_of(file, replaced);
+    return file;
 }
 
 void frm_script::offer_file(const QString& reason) {
@@ -318,10 +315,15 @@ void frm_script::offer_file(const QString& reason) {
         ask_script_file(place_.desktop, place_.disk, place_.database, plain_file_name(name_));
     if (!path || !session_) return;
     try {
-        const QByteArray bytes = as_file();
+        int replaced = 0;
+        const QByteArray bytes = scripts::script_file_of(in_file_form(), replaced);
         files::replace_file(place_.disk, path->toStdString(),
                             std::as_bytes(std::span(bytes.begin(), bytes.end())));
-        form_->lab_status->say(QStringLiteral("Als Script-Datei gesichert."));
+        const QString lost =
+            replaced == 0 ? QString()
+                          : QStringLiteral(" Zeichen, die eine Scriptdatei nicht kennt („?“): %1.")
+                                .arg(replaced);
+        form_->lab_status->say(QStringLiteral("Als Script-Datei gesichert.") + lost);
     } catch (const files::Error& error) {
         form_->lab_status->say(QStringLiteral("Die Script-Datei kann nicht geschrieben werden: ") +
                                ui_parts::reason(error.kind));
@@ -337,13 +339,18 @@ void frm_script::put_into_safety() {
     if (session_->changed()) {
         try {
             const QString path =
-                keep_script(place_.disk, as_file(), name_, SetID_, ScriptID_, library_);
+                keep_script(place_.disk, scripts::whole_script_file_of(in_file_form()), name_,
+                            SetID_, ScriptID_, library_);
             if (place_.say)
                 place_.say(
                     QStringLiteral("Das Script „%1“ war nicht gespeichert und liegt nun in %2.")
                         .arg(ui_parts::shortened(name_), path));
-        } catch (const files::Error&) {
-            // The program ends all the same; there is nobody to ask.
+        } catch (const files::Error& error) { // there is nobody to ask
+            if (place_.say)
+                place_.say(QStringLiteral("Das Script „%1“ war nicht gespeichert und konnte nicht "
+                                          "gesichert werden: ")
+                               .arg(ui_parts::shortened(name_)) +
+                           ui_parts::reason(error.kind));
         }
     }
     end();

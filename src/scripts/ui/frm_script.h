@@ -77,7 +77,7 @@ private:
     bool leave_changes(Closing how);
     bool save();
     void offer_file(const QString& reason);
-    QByteArray as_file() const;
+    scripts::cls_script in_file_form() const;
     void end();
     int position() const; ///< of the script in AktScripts; 0: it is not there
     scripts::Text_Context texts();

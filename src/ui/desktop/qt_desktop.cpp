@@ -8,6 +8,7 @@
 #include <QFileDialog>
 #include <QHeaderView>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QScreen>
 #include <QSplitter>
 #include <QTreeView>
@@ -39,13 +40,20 @@ std::optional<QString> answer(QFileDialog& dialog) {
     return QDir::toNativeSeparators(path);
 }
 
-int ask(const QString& title, const QString& text, QMessageBox::StandardButtons buttons) {
-    QMessageBox box(QMessageBox::Question, title, text, buttons, QApplication::activeWindow());
+desktop::Desktop::Answer answer(QMessageBox& box) {
+    using enum desktop::Desktop::Answer;
     box.setTextFormat(Qt::PlainText);
+    const int said = box.exec();
+    return said == QMessageBox::Yes ? yes : said == QMessageBox::No ? no : cancel;
+}
+
+desktop::Desktop::Answer ask(const QString& title, const QString& text,
+                             QMessageBox::StandardButtons buttons) {
+    QMessageBox box(QMessageBox::Question, title, text, buttons, QApplication::activeWindow());
     const bool can_cancel = buttons.testFlag(QMessageBox::Cancel);
     // what cannot be taken back is not one key away
     box.setDefaultButton(can_cancel ? QMessageBox::Cancel : QMessageBox::No);
-    return box.exec();
+    return answer(box);
 }
 
 desktop::Bounds bounds(const QRect& place) {
@@ -96,18 +104,22 @@ std::optional<QString> Qt_Desktop::ask_folder(const QString& initial) {
 }
 
 desktop::Desktop::Answer Qt_Desktop::ask_yes_no_cancel(const QString& title, const QString& text) {
-    switch (ask(title, text, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel)) {
-    case QMessageBox::Yes:
-        return Answer::yes;
-    case QMessageBox::No:
-        return Answer::no;
-    default:
-        return Answer::cancel;
-    }
+    return ask(title, text, QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+}
+
+desktop::Desktop::Answer Qt_Desktop::ask_whether_to_keep(const QString& title,
+                                                         const QString& text) {
+    QMessageBox box(QMessageBox::Question, title, text, QMessageBox::Yes | QMessageBox::No,
+                    QApplication::activeWindow());
+    QPushButton* nothing = box.addButton(QMessageBox::Cancel); // else Escape would press No
+    nothing->hide();
+    box.setEscapeButton(nothing);
+    box.setDefaultButton(QMessageBox::Yes);
+    return answer(box);
 }
 
 bool Qt_Desktop::ask_yes_no(const QString& title, const QString& text) {
-    return ask(title, text, QMessageBox::Yes | QMessageBox::No) == QMessageBox::Yes;
+    return ask(title, text, QMessageBox::Yes | QMessageBox::No) == Answer::yes;
 }
 
 void Qt_Desktop::inform(const QString& title, const QString& text) {

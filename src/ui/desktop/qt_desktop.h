@@ -19,6 +19,7 @@ public:
     std::optional<QString> ask_save_file(const desktop::File_Choice& choice) override;
     std::optional<QString> ask_folder(const QString& initial) override;
     Answer ask_yes_no_cancel(const QString& title, const QString& text) override;
+    Answer ask_whether_to_keep(const QString& title, const QString& text) override;
     bool ask_yes_no(const QString& title, const QString& text) override;
     void inform(const QString& title, const QString& text) override;
 };

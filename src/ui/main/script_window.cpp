@@ -51,15 +51,14 @@ void Script_Window::offer_kept_scripts() {
          scripts_ui::kept_scripts(at_.disk, at_.database.database_file())) {
         at_.view.show_set(kept.SetID);
         if (at_.view.selected_set() != kept.SetID || !at_.database.writable()) continue;
-        const bool wanted = at_.desktop.ask_yes_no(
+        const auto wanted = at_.desktop.ask_whether_to_keep(
             app::TextTable.text(198),
             QStringLiteral("Das Script „%1“ des CV-Sets „%2“ war am Ende des Programms nicht "
                            "gespeichert. Jetzt als neues Script in das CV-Set übernehmen?")
                 .arg(ui_parts::shortened(kept.name), at_.view.shown_set()));
-        if (!wanted)
-            scripts_ui::set_kept_aside(at_.disk, kept);
-        else if (!take_kept_script(kept))
-            return;
+        using enum desktop::Desktop::Answer;
+        if (wanted == no) scripts_ui::set_kept_aside(at_.disk, kept);
+        if (wanted == yes && !take_kept_script(kept)) return;
     }
 }
 

@@ -78,6 +78,7 @@ struct Qt_Desktop_Test : testing::Test {
             EXPECT_EQ(dialog.windowTitle(), QStringLiteral("Achtung"));
             std::vector<std::string> texts;
             for (QPushButton* each : dialog.findChildren<QPushButton*>()) {
+                if (each->isHidden()) continue;
                 texts.push_back(each->text().remove(u'&').toStdString());
                 if (texts.back() == button) each->click();
             }
@@ -166,6 +167,12 @@ TEST_F(Qt_Desktop_Test, questions_are_german_and_closing_them_means_no) {
          {std::tuple(Qt::Key_Return, "", Answer::cancel), {Qt::Key{}, "Nein", Answer::no}}) {
         answer(key, button, {"Ja", "Nein", "Abbrechen"});
         EXPECT_EQ(desktop.ask_yes_no_cancel(title, QStringLiteral("Speichern?")), said);
+    }
+    for (const auto& [key, button, said] : {std::tuple(Qt::Key_Escape, "", Answer::cancel),
+                                            {Qt::Key_Return, "", Answer::yes},
+                                            {Qt::Key{}, "Nein", Answer::no}}) {
+        answer(key, button, {"Ja", "Nein"});
+        EXPECT_EQ(desktop.ask_whether_to_keep(title, QStringLiteral("Speichern?")), said);
     }
 }
 

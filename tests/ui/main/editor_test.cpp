@@ -118,7 +118,8 @@ TEST_F(Editor_Test, closes_with_its_questions_and_stores_what_is_wanted) {
                         {"box, no", by_box, true, Answer::no, false, false},
                         {"box, cancel", by_box, true, Answer::cancel, true, false},
                         {"another script, yes", by_other, true, Answer::yes, true, true},
-                        {"another script, no", by_other, true, Answer::no, true, false}};
+                        {"another script, no", by_other, true, Answer::no, true, false},
+                        {"another script, Escape", by_other, true, Answer::cancel, true, false}};
     const auto untouched = stored_lines();
     int n = 0;
     for (const Way& way : ways) {
@@ -258,14 +259,16 @@ TEST_F(Editor_Test, what_is_not_stored_when_the_program_has_to_end_is_offered_at
         const QString set = QString::fromStdString(selected(sets()).front());
         window->unload();
         EXPECT_EQ(stored_lines(), untouched);
-        desktop.expect_question(
-            title,
-            QStringLiteral("Das Script „%1“ des CV-Sets „%2“ war am Ende des Programms nicht "
-                           "gespeichert. Jetzt als neues Script in das CV-Set übernehmen?")
-                .arg(name, set),
-            wanted ? Answer::yes : Answer::no);
-        start_bare();
-        QApplication::processEvents();
+        for (const Answer answer : {Answer::cancel, wanted ? Answer::yes : Answer::no}) {
+            desktop.expect_question(
+                title,
+                QStringLiteral("Das Script „%1“ des CV-Sets „%2“ war am Ende des Programms nicht "
+                               "gespeichert. Jetzt als neues Script in das CV-Set übernehmen?")
+                    .arg(name, set),
+                answer);
+            start_bare();
+            QApplication::processEvents();
+        }
         EXPECT_EQ(database.AktCVSetID(), set_with_scripts);
         ASSERT_EQ(scripts::AktScripts().Count(), scripts + (wanted ? 1 : 0));
         if (wanted) {
