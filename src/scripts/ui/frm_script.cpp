@@ -50,6 +50,11 @@ void frm_script::wire() {
     connect(rows, &Row_View::number_clicked, this, &frm_script::number_clicked);
     connect(rows, &Row_View::delete_wanted, this, &frm_script::ask_to_delete);
     connect(rows, &Row_View::margin_clicked, this, &frm_script::toggle_break);
+    connect(rows, &Row_View::info_cut, this, [this](int longest) {
+        form_->lab_status->say(
+            QStringLiteral("Die Info hat Platz für %1 Zeichen; der Rest ist abgeschnitten.")
+                .arg(longest));
+    });
     connect(rows, &Row_View::undo_wanted, this, &frm_script::undo);
     connect(rows, &Row_View::redo_wanted, this, &frm_script::redo);
     connect(rows, &Row_View::left, this, [this](bool forward) {
@@ -105,7 +110,7 @@ void frm_script::show_rows() {
              },
          .simulated_line =
              [this] { return simulation_ ? sim::SimDecoderState().SimCurrentState : -1; },
-         .longest_info = std::max(1, place_.database.script_info_width())});
+         .longest_info = info_width()});
     {
         const QSignalBlocker on(form_->chk_info_on), off(form_->chk_info_off),
             size(form_->Sli_Info);
@@ -123,6 +128,12 @@ void frm_script::follow_info() {
     app::globals.Script_Info_Size = static_cast<std::int16_t>(form_->Sli_Info->value());
     form_->Picture1->show_info_column(form_->chk_info_on->isChecked(),
                                       form_->chk_info_off->isChecked(), form_->Sli_Info->value());
+}
+
+int frm_script::info_width() {
+    constexpr int usual = 255;
+    const int width = place_.database.script_info_width();
+    return width > 0 ? width : usual;
 }
 
 scripts::Text_Context frm_script::texts() {

@@ -81,6 +81,7 @@ private:
     void end();
     int position() const; ///< of the script in AktScripts; 0: it is not there
     scripts::Text_Context texts();
+    int info_width(); ///< in characters
 
     void switch_simulation();
     void begin_simulation();

@@ -6,6 +6,7 @@
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QScopedValueRollback>
 #include <QSignalBlocker>
 #include <QWheelEvent>
 
@@ -14,6 +15,9 @@ namespace {
 
 const QColor signal_red(0xFF, 0, 0);
 const QColor light_red(0xFF, 0xC0, 0xC0);
+
+/// As other programs that read the library write lines.
+QString stored_form(QString shown) { return shown.replace(u'\n', QStringLiteral("\r\n")); }
 
 } // namespace
 
@@ -166,13 +170,52 @@ Info_Field::Info_Field(QWidget* parent) : QPlainTextEdit(parent) {
     setTabChangesFocus(true);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     document()->setDocumentMargin(2);
+    connect(document(), &QTextDocument::contentsChange, this, &Info_Field::note_what_came);
 }
 
 void Info_Field::show_info(const QString& info, int longest) {
     longest_ = longest;
-    if (info == info_ && (hasFocus() || toPlainText() == info)) return;
+    if (info == info_ && (hasFocus() || toPlainText() == shown_)) return;
+    put(info);
+}
+
+void Info_Field::put(const QString& info) {
+    const QScopedValueRollback putting(putting_, true);
     info_ = info;
     setPlainText(info);
+    shown_ = toPlainText();
+    came_.reset();
+}
+
+/// A document must not be changed while it tells of a change.
+void Info_Field::note_what_came(int position, int removed, int added) {
+    if (putting_) return;
+    if (came_) {
+        came_->begin = std::min(came_->begin, position);
+        came_->end = std::max(came_->end + added - removed, position + added);
+    } else if (stored_form(toPlainText()).size() > longest_) {
+        came_ = {position, position + added};
+        QMetaObject::invokeMethod(this, &Info_Field::cut_what_came, Qt::QueuedConnection);
+    }
+}
+
+void Info_Field::cut_what_came() {
+    if (!came_) return;
+    const QString all = toPlainText();
+    auto too_long = stored_form(all).size() - longest_;
+    const auto [first, last] = *came_;
+    const int end = std::min(last, static_cast<int>(all.size()));
+    int begin = end;
+    for (; begin > first && too_long > 0; --begin) too_long -= all[begin - 1] == u'\n' ? 2 : 1;
+    if (begin > first && all[begin - 1].isHighSurrogate()) --begin;
+    QTextCursor cursor(document());
+    cursor.joinPreviousEditBlock();
+    cursor.setPosition(begin);
+    cursor.setPosition(end, QTextCursor::KeepAnchor);
+    cursor.removeSelectedText();
+    cursor.endEditBlock();
+    came_.reset();
+    Q_EMIT cut(longest_);
 }
 
 void Info_Field::show_single_line(bool single) {
@@ -181,8 +224,11 @@ void Info_Field::show_single_line(bool single) {
 }
 
 void Info_Field::commit() {
+    cut_what_came();
     const QString now = toPlainText();
-    if (std::exchange(info_, now) != now) Q_EMIT committed(now);
+    if (std::exchange(shown_, now) == now) return;
+    info_ = stored_form(now);
+    Q_EMIT committed(info_);
 }
 
 void Info_Field::keyPressEvent(QKeyEvent* event) {
@@ -192,22 +238,15 @@ void Info_Field::keyPressEvent(QKeyEvent* event) {
         Q_EMIT entered();
         return;
     }
-    if (event->key() == Qt::Key_Escape && toPlainText() != info_) {
-        setPlainText(info_);
+    if (event->key() == Qt::Key_Escape && toPlainText() != shown_) {
+        put(info_);
         return;
     }
-    const bool adds = enter || !event->text().isEmpty();
-    const bool room = toPlainText().size() < longest_ || textCursor().hasSelection();
-    const bool types = adds && event->key() != Qt::Key_Backspace &&
-                       event->key() != Qt::Key_Delete &&
-                       (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) == 0;
-    if (types && !room) return;
     QPlainTextEdit::keyPressEvent(event);
 }
 
 void Info_Field::insertFromMimeData(const QMimeData* source) {
-    const auto room = longest_ - toPlainText().size() + textCursor().selectedText().size();
-    insertPlainText(source->text().left(std::max<qsizetype>(0, room)));
+    insertPlainText(source->text().left(longest_ + 1)); // one more: that it is cut will be said
 }
 
 void Info_Field::focusOutEvent(QFocusEvent* event) {

@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QWidget>
+#include <optional>
 
 namespace scripts_ui {
 
@@ -76,7 +77,8 @@ private:
     bool typing_ = false;
 };
 
-/// The comment of a line. Enter ends it as leaving it does; Shift+Enter begins a new line of it.
+/// The comment of a line. Enter ends it as leaving it does; Shift+Enter begins a new line of it, which
+/// is stored as CR LF. What is longer than the library has room for is cut where it was put in.
 class Info_Field final : public QPlainTextEdit {
     Q_OBJECT
 public:
@@ -88,6 +90,7 @@ public:
 Q_SIGNALS:
     void committed(const QString& info);
     void entered();
+    void cut(int longest);
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -96,8 +99,18 @@ protected:
     void wheelEvent(QWheelEvent* event) override { event->ignore(); }
 
 private:
+    void put(const QString& info);
+    void note_what_came(int position, int removed, int added);
+    void cut_what_came();
+
     QString info_;
+    QString shown_; ///< what the field made of it: it knows one kind of line end and of space
     int longest_ = 255;
+    bool putting_ = false;
+    struct Span {
+        int begin, end;
+    };
+    std::optional<Span> came_; ///< what has been put in too much somewhere
 };
 
 } // namespace scripts_ui

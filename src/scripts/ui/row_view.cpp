@@ -186,6 +186,7 @@ void Row_View::wire(Script_Row* row) {
     });
     connect(row->txt_State_Info, &Info_Field::entered, this,
             [this, row] { take_focus(std::min(row->line() + 1, shown_lines() - 1), info_column); });
+    connect(row->txt_State_Info, &Info_Field::cut, this, &Row_View::info_cut);
     watch(row->combo_Command);
     watch(row->txt_State_Info);
 }

@@ -55,6 +55,7 @@ Q_SIGNALS:
     void delete_wanted(int line);
     void undo_wanted();
     void redo_wanted();
+    void info_cut(int longest);
     void left(bool forward); ///< by Tab, behind the last or before the first field
 
 protected:

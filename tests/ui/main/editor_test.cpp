@@ -329,6 +329,11 @@ TEST_F(Editor_Test, what_is_typed_stays_with_its_line) {
         return at<QPlainTextEdit>("txt_State_Info", line).toPlainText().toStdString();
     };
     EXPECT_EQ(info(last), "hier geht es weiter");
+    const QString emoji = QStringLiteral("🚂");
+    QApplication::clipboard()->setText(QString(233, u'x') + u'\n' + emoji + emoji);
+    press(Qt::Key_V, Qt::ControlModifier);
+    press(Qt::Key_Tab); // of the first engine, half would fit
+    EXPECT_EQ(info(last), "hier geht es weiter" + std::string(233, 'x') + "\n");
     auto& scroll = *editor()->findChild<QScrollBar*>(QStringLiteral("VScroll1"));
     const int first = scroll.value();
     const QPoint middle = scroll.rect().center();
