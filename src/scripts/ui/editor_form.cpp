@@ -19,10 +19,22 @@ QPushButton* button(const char* name, const QString& caption, QWidget* parent) {
     return made;
 }
 
+/// The help beside them needs the room more than they do.
+void make_narrow(QPushButton& button) {
+    constexpr int around_text = 18;
+    button.setMaximumWidth(button.fontMetrics().horizontalAdvance(button.text()) + around_text);
+}
+
+void make_tight(QLayout& inside_frame) {
+    constexpr int margin = 4;
+    inside_frame.setContentsMargins(margin, margin, margin, margin);
+}
+
 QSlider* slider(const char* name, const QString& spoken, QWidget* parent) {
     auto* made = named<QSlider>(name, parent, Qt::Horizontal);
     made->setAccessibleName(spoken);
     made->setMinimumWidth(60);
+    made->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed); // as wide as there is room
     return made;
 }
 
@@ -35,6 +47,7 @@ Editor_Form::Editor_Form(QWidget* parent)
     lab_status->setObjectName(QStringLiteral("lab_script_status"));
     splitter->setChildrenCollapsible(false);
     auto* foot = new QHBoxLayout;
+    foot->setSpacing(4);
     for (QWidget* part : {build_edit(), build_simulation(), build_info(), build_end()})
         foot->addWidget(part);
     foot->addStretch();
@@ -55,9 +68,11 @@ QWidget* Editor_Form::build_edit() {
     txt_Hilfe->setToolTip(
         QStringLiteral("Tasten: Pfeile und Bild auf/ab gehen von Zeile zu Zeile, Alt+Pfeil ab "
                        "öffnet die Liste, Einfg fügt ein oder kopiert, Strg+Entf löscht, "
-                       "F9 setzt einen Haltepunkt. F5 startet und pausiert, F10 macht einen "
+                       "F9 setzt einen Haltepunkt, Strg+Tab verlässt die Zeilen. F5 startet und "
+                       "pausiert, F10 macht einen "
                        "Schritt, Strg+F10 läuft bis zur Zeile."));
     auto* row = new QVBoxLayout(Frame_Edit);
+    make_tight(*row);
     row->addWidget(txt_Hilfe);
     return Frame_Edit;
 }
@@ -75,14 +90,16 @@ QWidget* Editor_Form::build_simulation() {
     Sli_Script_Speed->setPageStep(1);
     auto* speed = named<QLabel>("lab_Speed", Frame_Sim, QStringLiteral("Speed"));
     auto* above = new QHBoxLayout;
-    for (QWidget* each : {static_cast<QWidget*>(cmd_sim), static_cast<QWidget*>(cmd_Pause),
-                          static_cast<QWidget*>(cmd_Einzel)})
+    for (QPushButton* each : {cmd_sim, cmd_Pause, cmd_Einzel}) {
+        make_narrow(*each);
         above->addWidget(each);
+    }
     auto* below = new QHBoxLayout;
     below->addWidget(speed);
     below->addWidget(Sli_Script_Speed, 1);
     below->addWidget(cmd_debug);
     auto* column = new QVBoxLayout(Frame_Sim);
+    make_tight(*column);
     column->addLayout(above);
     column->addLayout(below);
     return Frame_Sim;
@@ -107,9 +124,12 @@ QWidget* Editor_Form::build_end() {
     auto* box = new QWidget(this);
     cmd_undo = button("cmd_undo", QStringLiteral("Rückgängig"), box);
     cmd_redo = button("cmd_redo", QStringLiteral("Wiederholen"), box);
+    make_narrow(*cmd_undo);
+    make_narrow(*cmd_redo);
     cmd_ok = button("cmd_ok", QStringLiteral("OK"), box);
     cmd_cancel = button("cmd_cancel", QStringLiteral("Abbrechen"), box);
     auto* grid = new QGridLayout(box);
+    grid->setHorizontalSpacing(4);
     grid->setContentsMargins(0, 0, 0, 0);
     grid->addWidget(cmd_undo, 0, 0);
     grid->addWidget(cmd_redo, 0, 1);

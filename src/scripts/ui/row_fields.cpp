@@ -16,6 +16,8 @@ namespace {
 const QColor signal_red(0xFF, 0, 0);
 const QColor light_red(0xFF, 0xC0, 0xC0);
 
+constexpr int text_margin = 2; ///< around a comment, in pixels
+
 /// As other programs that read the library write lines.
 QString stored_form(QString shown) { return shown.replace(u'\n', QStringLiteral("\r\n")); }
 
@@ -169,7 +171,7 @@ void Entry_Box::keyPressEvent(QKeyEvent* event) {
 Info_Field::Info_Field(QWidget* parent) : QPlainTextEdit(parent) {
     setTabChangesFocus(true);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    document()->setDocumentMargin(2);
+    document()->setDocumentMargin(text_margin);
     connect(document(), &QTextDocument::contentsChange, this, &Info_Field::note_what_came);
 }
 
@@ -221,6 +223,20 @@ void Info_Field::cut_what_came() {
 void Info_Field::show_single_line(bool single) {
     setLineWrapMode(single ? NoWrap : WidgetWidth);
     setVerticalScrollBarPolicy(single ? Qt::ScrollBarAlwaysOff : Qt::ScrollBarAsNeeded);
+    centre_line();
+}
+
+/// A single line stands as high as those of the boxes beside it.
+void Info_Field::centre_line() {
+    const int line = fontMetrics().lineSpacing() + 2 * text_margin;
+    const bool single = lineWrapMode() == NoWrap;
+    const int above = single ? std::max(0, (height() - 2 * frameWidth() - line) / 2) : 0;
+    if (viewportMargins().top() != above) setViewportMargins(0, above, 0, 0);
+}
+
+void Info_Field::resizeEvent(QResizeEvent* event) {
+    QPlainTextEdit::resizeEvent(event);
+    centre_line();
 }
 
 void Info_Field::commit() {

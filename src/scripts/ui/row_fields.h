@@ -97,8 +97,10 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
     void insertFromMimeData(const QMimeData* source) override;
     void wheelEvent(QWheelEvent* event) override { event->ignore(); }
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
+    void centre_line();
     void put(const QString& info);
     void note_what_came(int position, int removed, int added);
     void cut_what_came();

@@ -201,8 +201,9 @@ void Row_View::watch(QWidget* field) {
 void Row_View::leave_command(int line, const QString& typed) {
     if (session_ == nullptr) return;
     session_->end_typing();
-    if (typed.trimmed() == catalogue::CommandName(0, list_language()) && line < session_->lines())
-        Q_EMIT delete_wanted(line);
+    const bool says_delete = typed.trimmed() == catalogue::CommandName(0, list_language());
+    // whoever goes to another window has not decided yet
+    if (says_delete && line < session_->lines() && isActiveWindow()) Q_EMIT delete_wanted(line);
     refresh();
 }
 

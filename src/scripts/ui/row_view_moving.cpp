@@ -109,6 +109,9 @@ bool Row_View::handle_key(const QKeyEvent& key, Place at) {
     if (control && key.key() == Qt::Key_Home) return go(0);
     if (control && key.key() == Qt::Key_End) return go(shown_lines() - 1);
     if (plain && key.key() == Qt::Key_Insert) return Q_EMIT number_clicked(at.line, 0), true;
+    if (control && key.key() == Qt::Key_Tab) return Q_EMIT left(true), true;
+    if (key.key() == Qt::Key_Backtab && key.modifiers().testFlag(Qt::ControlModifier))
+        return Q_EMIT left(false), true;
     if (control && key.key() == Qt::Key_Delete && at.line < session_->lines())
         return Q_EMIT delete_wanted(at.line), true;
     if (plain && key.key() == Qt::Key_F9) return Q_EMIT margin_clicked(at.line), true;
@@ -175,6 +178,7 @@ void Row_View::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     lay_out();
     refresh();
+    if (isAncestorOf(QApplication::focusWidget())) show_line(focus_line_);
 }
 
 void Row_View::changeEvent(QEvent* event) {
