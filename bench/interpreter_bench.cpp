@@ -42,7 +42,7 @@ void interpreter(benchmark::State& state, sim::Debugger* debugger) {
             if (debugger != nullptr && debugger->stops_before(decoder.SimCurrentState, decoder))
                 return state.SkipWithError("stopped");
             const sim::Step& step = interpreter.execute(script, decoder);
-            if (debugger != nullptr) debugger->record(step);
+            if (debugger != nullptr) debugger->record(step, script);
         }
     benchmark::DoNotOptimize(decoder);
 }

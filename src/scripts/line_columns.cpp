@@ -53,6 +53,19 @@ Line_Column column_of(const cls_Scriptstate& line, int column, int language) {
             entry_of_line(line, column, list)};
 }
 
+QString line_text(const cls_Scriptstate& line, int language) {
+    const QString name = catalogue::CommandName(line.GetCommand(), language);
+    if (name.isEmpty()) return QStringLiteral("Befehl %1").arg(line.GetCommand());
+    QStringList entries;
+    for (int column = 0; column < catalogue::most_columns; ++column) {
+        const Line_Column shown = column_of(line, column, language);
+        if (shown.list == List::none) continue;
+        const QString text = catalogue::entry_text(shown.list, shown.entry, language);
+        entries.append(text.isEmpty() ? QString::number(shown.entry) : text);
+    }
+    return entries.isEmpty() ? name : name + QStringLiteral(": ") + entries.join(u", ");
+}
+
 int offered_entries(List list) {
     return list == List::sample ? most_samples : catalogue::entry_count(list);
 }

@@ -17,6 +17,9 @@ struct Line_Column {
 
 Line_Column column_of(const cls_Scriptstate& line, int column, int language);
 
+/// A line in a row of texts: "Abfrage Taste: F3, Ein, 9".
+QString line_text(const cls_Scriptstate& line, int language);
+
 /// Takes an entry of the column's list; one that the list does not have changes nothing.
 void choose_entry(cls_Scriptstate& line, int column, int entry);
 

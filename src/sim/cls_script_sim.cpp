@@ -104,7 +104,7 @@ void cls_script_sim::ExecuteState() {
     stepping_ = true;
     const Stepping until_left{stepping_}; // by a CV that cannot be read, too
     const Step& step = interpreter_.execute(*script, decoder_);
-    if (debugger_ != nullptr) debugger_->record(step);
+    if (debugger_ != nullptr) debugger_->record(step, *script);
     if (step.timer_shown) SimFahrpult_->show_timer(decoder_.Werte[timer_value]);
     if (step.next_line != step.line) script_.line_changed(step.line, step.next_line);
     SimFahrpult_->step_done();

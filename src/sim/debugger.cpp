@@ -67,9 +67,15 @@ std::size_t Debugger::step_count() const {
     return static_cast<std::size_t>(std::min<std::uint64_t>(recorded_, most_steps));
 }
 
-const Step& Debugger::step(std::size_t number) const {
+std::size_t Debugger::place_of(std::size_t number) const {
     SURE(number < step_count());
-    return steps_[(recorded_ - step_count() + number) % most_steps];
+    return (recorded_ - step_count() + number) % most_steps;
+}
+
+const Step& Debugger::step(std::size_t number) const { return steps_[place_of(number)]; }
+
+const scripts::cls_Scriptstate& Debugger::executed(std::size_t number) const {
+    return executed_[place_of(number)];
 }
 
 bool Debugger::changed_in_last_step(Value_Ref value) const {
@@ -103,9 +109,12 @@ std::optional<Stop_Reason> Debugger::stops_before(int line, const Simulated_Deco
     return why;
 }
 
-void Debugger::record(const Step& step) {
+void Debugger::record(const Step& step, const scripts::cls_script& script) {
     passes_ = false;
-    steps_[recorded_++ % most_steps] = step;
+    const std::size_t place = recorded_++ % most_steps;
+    steps_[place] = step;
+    executed_[place] =
+        has_line(step.line) ? script.GetState(step.line) : scripts::cls_Scriptstate();
 }
 
 } // namespace sim

@@ -61,6 +61,8 @@ public:
     std::uint64_t recorded() const { return recorded_; } ///< since they were forgotten
     /// The last 1000 steps; 0 is the oldest of them.
     const Step& step(std::size_t number) const;
+    /// The line as the step found it: it may have been edited since.
+    const scripts::cls_Scriptstate& executed(std::size_t number) const;
     bool changed_in_last_step(Value_Ref value) const;
     void forget_steps() { recorded_ = 0; }
 
@@ -75,7 +77,7 @@ public:
     /// What it has stopped before, it may execute now.
     void go_on() { passes_ = true; }
     void begin() { passes_ = false; }
-    void record(const Step& step);
+    void record(const Step& step, const scripts::cls_script& script);
 
 private:
     struct Break_Point {
@@ -87,7 +89,10 @@ private:
     std::array<Break_Point, lines> breaks_;
     std::optional<int> target_;
     bool passes_ = false;
-    std::vector<Step> steps_ = std::vector<Step>(most_steps); ///< a ring
+    std::size_t place_of(std::size_t number) const;
+
+    std::vector<Step> steps_ = std::vector<Step>(most_steps); ///< a ring, as the next one
+    std::vector<scripts::cls_Scriptstate> executed_{most_steps};
     std::uint64_t recorded_ = 0;
     std::vector<Value_Ref> watched_;
 };

@@ -1,6 +1,8 @@
 #include "scripts/ui/debug_models.h"
 
-#include "scripts/cls_script.h"
+#include "app/mod_main.h"
+#include "app/one_line.h"
+#include "scripts/line_columns.h"
 #include "scripts/ui/debug_texts.h"
 #include "scripts/ui/debug_values.h"
 
@@ -27,6 +29,12 @@ bool holds_numbers(int trace_column) {
            trace_column == Trace_Model::next_line;
 }
 
+QString executed_text(const scripts::cls_Scriptstate& line) {
+    const QString text = scripts::line_text(line, app::globals.LanguageIndex);
+    const QString info = app::in_one_line(line.Info);
+    return info.isEmpty() ? text : text + QStringLiteral(" – ") + info;
+}
+
 QVariant bold_font() {
     QFont bold;
     bold.setBold(true);
@@ -41,8 +49,7 @@ QVariant tint() {
 
 } // namespace
 
-Trace_Model::Trace_Model(const sim::Debugger& debugger, Command_Text command_text)
-    : debugger_(debugger), command_text_(std::move(command_text)) {}
+Trace_Model::Trace_Model(const sim::Debugger& debugger) : debugger_(debugger) {}
 
 void Trace_Model::count_steps() {
     forgotten_ = forgotten_ || debugger_.recorded() < counted_;
@@ -72,16 +79,16 @@ void Trace_Model::show_steps() {
 }
 
 // A view may ask between a step and the next count: for a moment it sees what it will see then.
-const sim::Step* Trace_Model::step_of(int row) const {
+std::optional<std::size_t> Trace_Model::step_of(int row) const {
     const std::uint64_t step = first_ + static_cast<std::uint64_t>(row);
     const std::uint64_t oldest = counted_ - remembered_;
-    if (row < 0 || step < oldest || step - oldest >= debugger_.step_count()) return nullptr;
-    return &debugger_.step(step - oldest);
+    if (row < 0 || step < oldest || step - oldest >= debugger_.step_count()) return {};
+    return step - oldest;
 }
 
 int Trace_Model::line_of(int row) const {
-    const sim::Step* step = step_of(row);
-    return step == nullptr ? -1 : step->line;
+    const auto step = step_of(row);
+    return step ? debugger_.step(*step).line : -1;
 }
 
 int Trace_Model::rowCount(const QModelIndex& parent) const {
@@ -98,18 +105,19 @@ QVariant Trace_Model::data(const QModelIndex& index, int role) const {
     const bool is_number = holds_numbers(column);
     if (role == Qt::TextAlignmentRole && is_number) return right_aligned();
     const bool wants_text = role == Qt::DisplayRole || (role == Qt::ToolTipRole && !is_number);
-    const sim::Step* step = wants_text ? step_of(index.row()) : nullptr;
-    return step == nullptr ? QVariant() : text(*step, index.row(), column);
+    const auto step = wants_text ? step_of(index.row()) : std::nullopt;
+    return step ? text(*step, index.row(), column) : QVariant();
 }
 
-QString Trace_Model::text(const sim::Step& step, int row, int column) const {
+QString Trace_Model::text(std::size_t of_debugger, int row, int column) const {
+    const sim::Step& step = debugger_.step(of_debugger);
     switch (column) {
     case number:
         return QString::number(first_ + static_cast<std::uint64_t>(row) + 1);
     case line:
         return QString::number(step.line);
     case command:
-        return command_text_(step.line, step.command);
+        return executed_text(debugger_.executed(of_debugger));
     case next_line:
         return step.left_for ? debug_text::left_script.toString().arg(*step.left_for)
                              : QString::number(step.next_line);

@@ -16,9 +16,8 @@ namespace scripts_ui {
 class Trace_Model final : public QAbstractTableModel {
 public:
     enum Column { number, line, command, next_line, changes, columns };
-    using Command_Text = std::function<QString(int line, std::int32_t command)>;
 
-    Trace_Model(const sim::Debugger& debugger, Command_Text command_text);
+    explicit Trace_Model(const sim::Debugger& debugger);
 
     /// Notices how many steps there were since it was called last. After every step: it counts
     /// them, which the debugger does not tell, and can miss up to 999 in a row.
@@ -33,11 +32,10 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
 private:
-    const sim::Step* step_of(int row) const;
-    QString text(const sim::Step& step, int row, int column) const;
+    std::optional<std::size_t> step_of(int row) const; ///< as the debugger counts them
+    QString text(std::size_t number, int row, int column) const;
 
     const sim::Debugger& debugger_;
-    Command_Text command_text_;
     // Steps are numbered from 0, since the debugger forgot them last.
     std::uint64_t counted_ = 0;
     std::size_t remembered_ = 0;        ///< of them, by the debugger

@@ -19,11 +19,6 @@ namespace {
 constexpr int gap = 4;              ///< between controls, in pixels
 constexpr int typical_command = 15; ///< of the length of its name
 
-QString command_name(std::int32_t command) {
-    const QString name = scripts_catalogue::CommandName(command, app::globals.LanguageIndex);
-    return name.isEmpty() ? debug_text::unknown_command.toString().arg(command) : name;
-}
-
 /// A row of controls with a list below it; one of the controls gets the room that is left.
 QWidget* part(const std::vector<QWidget*>& row, const QWidget* wide, QWidget* list, int height) {
     auto* made = new QWidget;
@@ -58,13 +53,8 @@ void hint(std::vector<std::unique_ptr<ui_parts::Empty_Hint>>& hints, QAbstractIt
 
 Debug_Panel::Debug_Panel(sim::Debugger& debugger, const sim::Simulated_Decoder& decoder,
                          QWidget* parent)
-    : QWidget(parent), debugger_(debugger),
-      trace_(debugger,
-             [this](int line, std::int32_t command) {
-                 return line_text ? line_text(line, command) : command_name(command);
-             }),
-      watch_(debugger, decoder), breaks_(debugger), parts_(new QSplitter(this)),
-      add_watch_(new Value_Choice(this)),
+    : QWidget(parent), debugger_(debugger), trace_(debugger), watch_(debugger, decoder),
+      breaks_(debugger), parts_(new QSplitter(this)), add_watch_(new Value_Choice(this)),
       condition_(new QPushButton(debug_text::edit_condition.toString(), this)) {
     setObjectName(QStringLiteral("debug_panel"));
     parts_->setObjectName(QStringLiteral("debug_parts"));
@@ -89,7 +79,8 @@ QWidget* Debug_Panel::trace_part() {
     const QString state = debug_text::trace_columns[Trace_Model::line].toString();
     debug_trace_->widen(Trace_Model::number, QStringLiteral("00000"));
     debug_trace_->widen(Trace_Model::line, state);
-    debug_trace_->widen(Trace_Model::command, command_name(typical_command));
+    debug_trace_->widen(Trace_Model::command, scripts_catalogue::CommandName(
+                                                  typical_command, app::globals.LanguageIndex));
     debug_trace_->widen(Trace_Model::next_line,
                         debug_text::trace_columns[Trace_Model::next_line].toString());
     debug_trace_->add_enter_command(debug_text::go_to_line, [this](int row) {

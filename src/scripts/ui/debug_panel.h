@@ -24,9 +24,6 @@ public:
     /// @param debugger, decoder live longer
     Debug_Panel(sim::Debugger& debugger, const sim::Simulated_Decoder& decoder, QWidget* parent);
 
-    /// How the trace calls the command of a line; its name where nothing is put here.
-    std::function<QString(int line, std::int32_t command)> line_text;
-
     /// After every step, and when the simulation has stopped or something has been edited; also
     /// while the panel is hidden, when it costs nearly nothing.
     void refresh();

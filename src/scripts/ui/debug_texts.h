@@ -10,7 +10,6 @@ constexpr QStringView no_steps = u"Noch keine Schritte";
 constexpr QStringView trace_columns[] = {u"Nr.", u"State", u"Befehl", u"Weiter", u"Änderungen"};
 constexpr QStringView next_tip = u"State, der auf diesen Schritt folgt";
 constexpr QStringView left_script = u"%1 (Ende)";
-constexpr QStringView unknown_command = u"Befehl %1";
 constexpr QStringView change = u"%1 %2 → %3"; ///< value, before, after
 constexpr QStringView cycle_end = u"Zyklusende";
 

@@ -154,13 +154,6 @@ void frm_script::show_debug(bool on) {
 void frm_script::make_debug_panel() {
     debug_ = new Debug_Panel(debugger_, SimDecoderState(), form_->splitter);
     form_->splitter->setStretchFactor(0, 1);
-    debug_->line_text = [this](int line, std::int32_t command) {
-        const QString name = scripts_catalogue::CommandName(command, app::globals.LanguageIndex);
-        const scripts::cls_script* script = working_script();
-        if (script == nullptr || line >= script->StateCount) return name;
-        const QString& info = script->GetState(line).Info;
-        return info.isEmpty() ? name : name + QStringLiteral(" – ") + app::in_one_line(info);
-    };
     debug_->show_own_clock(clock_.own());
     connect(debug_, &Debug_Panel::line_wanted, this,
             [this](int line) { form_->Picture1->take_focus(line, Row_View::command_column); });
