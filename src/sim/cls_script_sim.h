@@ -39,6 +39,9 @@ public:
     /// loop, before UnloadRequest.
     std::function<void(const QString& message)> Ended;
 
+    /// The cab has changed a value of the decoder.
+    std::function<void()> Acted;
+
     void Intervall(std::int32_t milliseconds); ///< between two steps
     void SimEnable(bool on);                   ///< the step timer
     /// One step now; stops before no line. Where the clock has its own time and stands, it moves to
@@ -51,6 +54,9 @@ private:
     void AfterSimStart() override {}
     void BeforeSimStop() override;
     void AfterSimStop() override;
+    void CabActed() override {
+        if (Acted) Acted();
+    }
 
     void StepTimer_Timer();
     void ExecuteState();

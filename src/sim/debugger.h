@@ -50,6 +50,7 @@ public:
     /// @return false: no such line, and the target before remains
     bool run_to(int line);
     std::optional<int> target() const { return target_; }
+    void forget_target() { target_.reset(); }
 
     // The script is edited: break points and the target follow their lines, all lines behind the
     // inserted or deleted one having moved by one.
@@ -76,7 +77,10 @@ public:
     std::optional<Stop_Reason> stops_before(int line, const Simulated_Decoder& decoder);
     /// What it has stopped before, it may execute now.
     void go_on() { passes_ = true; }
-    void begin() { passes_ = false; }
+    void begin() {
+        passes_ = false;
+        forget_steps(); // of the run before
+    }
     void record(const Step& step, const scripts::cls_script& script);
 
 private:

@@ -33,7 +33,9 @@ public:
     virtual ~Cab_Listener() = default;
     virtual void AfterSimStart() = 0;
     virtual void BeforeSimStop() = 0; ///< closing begins
-    virtual void AfterSimStop() = 0;  ///< closed; whoever destroys the cab for it does so later
+    /// A value of the decoder has changed outside of the steps: by a control, by hand, by the ramp.
+    virtual void CabActed() {}
+    virtual void AfterSimStop() = 0; ///< closed; whoever destroys the cab for it does so later
 };
 
 /// Makes a cab and shows it.

@@ -80,7 +80,8 @@ QWidget* Debug_Panel::trace_part() {
     debug_trace_->widen(Trace_Model::number, QStringLiteral("00000"));
     debug_trace_->widen(Trace_Model::line, state);
     debug_trace_->widen(Trace_Model::command, scripts_catalogue::CommandName(
-                                                  typical_command, app::globals.LanguageIndex));
+                                                  typical_command, app::globals.LanguageIndex) +
+                                                  QStringLiteral(": FA1, 31"));
     debug_trace_->widen(Trace_Model::next_line,
                         debug_text::trace_columns[Trace_Model::next_line].toString());
     debug_trace_->add_enter_command(debug_text::go_to_line, [this](int row) {
@@ -149,7 +150,8 @@ void Debug_Panel::refresh() {
     trace_.show_steps();
     watch_.refresh();
     breaks_.refresh();
-    debug_trace_->viewport()->update(); // what lines are called may have changed
+    const bool chosen = debug_breaks_->currentIndex().isValid();
+    if (!chosen && breaks_.rowCount() > 0) debug_breaks_->setCurrentIndex(breaks_.index(0, 0));
 }
 
 void Debug_Panel::edit_break(int line) {
@@ -170,6 +172,8 @@ void Debug_Panel::say(const QString& sentence) {
     else
         reason_->say(sentence);
 }
+
+void Debug_Panel::take_focus() { debug_trace_->setFocus(Qt::TabFocusReason); }
 
 void Debug_Panel::show_own_clock(bool on) { own_clock_->setChecked(on); }
 

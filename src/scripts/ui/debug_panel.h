@@ -33,6 +33,7 @@ public:
     /// Why the simulation stands; empty for nothing to say.
     void say(const QString& sentence);
     void show_own_clock(bool on);
+    void take_focus(); ///< for the trace
 
     QSize sizeHint() const override;
 

@@ -66,11 +66,14 @@ QWidget* Editor_Form::build_edit() {
                                              "Löschen: Befehl \"-\" auswählen"));
     txt_Hilfe->setMinimumWidth(1); // else no small screen has room for what stands beside it
     txt_Hilfe->setToolTip(
-        QStringLiteral("Tasten: Pfeile und Bild auf/ab gehen von Zeile zu Zeile, Alt+Pfeil ab "
-                       "öffnet die Liste, Einfg fügt ein oder kopiert, Strg+Entf löscht, "
-                       "F9 setzt einen Haltepunkt, Strg+Tab verlässt die Zeilen. F5 startet und "
-                       "pausiert, F10 macht einen "
-                       "Schritt, Strg+F10 läuft bis zur Zeile."));
+        QStringLiteral("Pfeile, Bild auf/ab: von Zeile zu Zeile\n"
+                       "Alt+Pfeil ab: Liste öffnen\n"
+                       "Einfg: Zeile einfügen oder kopieren\n"
+                       "Strg+Entf: Zeile löschen\n"
+                       "F5: Simulation starten und pausieren, F10: ein Schritt\n"
+                       "Strg+F10: bis zur Zeile laufen\n"
+                       "F9: Haltepunkt, Umschalt+F9: mit Bedingung\n"
+                       "F6: zur Fehlersuche und zurück, Strg+Tab: zu den Knöpfen"));
     auto* row = new QVBoxLayout(Frame_Edit);
     make_tight(*row);
     row->addWidget(txt_Hilfe);
@@ -88,6 +91,7 @@ QWidget* Editor_Form::build_simulation() {
     Sli_Script_Speed->setRange(0, 10);
     Sli_Script_Speed->setValue(2);
     Sli_Script_Speed->setPageStep(1);
+    Sli_Script_Speed->setInvertedAppearance(true); // it is the time for a line: fast is right
     auto* speed = named<QLabel>("lab_Speed", Frame_Sim, QStringLiteral("Speed"));
     auto* above = new QHBoxLayout;
     for (QPushButton* each : {cmd_sim, cmd_Pause, cmd_Einzel}) {

@@ -5,6 +5,7 @@
 #include "app/one_line.h"
 #include "app/text_table.h"
 #include "platform/files/replace.h"
+#include "scripts/catalogue/commands.h"
 #include "scripts/cls_script_coll.h"
 #include "scripts/script_file.h"
 #include "scripts/ui/editor_form.h"
@@ -83,6 +84,7 @@ void frm_script::open(int position) {
     name_ = script.ScriptName;
     library_ = place_.database.database_file();
     debugger_ = {};
+    lost_breaks_.clear();
     debugger_.Stopped = [this](int line, sim::Stop_Reason why) { stopped(line, why); };
     sim::SimDecoderState().SimPaused = false;
     place_.gate.add(*this);
@@ -195,6 +197,11 @@ void frm_script::insert_before(int line) {
 void frm_script::copy_from(int line) {
     const int inserted = *session_->inserted();
     session_->copy_to_inserted(line);
+    const auto& copy = std::as_const(*session_).working().GetState(inserted);
+    if (const auto target = scripts_catalogue::JumpParameter(copy.GetCommand()))
+        form_->lab_status->say(QStringLiteral("State %1 kopiert; die Kopie springt zu State %2.")
+                                   .arg(line)
+                                   .arg(copy.GetPar(*target)));
     form_->Picture1->take_focus(inserted, line < inserted ? Row_View::command_column + 1
                                                           : Row_View::command_column);
 }
@@ -214,6 +221,7 @@ void frm_script::ask_to_delete(int line) {
 void frm_script::undo() {
     if (!session_) return;
     form_->Picture1->commit();
+    const QScopedValueRollback back(going_back_, true);
     if (session_->can_undo())
         form_->Picture1->take_focus(session_->undo(), Row_View::command_column);
 }
@@ -221,6 +229,7 @@ void frm_script::undo() {
 void frm_script::redo() {
     if (!session_) return;
     form_->Picture1->commit();
+    const QScopedValueRollback back(going_back_, true);
     if (session_->can_redo())
         form_->Picture1->take_focus(session_->redo(), Row_View::command_column);
 }
@@ -228,6 +237,7 @@ void frm_script::redo() {
 void frm_script::lines_changed() {
     form_->Picture1->refresh();
     refresh_buttons();
+    debug_changed(); // break points have moved along
 }
 
 void frm_script::refresh_buttons() {
@@ -239,7 +249,7 @@ bool frm_script::event(QEvent* event) {
     if (event->type() == QEvent::KeyPress && session_) {
         const auto& key = *static_cast<QKeyEvent*>(event);
         if (key.matches(QKeySequence::Undo)) return undo(), true;
-        if (key.matches(QKeySequence::Redo)) return redo(), true;
+        if (is_redo(key)) return redo(), true;
         if (debug_key(key)) return true;
     }
     return QWidget::event(event);
@@ -302,8 +312,11 @@ bool frm_script::save() {
     int lost = 0;
     for (int line = 0; line < script.StateCount; ++line)
         if (script.GetState(line).GetPar(source) != 0) ++lost;
-    if (lost > 0 && place_.say)
-        place_.say(QStringLiteral("Die Quelle des CV-Werts steht nur in Script-Dateien."));
+    if (place_.say)
+        place_.say(QStringLiteral("Script „%1“ gespeichert.").arg(ui_parts::shortened(name_)) +
+                   (lost > 0
+                        ? QStringLiteral(" Die Quelle des CV-Werts steht nur in Script-Dateien.")
+                        : QString()));
     if (place_.stored) place_.stored();
     return true;
 }

@@ -51,6 +51,7 @@ public:
 protected:
     void closeEvent(QCloseEvent* event) override;
     bool event(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override; ///< keys of the cab
 
 private:
     bool may_leave() override { return request_close(); }
@@ -89,7 +90,9 @@ private:
     void pause();
     void set_pace();
     void stopped(int line, sim::Stop_Reason why);
+    void step();
     void say_why_it_stands(const QString& sentence);
+    QString where_it_stands(const QString& how) const;
     void toggle_break(int line);
     void debug_changed();
     void show_debug(bool on);
@@ -98,6 +101,7 @@ private:
     void show_margin_menu(int line);
     void run_to(int line);
     bool debug_key(const QKeyEvent& key);
+    void go_to_panel(bool from_rows);
 
     Script_Place place_;
     Editor_Form* form_;
@@ -112,8 +116,14 @@ private:
     std::optional<quint64> inserted_at_; ///< when the click was that inserted a line
     int insert_took_ = 0;                ///< milliseconds until the new numbers were seen
 
+    struct Lost_Break {
+        int line;
+        std::optional<sim::Condition> condition;
+    };
     sim::Script_Clock clock_;
     sim::Debugger debugger_;
+    std::vector<Lost_Break> lost_breaks_; ///< with their lines, which undo can bring back
+    bool going_back_ = false;             ///< by undo, or forth again
     std::unique_ptr<sim::cls_script_sim> simulation_;
 };
 

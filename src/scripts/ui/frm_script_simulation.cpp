@@ -4,11 +4,14 @@
 #include "app/one_line.h"
 #include "scripts/catalogue/commands.h"
 #include "scripts/ui/debug_panel.h"
+#include "scripts/ui/debug_values.h"
 #include "scripts/ui/editor_form.h"
 #include "scripts/ui/frm_script.h"
 #include "sim/SimDecoderState.h"
 
+#include <QApplication>
 #include <QKeyEvent>
+#include <QLocale>
 #include <QMenu>
 
 namespace scripts_ui {
@@ -38,10 +41,7 @@ private:
 void frm_script::wire_simulation() {
     connect(form_->cmd_sim, &QPushButton::clicked, this, &frm_script::switch_simulation);
     connect(form_->cmd_Pause, &QPushButton::clicked, this, &frm_script::pause);
-    connect(form_->cmd_Einzel, &QPushButton::clicked, this, [this] {
-        if (simulation_) simulation_->Einzelschritt();
-        debug_changed();
-    });
+    connect(form_->cmd_Einzel, &QPushButton::clicked, this, &frm_script::step);
     connect(form_->Sli_Script_Speed, &QSlider::valueChanged, this, &frm_script::set_pace);
     connect(form_->cmd_debug, &QPushButton::toggled, this, &frm_script::show_debug);
     connect(form_->Picture1, &Row_View::condition_wanted, this, &frm_script::show_margin_menu);
@@ -53,7 +53,11 @@ const scripts::cls_script* frm_script::working_script() const {
 }
 
 void frm_script::line_changed(int /*old_line*/, int new_line) {
-    form_->Picture1->follow(new_line);
+    const bool stands = SimDecoderState().SimPaused;
+    form_->Picture1->follow(new_line, stands ? Row_View::Wish::asked : Row_View::Wish::running);
+    if (!stands && new_line >= session_->lines())
+        form_->lab_status->say(
+            QStringLiteral("Das Script wartet in State %1, der leer ist.").arg(new_line));
     debug_changed();
 }
 
@@ -63,16 +67,20 @@ void frm_script::begin_simulation() {
     if (!session_ || !place_.make_cab) return;
     const sim::Script_CV script_cv = texts().cv_value;
     const sim::Make_Cab cab = [this, script_cv](sim::Cab_Listener& listener) {
-        return std::make_unique<Watched_Cab>(place_.make_cab(listener, clock_, script_cv),
-                                             [this] { debug_changed(); });
+        auto made = place_.make_cab(listener, clock_, script_cv);
+        if (auto* window = dynamic_cast<QWidget*>(made.get())) window->installEventFilter(this);
+        return std::make_unique<Watched_Cab>(std::move(made), [this] { debug_changed(); });
     };
     sim::Simulated_Script& script = *this;
     simulation_ = std::make_unique<sim::cls_script_sim>(script, cab, script_cv, clock_, &debugger_);
     simulation_->UnloadRequest = [this] { end_simulation(); };
+    simulation_->Acted = [this] { debug_changed(); };
     simulation_->Ended = [this](const QString& message) { form_->lab_status->say(message); };
     set_pace();
     show_red(*form_->cmd_sim, true);
-    form_->Picture1->follow(SimDecoderState().SimCurrentState);
+    form_->Picture1->follow(SimDecoderState().SimCurrentState, Row_View::Wish::asked);
+    if (SimDecoderState().SimPaused)
+        say_why_it_stands(where_it_stands(QStringLiteral("Pause vor State %1")));
     debug_changed();
 }
 
@@ -88,23 +96,49 @@ void frm_script::pause() {
     bool& paused = SimDecoderState().SimPaused;
     paused = !paused;
     show_red(*form_->cmd_Pause, paused);
-    if (!paused) say_why_it_stands({});
+    say_why_it_stands({});
     if (simulation_) simulation_->Pause_Changed();
+    if (simulation_ && paused) {
+        debugger_.forget_target();
+        form_->Picture1->follow(SimDecoderState().SimCurrentState, Row_View::Wish::asked);
+        say_why_it_stands(where_it_stands(QStringLiteral("Pause vor State %1")));
+    }
     debug_changed();
 }
 
 void frm_script::set_pace() {
     constexpr int per_notch = 200, least = 100; // milliseconds
-    if (simulation_) simulation_->Intervall(form_->Sli_Script_Speed->value() * per_notch + least);
+    const int pace = form_->Sli_Script_Speed->value() * per_notch + least;
+    form_->Sli_Script_Speed->setToolTip(
+        QStringLiteral("Eine Zeile in %1 Sekunden").arg(QLocale().toString(pace / 1000.0, 'f', 1)));
+    if (simulation_) simulation_->Intervall(pace);
+}
+
+void frm_script::step() {
+    if (!simulation_) return;
+    simulation_->Einzelschritt();
+    if (simulation_ && SimDecoderState().SimPaused)
+        say_why_it_stands(where_it_stands(QStringLiteral("Steht vor State %1")));
+    debug_changed();
+}
+
+QString frm_script::where_it_stands(const QString& how) const {
+    const int line = SimDecoderState().SimCurrentState;
+    const QString said = how.arg(line);
+    return line < session_->lines()
+               ? said
+               : said + QStringLiteral(", der leer ist: dort wartet das Script");
 }
 
 void frm_script::stopped(int line, sim::Stop_Reason why) {
     show_red(*form_->cmd_Pause, true);
-    form_->Picture1->follow(line);
-    const QString sentence = (why == sim::Stop_Reason::break_point
-                                  ? QStringLiteral("Angehalten vor State %1: Haltepunkt")
-                                  : QStringLiteral("Angehalten vor State %1"))
-                                 .arg(line);
+    form_->Picture1->follow(line, Row_View::Wish::asked);
+    QString sentence = where_it_stands(QStringLiteral("Angehalten vor State %1"));
+    if (why == sim::Stop_Reason::break_point) {
+        sentence += QStringLiteral(": Haltepunkt");
+        if (const auto condition = debugger_.condition_of(line))
+            sentence += QStringLiteral(" (%1)").arg(condition_text(*condition));
+    }
     say_why_it_stands(sentence);
     debug_changed();
 }
@@ -127,11 +161,16 @@ void frm_script::toggle_break(int line) {
 /// The simulation stays on its line.
 void frm_script::line_inserted(int line) {
     debugger_.line_inserted(line);
+    if (going_back_ && !lost_breaks_.empty() && lost_breaks_.back().line == line) {
+        debugger_.put_break(line, lost_breaks_.back().condition);
+        lost_breaks_.pop_back();
+    }
     std::int16_t& current = SimDecoderState().SimCurrentState;
     if (simulation_ && current >= line && current < scripts::cls_script::max_states - 1) ++current;
 }
 
 void frm_script::line_deleted(int line) {
+    if (debugger_.has_break(line)) lost_breaks_.push_back({line, debugger_.condition_of(line)});
     if (debugger_.line_deleted(line))
         form_->lab_status->say(QStringLiteral("Der Haltepunkt der gelöschten Zeile ist weg."));
     std::int16_t& current = SimDecoderState().SimCurrentState;
@@ -179,10 +218,12 @@ void frm_script::show_margin_menu(int line) {
 void frm_script::run_to(int line) {
     if (!simulation_ || !session_ || line >= session_->lines() || !debugger_.run_to(line)) return;
     if (SimDecoderState().SimPaused) pause();
+    say_why_it_stands(QStringLiteral("Läuft bis State %1").arg(line));
 }
 
 bool frm_script::debug_key(const QKeyEvent& key) {
     const int line = form_->Picture1->focus_line();
+    const bool in_rows = form_->Picture1->isAncestorOf(QApplication::focusWidget());
     const auto is = [&](Qt::Key wanted, Qt::KeyboardModifiers with = Qt::NoModifier) {
         return key.key() == wanted && key.modifiers() == with;
     };
@@ -190,13 +231,32 @@ bool frm_script::debug_key(const QKeyEvent& key) {
         simulation_ ? pause() : begin_simulation();
     else if (is(Qt::Key_F10))
         form_->cmd_Einzel->click();
-    else if (is(Qt::Key_F10, Qt::ControlModifier))
+    else if (is(Qt::Key_F6))
+        go_to_panel(in_rows);
+    else if (in_rows && is(Qt::Key_F10, Qt::ControlModifier))
         run_to(line);
-    else if (is(Qt::Key_F9, Qt::ShiftModifier))
+    else if (in_rows && is(Qt::Key_F9, Qt::ShiftModifier))
         edit_break(line);
     else
         return false;
     return true;
+}
+
+/// From the rows to the panel, and back.
+void frm_script::go_to_panel(bool from_rows) {
+    if (!from_rows) return form_->Picture1->take_focus(form_->Picture1->focus_line(), 0);
+    form_->cmd_debug->setChecked(true);
+    debug_->take_focus();
+}
+
+/// Whoever drives wants to pause and to step, too.
+bool frm_script::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress && session_) {
+        const auto& key = *static_cast<QKeyEvent*>(event);
+        const bool runs = key.key() == Qt::Key_F5 || key.key() == Qt::Key_F10;
+        if (runs && debug_key(key)) return true;
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void frm_script::edit_break(int line) {

@@ -50,26 +50,42 @@ void Number_Label::mouseReleaseEvent(QMouseEvent* event) {
 
 Break_Margin::Break_Margin(QWidget* parent) : QWidget(parent) { setCursor(Qt::PointingHandCursor); }
 
-void Break_Margin::show_mark(Mark mark) {
-    if (std::exchange(mark_, mark) != mark) update();
+void Break_Margin::show_mark(Mark mark, bool current) {
+    const bool same = mark == mark_ && current == current_;
+    mark_ = mark;
+    current_ = current;
+    if (!same) update();
 }
 
 void Break_Margin::paintEvent(QPaintEvent*) {
-    if (mark_ == Mark::none) return;
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const qreal size = std::min(width(), height()) * 0.7;
-    QRectF dot(0, 0, size, size);
-    dot.moveCenter(QRectF(rect()).center());
-    painter.setPen(QPen(signal_red, 2));
-    if (mark_ == Mark::stop) painter.setBrush(signal_red);
-    painter.drawEllipse(dot.adjusted(1, 1, -1, -1));
+    QRectF box(0, 0, size, size);
+    box.moveCenter(QRectF(rect()).center());
+    if (mark_ != Mark::none) {
+        painter.setPen(QPen(signal_red, 2));
+        if (mark_ == Mark::stop) painter.setBrush(signal_red);
+        painter.drawEllipse(box.adjusted(1, 1, -1, -1));
+    }
+    if (!current_) return;
+    const qreal inside = size / 4;
+    box.adjust(inside, inside / 2, -inside / 2, -inside / 2);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(mark_ == Mark::stop ? QBrush(Qt::white) : palette().windowText());
+    painter.drawPolygon(
+        QPolygonF{{box.topLeft(), box.bottomLeft(), QPointF(box.right(), box.center().y())}});
 }
 
 void Break_Margin::mouseReleaseEvent(QMouseEvent* event) {
     if (!rect().contains(event->position().toPoint())) return;
     if (event->button() == Qt::LeftButton) Q_EMIT clicked();
     if (event->button() == Qt::RightButton) Q_EMIT condition_wanted();
+}
+
+bool is_redo(const QKeyEvent& key) {
+    return key.matches(QKeySequence::Redo) ||
+           (key.key() == Qt::Key_Y && key.modifiers() == Qt::ControlModifier);
 }
 
 // Boxes

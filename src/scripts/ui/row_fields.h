@@ -32,7 +32,7 @@ class Break_Margin final : public QWidget {
 public:
     enum class Mark { none, stop, stop_if };
     explicit Break_Margin(QWidget* parent);
-    void show_mark(Mark mark);
+    void show_mark(Mark mark, bool current); ///< whether the simulation is here
 
 Q_SIGNALS:
     void clicked();
@@ -44,7 +44,11 @@ protected:
 
 private:
     Mark mark_ = Mark::none;
+    bool current_ = false;
 };
+
+/// Ctrl+Y, too, wherever one comes from.
+bool is_redo(const QKeyEvent& key);
 
 /// A box to choose from a list or to type into. What is typed is only wanted; leaving it, or Enter,
 /// says so.
@@ -86,6 +90,7 @@ public:
     void show_info(const QString& info, int longest);
     void show_single_line(bool single);
     void commit();
+    bool writing() const { return toPlainText() != shown_; }
 
 Q_SIGNALS:
     void committed(const QString& info);

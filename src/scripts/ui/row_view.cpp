@@ -27,6 +27,7 @@ Row_View::Row_View(QWidget* parent)
     setFocusPolicy(Qt::StrongFocus);
     build_headers();
     connect(VScroll1, &QScrollBar::valueChanged, this, &Row_View::scroll_to);
+    connect(VScroll1, &QScrollBar::actionTriggered, this, [this] { scrolled_away_ = true; });
 }
 
 void Row_View::build_headers() {
@@ -349,7 +350,7 @@ void Row_View::bind_marks(Script_Row& row, const std::set<int>& targets) {
     row.lab_nr->show_state(
         (targets.contains(line) ? QStringLiteral("-> %1") : QStringLiteral("%1")).arg(line),
         aimed_at || simulated ? Number_Label::Colour::red : Number_Label::Colour::plain);
-    row.margin->show_mark(around_.mark(line));
+    row.margin->show_mark(around_.mark(line), simulated);
 }
 
 void Row_View::show_captions() {

@@ -36,8 +36,10 @@ public:
     void refresh_marks();                                       ///< numbers, colours, break points
     void show_info_column(bool on, bool single_line, int size); ///< size 0..100
 
-    /// Scrolls so that the simulation's line is seen, unless a row that is being edited would go.
-    void follow(int line);
+    enum class Wish { running, asked }; ///< asked: somebody has made the step, or it stands now
+    /// Scrolls so that the simulation's line is seen. While it runs, a row that has the focus stays,
+    /// and what the user has scrolled to; in any case a row that is being written in.
+    void follow(int line, Wish wish);
     void show_line(int line); ///< scrolls as little as needed
     void take_focus(int line, int column);
     int focus_line() const { return focus_line_; }
@@ -89,6 +91,7 @@ private:
 
     int shown_lines() const; ///< with the unused one
     Script_Row* row_of(int line) const;
+    bool writing() const; ///< in a field, and it is not done
     QWidget* field(int line, int column) const;
     bool takes_focus(int line, int column) const;
     Place place_of(const QWidget* field) const;
@@ -108,8 +111,9 @@ private:
     int header_height_ = 0;
     bool info_on_ = true, info_single_ = true;
     int info_size_ = 30;
-    int first_ = 0;  ///< line of the first row
-    int turned_ = 0; ///< by the wheel, and not yet a row
+    int first_ = 0;              ///< line of the first row
+    bool scrolled_away_ = false; ///< by the user, from the running line
+    int turned_ = 0;             ///< by the wheel, and not yet a row
     std::vector<Script_Row*> rows_;
     std::map<scripts_catalogue::List, std::unique_ptr<Entry_Model>> models_;
     std::unique_ptr<Entry_Model> command_model_;

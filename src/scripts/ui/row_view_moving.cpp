@@ -13,15 +13,27 @@ namespace scripts_ui {
 
 using scripts_catalogue::List;
 
-void Row_View::follow(int line) {
+void Row_View::follow(int line, Wish wish) {
     refresh_marks();
     const int rows = visible_rows();
-    if (line > first_ && line < first_ + rows - 1) return;
+    const bool seen = line > first_ && line < first_ + rows - 1;
+    if (seen || wish == Wish::asked) scrolled_away_ = false;
+    if (seen || scrolled_away_) return;
     const int wanted = std::max(0, line - rows / 2);
     const Script_Row* edited = row_of(focus_line_);
-    const bool editing = edited != nullptr && edited->isAncestorOf(QApplication::focusWidget());
+    const bool editing =
+        wish == Wish::asked
+            ? writing()
+            : edited != nullptr && edited->isAncestorOf(QApplication::focusWidget());
     if (editing && (focus_line_ < wanted || focus_line_ >= wanted + rows)) return;
     VScroll1->setValue(wanted);
+}
+
+bool Row_View::writing() const {
+    const Script_Row* row = row_of(focus_line_);
+    if (row == nullptr) return false;
+    if (row->txt_State_Info->writing() || row->combo_Command->typing()) return true;
+    return std::ranges::any_of(row->combo_Param, &Entry_Box::typing);
 }
 
 void Row_View::show_line(int line) {
@@ -101,7 +113,9 @@ bool Row_View::handle_key(const QKeyEvent& key, Place at) {
         return true;
     };
     if (key.matches(QKeySequence::Undo)) return Q_EMIT undo_wanted(), true;
-    if (key.matches(QKeySequence::Redo)) return Q_EMIT redo_wanted(), true;
+    if (is_redo(key)) return Q_EMIT redo_wanted(), true;
+    const bool letter = !key.text().isEmpty() && key.text().front().isPrint();
+    if (letter && key.modifiers() == Qt::AltModifier) return true; // meant for a menu
     if (plain && key.key() == Qt::Key_Up) return go(at.line - 1);
     if (plain && key.key() == Qt::Key_Down) return go(at.line + 1);
     if (plain && key.key() == Qt::Key_PageUp) return go(at.line - visible_rows());
@@ -123,7 +137,7 @@ bool Row_View::goes_to_field(const QKeyEvent& key, const QObject* watched) const
     const auto* info = qobject_cast<const QPlainTextEdit*>(watched);
     if (info == nullptr) return false;
     if (key.matches(QKeySequence::Undo)) return info->document()->isUndoAvailable();
-    if (key.matches(QKeySequence::Redo)) return info->document()->isRedoAvailable();
+    if (is_redo(key)) return info->document()->isRedoAvailable();
     const bool moves = key.key() == Qt::Key_Up || key.key() == Qt::Key_Down;
     return (moves && info->document()->lineCount() > 1) || key.key() == Qt::Key_Home ||
            key.key() == Qt::Key_End || key.key() == Qt::Key_Delete;
@@ -152,7 +166,7 @@ bool Row_View::eventFilter(QObject* watched, QEvent* event) {
         const auto& key = *static_cast<QKeyEvent*>(event);
         if (goes_to_field(key, watched)) break;
         if (event->type() == QEvent::ShortcutOverride) {
-            if (!key.matches(QKeySequence::Undo) && !key.matches(QKeySequence::Redo)) break;
+            if (!key.matches(QKeySequence::Undo) && !is_redo(key)) break;
             event->accept();
             return true;
         }
@@ -167,6 +181,7 @@ bool Row_View::eventFilter(QObject* watched, QEvent* event) {
 
 void Row_View::wheelEvent(QWheelEvent* event) {
     constexpr int notch = 120, rows_per_notch = 3;
+    scrolled_away_ = true;
     turned_ += event->angleDelta().y() * rows_per_notch; // touchpads turn by less than a row
     const int rows = turned_ / notch;
     turned_ -= rows * notch;

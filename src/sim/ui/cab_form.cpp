@@ -119,6 +119,9 @@ QGroupBox* Cab_Form::speed_frame() {
     sli_speed->setValue(sim::highest_step);
     sli_speed->setInvertedAppearance(true);
     sli_speed->setInvertedControls(true);
+    QPalette plain; // else it is filled where the speed is 0
+    plain.setColor(QPalette::Highlight, plain.color(QPalette::Mid));
+    sli_speed->setPalette(plain);
     lab_speed = new QLabel(frame);
     lab_speed->setObjectName(QStringLiteral("lab_speed"));
     lab_speed->setAlignment(Qt::AlignCenter);
@@ -200,6 +203,7 @@ QGroupBox* Cab_Form::inputs_frame() {
     for (std::size_t i = 0; i < cmd_reed.size(); ++i) {
         cmd_reed[i] = new_button(frame, numbered("cmd_reed", i), {});
         cmd_reed[i]->setCheckable(true);
+        cmd_reed[i]->setToolTip(text(own::inputs_tip));
         cmd_reed[i]->setText(text(own::input) + QString::number(i + 1));
         row->addWidget(cmd_reed[i]);
     }

@@ -40,6 +40,9 @@ constexpr Text key{u"F"};        ///< and its number
 constexpr Text input{u"Input "}; ///< and its number
 constexpr Text event{u"Event"};  ///< and its number
 constexpr Text outputs_tip{u"Zeigt nur die vom Script eingeschalteten Ausgänge an!"};
+constexpr Text inputs_tip{
+    u"Das Script sieht einen Eingang einen Zyklus lang, nachdem er eingeschaltet wurde",
+    u"The script sees an input for one cycle after it was switched on"};
 constexpr Text events_tip{
     u"Events sind globale Variablen die auch zum Ansteuern von Servos genutzt werden können"};
 } // namespace own

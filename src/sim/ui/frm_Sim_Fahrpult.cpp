@@ -135,6 +135,7 @@ void frm_Sim_Fahrpult::connect_values(Value_Array& labels,
                 labels.values[static_cast<std::size_t>(i)]->setText(typed);
                 (this->*store)(i, *value);
                 before_step_ = decoder_;
+                listener_.CabActed();
             });
     editors_.push_back(std::move(editor));
 }
@@ -166,6 +167,7 @@ void frm_Sim_Fahrpult::acted() {
     show_decoder();
     // A new interval only after a tick: else the ramp would stand while the slider is moved.
     if (!Unloading_ && !Timer2_->enabled()) Timer2_->enable(true);
+    if (!Unloading_) listener_.CabActed();
 }
 
 void frm_Sim_Fahrpult::show_timer(int value) { show_row(sim::timer_value, value); }

@@ -314,6 +314,48 @@ TEST_F(Editor_Test, the_simulation_ends_in_whatever_way_the_windows_close) {
     push("cmd_cancel");
 }
 
+TEST_F(Editor_Test, looking_for_a_fault_follows_what_is_edited_and_driven) {
+    push("cmd_debug");
+    auto& breaks = *editor()->findChild<QTreeView*>(QStringLiteral("debug_breaks"))->model();
+    const auto places = [&breaks] {
+        std::string shown;
+        for (int i = 0; i < breaks.rowCount(); ++i)
+            shown += breaks.index(i, 0).data().toString().toStdString() + ' ';
+        return shown;
+    };
+    for (const int line : {1, 3}) QTest::mouseClick(&at("break_margin", line), Qt::LeftButton);
+    EXPECT_EQ(places(), "1 3 ");
+    at("combo_Command", 2).setFocus();
+    press(Qt::Key_Insert);
+    EXPECT_EQ(places(), "1 4 ");
+    desktop.expect_question(QStringLiteral("State löschen?"), QStringLiteral("State löschen?"),
+                            Answer::yes);
+    at("combo_Command", 4).setFocus();
+    press(Qt::Key_Delete, Qt::ControlModifier);
+    EXPECT_EQ(places(), "1 ");
+    for (int i = 0; i < 2; ++i) push("cmd_undo");
+    EXPECT_EQ(places(), "1 3 ") << "undo brings them back with their lines";
+
+    push("cmd_Pause");
+    push("cmd_sim");
+    QWidget* cab = nullptr;
+    for (QWidget* top : QApplication::topLevelWidgets())
+        if (top->objectName() == QStringLiteral("frm_Sim_Fahrpult")) cab = top;
+    auto* watch = editor()->findChild<QComboBox*>(QStringLiteral("debug_add_watch"));
+    watch->setFocus();
+    type("F3 (Taste)");
+    press(Qt::Key_Return);
+    auto& watched = *editor()->findChild<QTreeView*>(QStringLiteral("debug_watch"))->model();
+    QTRY_COMPARE(watched.rowCount(), 1);
+    cab->findChild<QPushButton*>(QStringLiteral("cmd_func_3"))->click();
+    EXPECT_EQ(watched.index(0, 1).data().toString(), QStringLiteral("1")) << "though it stands";
+    QTest::keyClick(cab, Qt::Key_F10);
+    EXPECT_GT(editor()->findChild<QTreeView*>(QStringLiteral("debug_trace"))->model()->rowCount(),
+              0);
+    push("cmd_Pause");
+    push("cmd_cancel");
+}
+
 TEST_F(Editor_Test, what_is_typed_stays_with_its_line) {
     for (int i = 0; i < 60; ++i) press(Qt::Key_Insert); // makes a line, copies it
     press(Qt::Key_End, Qt::ControlModifier);
