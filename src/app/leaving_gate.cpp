@@ -21,7 +21,7 @@ bool Leaving_Gate::pass() {
 }
 
 void Leaving_Gate::pass_at_once() {
-    const QScopedValueRollback asking(asking_, true);
+    const QScopedValueRollback asking(asking_, true), at_once(at_once_, true);
     const std::vector<Work_Holder*> latest_first(holders_.rbegin(), holders_.rend());
     for (Work_Holder* holder : latest_first)
         if (holds(holder)) holder->put_into_safety();

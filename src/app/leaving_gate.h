@@ -26,8 +26,8 @@ public:
 
     /// Whether passing may end with somebody being asked.
     bool somebody_may_stay() const { return !holders_.empty(); }
-    /// Whether it is being passed now: all who are asked have been, or nobody is.
-    bool passing() const { return asking_; }
+    /// Whether the system is ending the program or the library is lost: nobody can be asked.
+    bool nobody_to_ask() const { return at_once_; }
     /// Asks each holder once, the latest first; when all agree, a job that runs is ended: it never
     /// refuses. @return whether the way is free; not while it is being asked already, so that two
     /// closings at once are one
@@ -41,6 +41,7 @@ private:
     Job_State& job_;
     std::vector<Work_Holder*> holders_;
     bool asking_ = false;
+    bool at_once_ = false;
 };
 
 } // namespace app

@@ -67,6 +67,7 @@ void Undo_History::changed(const Change_Record& record) {
     step.turn_round();
     to_undo_.push_back(std::move(step));
     to_redo_.clear();
+    ++steps_made_;
 }
 
 /// Otherwise a step would find the row changed, and undoing it would undo the upkeep as well.

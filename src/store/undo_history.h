@@ -45,6 +45,8 @@ public:
     /// up to date; a set that goes is no longer current.
     [[nodiscard]] Undo_Result undo();
     [[nodiscard]] Undo_Result redo();
+    /// How many there have been; another number says that something was changed meanwhile.
+    std::uint64_t steps_made() const { return steps_made_; }
     void clear();
 
     void changed(const Change_Record& record) override;
@@ -68,6 +70,7 @@ private:
     clsDBConn& connection_;
     Steps to_undo_;
     Steps to_redo_;
+    std::uint64_t steps_made_ = 0;
     bool moving_ = false;
     QSet<QString> column_names_; ///< one text for all rows that have the column
 };

@@ -16,6 +16,7 @@
 #include "ui/parts/window_placer.h"
 
 #include <QCloseEvent>
+#include <QDebug>
 #include <QElapsedTimer>
 #include <QKeyEvent>
 #include <QScopedValueRollback>
@@ -189,6 +190,7 @@ void frm_script::insert_before(int line) {
         form_->lab_status->say(QStringLiteral("Nichts eingefügt: das Script hat alle 256 Zeilen."));
         return;
     }
+    form_->lab_status->forget();
     session_->insert(line);
     form_->Picture1->take_focus(line, Row_View::command_column);
     form_->Picture1->repaint();
@@ -214,6 +216,7 @@ void frm_script::ask_to_delete(int line) {
         return;
     }
     if (!session_) return;
+    form_->lab_status->forget();
     session_->erase(line);
     form_->Picture1->take_focus(line, Row_View::command_column);
 }
@@ -222,6 +225,7 @@ void frm_script::undo() {
     if (!session_) return;
     form_->Picture1->commit();
     const QScopedValueRollback back(going_back_, true);
+    form_->lab_status->forget();
     if (session_->can_undo())
         form_->Picture1->take_focus(session_->undo(), Row_View::command_column);
 }
@@ -230,6 +234,7 @@ void frm_script::redo() {
     if (!session_) return;
     form_->Picture1->commit();
     const QScopedValueRollback back(going_back_, true);
+    form_->lab_status->forget();
     if (session_->can_redo())
         form_->Picture1->take_focus(session_->redo(), Row_View::command_column);
 }
@@ -296,6 +301,7 @@ bool frm_script::save() {
     const auto held = AktScripts().Item(place); // a library that is lost takes its list along
     cls_script& script = *held;
     const cls_script before = script;
+    place_.database.take_trouble(); // of what was tried before
     session_->write_back(script);
     script.Stored_States = stored_states_;
     if (!place_.database.DB_Save_Script_States(place)) {
@@ -370,11 +376,13 @@ void frm_script::put_into_safety() {
                     QStringLiteral("Das Script „%1“ war nicht gespeichert und liegt nun in %2.")
                         .arg(ui_parts::shortened(name_), path));
         } catch (const files::Error& error) { // there is nobody to ask
-            if (place_.say)
-                place_.say(QStringLiteral("Das Script „%1“ war nicht gespeichert und konnte nicht "
-                                          "gesichert werden: ")
-                               .arg(ui_parts::shortened(name_)) +
-                           ui_parts::reason(error.kind));
+            const QString sentence =
+                QStringLiteral(
+                    "Das Script „%1“ war nicht gespeichert und konnte nicht gesichert werden: ")
+                    .arg(ui_parts::shortened(name_)) +
+                ui_parts::reason(error.kind);
+            qWarning().noquote() << sentence; // the window is perhaps gone before it is read
+            if (place_.say) place_.say(sentence);
         }
     }
     end();

@@ -92,6 +92,7 @@ bool is_redo(const QKeyEvent& key) {
 
 Entry_Box::Entry_Box(QWidget* parent) : QComboBox(parent) {
     setEditable(true);
+    setFocusPolicy(Qt::StrongFocus); // the wheel belongs to the rows
     setInsertPolicy(NoInsert);
     setCompleter(nullptr);
     setMinimumContentsLength(1);
@@ -186,6 +187,7 @@ void Entry_Box::keyPressEvent(QKeyEvent* event) {
 
 Info_Field::Info_Field(QWidget* parent) : QPlainTextEdit(parent) {
     setTabChangesFocus(true);
+    setFocusPolicy(Qt::StrongFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     document()->setDocumentMargin(text_margin);
     connect(document(), &QTextDocument::contentsChange, this, &Info_Field::note_what_came);

@@ -66,14 +66,15 @@ std::vector<Kept_Script> kept_scripts(files::Disk& disk, const QString& library)
     return found;
 }
 
-void set_kept_aside(files::Disk& disk, const Kept_Script& script) {
+bool set_kept_aside(files::Disk& disk, const Kept_Script& script) {
     try {
         QString aside = script.path + QStringLiteral(".alt");
         for (int number = 2; disk.file_exists(aside.toStdString()); ++number)
             aside = script.path + QStringLiteral(".alt%1").arg(number);
         disk.rename(script.path.toStdString(), aside.toStdString());
+        return true;
     } catch (const files::Error&) {
-        // Then it is offered again.
+        return false;
     }
 }
 

@@ -26,8 +26,8 @@ QString keep_script(files::Disk& disk, const QByteArray& file, const QString& na
 std::vector<Kept_Script> kept_scripts(files::Disk& disk, const QString& library);
 
 /// It stays where it is, since its letters or a value may have no room in the library, but is not
-/// offered any more. Does nothing where that fails.
-void set_kept_aside(files::Disk& disk, const Kept_Script& script);
+/// offered any more. @return false: it is offered again, since that failed
+[[nodiscard]] bool set_kept_aside(files::Disk& disk, const Kept_Script& script);
 
 /// The letters of a script's name that any file may have.
 QString plain_file_name(const QString& script);

@@ -181,6 +181,7 @@ void Frm_Main::show_title() {
 }
 
 void Frm_Main::meet(const store::Trouble& trouble) {
+    const auto one = inside_->messages.one_command();
     if (trouble.kind == store::Failure::replaced && !database_.Connection_Active()) {
         gate_.pass_at_once(); // the library is closed: nothing can be stored in it any more
         Refresh_Sets();       // and nothing of it stays in view

@@ -42,6 +42,7 @@ void Export_Commands::export_project(vqx_export::File_Type type) {
         at_.messages.say(text(Text::project_refused) + u' ' + ui_parts::reason(why, {}));
         return;
     }
+    if (app::globals.ScriptWindowOpen && !at_.gate.pass()) return; // it may hold what belongs in
     const QString proposed = project_name(app::globals.Database_File);
     const auto path = at_.desktop.ask_save_file(
         {app::globals.Database_Path, proposed, project_extension, text(Text::project_filter)});

@@ -39,13 +39,22 @@ History_Commands::History_Commands(const Surroundings& at, File_Commands& files)
     });
 }
 
+/// What is stored on the way is the newest step itself: the one that was meant comes after it.
+bool History_Commands::leave_for_history() {
+    const std::uint64_t before = history_.steps_made();
+    if (!at_.gate.pass()) return false;
+    if (history_.steps_made() == before) return true;
+    at_.messages.say(text(Text::stored_first));
+    return false;
+}
+
 void History_Commands::undo() {
-    if (history_.undo_name() && !at_.gate.pass()) return;
+    if (history_.undo_name() && !leave_for_history()) return;
     go_through_history(history_.undo(), Text::step_undone, Text::nothing_to_undo);
 }
 
 void History_Commands::redo() {
-    if (history_.redo_name() && !at_.gate.pass()) return;
+    if (history_.redo_name() && !leave_for_history()) return;
     go_through_history(history_.redo(), Text::step_redone, Text::nothing_to_redo);
 }
 

@@ -18,6 +18,7 @@ public:
     History_Commands(const Surroundings& at, File_Commands& files);
 
 private:
+    bool leave_for_history();
     void undo();
     void redo();
     void go_through_history(const store::Undo_Result& result, Text done, Text nothing);

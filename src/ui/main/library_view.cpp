@@ -163,6 +163,7 @@ void Library_View::Redraw_Script_List() {
     if (redrawing_scripts_) return;
     const QScopedValueRollback guard(redrawing_scripts_, true);
     form_.UC_Scripte1->refill(store::active_scripts(database_), database_.script_name_width());
+    Q_EMIT scripts_shown();
 }
 
 void Library_View::show_active_scripts() {
@@ -179,6 +180,7 @@ void Library_View::say_set_gone(const QString& shown) {
 
 bool Library_View::leave_gone_set(std::int32_t SetID, const QString& shown) {
     if (SetID == 0 || !database_.set_gone(SetID)) return false;
+    const auto one = messages_.one_command();
     gate_.pass_at_once();     // nothing can be stored in it any more
     database_.take_trouble(); // it is told here, by the name of the set
     refill_sets(SetID);
@@ -204,10 +206,10 @@ void Library_View::refill_if_changed() {
     const std::vector<std::int32_t> cvs = form_.lst_CVs->selected_keys();
     const std::int32_t current = form_.lst_CVs->key(form_.lst_CVs->current_row());
     const QString before = shown_set();
+    const auto one = messages_.one_command();
     if (SetID != 0 && database_.set_gone(SetID)) gate_.pass_at_once();
     const bool there = refill_sets(SetID);
     form_.lst_CVs->select_keys(cvs, current);
-    const auto one = messages_.one_command();
     if (!there && SetID != 0) say_set_gone(before);
     if (scripts::AktScripts().States_Left_Out() == left_out)
         messages_.say_trouble(); // what stands there holds

@@ -62,7 +62,8 @@ public:
 Q_SIGNALS:
     void refreshed(); ///< another library may be shown
     void family_chosen(int index);
-    void shown(); ///< a set, perhaps another one
+    void scripts_shown(); ///< of the set, perhaps of another one
+    void shown();         ///< a set, perhaps another one
 
 private:
     void wire();

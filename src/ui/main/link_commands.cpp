@@ -185,11 +185,12 @@ QString Link_Commands::all_read(const Outcome& outcome) {
         return joined(why, said);
     }
     at_.messages.say_trouble();
-    if (at_.gate.passing()) return why; // the program ends, and there is nobody to be asked
+    if (at_.gate.nobody_to_ask()) return why;
     const auto records = link_jobs::records_read(outcome.read, outcome.values.decoder.cv_space);
     const QString question = QStringLiteral(
         "Die gelesenen CVs konnten nicht gespeichert werden. In die Zwischenablage legen?");
-    if (at_.desktop.ask_yes_no(text(Text::attention), question))
+    const auto wanted = at_.desktop.ask_whether_to_keep(text(Text::attention), question);
+    if (wanted != desktop::Desktop::Answer::no) // minutes of reading are not lost by a wrong key
         at_.messages.say(at_.desktop.Set_Clipboard_Text({store::cvs_text(records), {}})
                              ? text(Text::cvs_copied).arg(static_cast<int>(records.size()))
                              : text(Text::clipboard_refused));
@@ -198,7 +199,6 @@ QString Link_Commands::all_read(const Outcome& outcome) {
 
 bool Link_Commands::store_read(const Outcome& outcome, const QString& name) {
     const auto records = link_jobs::records_read(outcome.read, outcome.values.decoder.cv_space);
-    if (!at_.gate.passing() && !at_.gate.pass()) return false;
     std::int32_t SetID = 0;
     bool kept = false;
     {
@@ -210,7 +210,9 @@ bool Link_Commands::store_read(const Outcome& outcome, const QString& name) {
         for (store::CVRec cv : records) written = written && at_.database.DB_Write_CV(cv);
         kept = written && operation.keep();
     }
-    at_.view.refill_sets(kept ? SetID : at_.view.selected_set());
+    // Whoever edits a script goes on with its set, most of all while he is asked about it.
+    const bool stays = !kept || at_.gate.somebody_may_stay();
+    at_.view.refill_sets(stays ? at_.view.selected_set() : SetID);
     return kept;
 }
 

@@ -14,6 +14,8 @@
 
 #include <utility>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace ui_main {
 
 Script_Window::Script_Window(const Surroundings& at, scripts_ui::Make_Cab make_cab)
@@ -24,7 +26,7 @@ Script_Window::Script_Window(const Surroundings& at, scripts_ui::Make_Cab make_c
     connect(at.form.UC_Scripte1, &scripts_ui::UC_Scripte::open_wanted, this, [this](int position) {
         at_.messages.command([this, position] { Open_Script(position); })();
     });
-    connect(&at.view, &Library_View::shown, this, [this] {
+    connect(&at.view, &Library_View::scripts_shown, this, [this] {
         if (window_) window_->scripts_loaded();
     });
 }
@@ -47,18 +49,30 @@ void Script_Window::Open_Script(int position) {
 }
 
 void Script_Window::offer_kept_scripts() {
+    const auto one = at_.messages.one_command();
+    using enum desktop::Desktop::Answer;
     for (const scripts_ui::Kept_Script& kept :
          scripts_ui::kept_scripts(at_.disk, at_.database.database_file())) {
         at_.view.show_set(kept.SetID);
-        if (at_.view.selected_set() != kept.SetID || !at_.database.writable()) continue;
+        if (at_.view.selected_set() == 0 || !at_.database.writable()) {
+            at_.messages.say(
+                QStringLiteral("Ein nicht gespeichertes Script liegt in %1.").arg(kept.path));
+            continue;
+        }
+        const bool in_its_set = at_.view.selected_set() == kept.SetID;
         const auto wanted = at_.desktop.ask_whether_to_keep(
             app::TextTable.text(198),
-            QStringLiteral("Das Script „%1“ des CV-Sets „%2“ war am Ende des Programms nicht "
-                           "gespeichert. Jetzt als neues Script in das CV-Set übernehmen?")
+            (in_its_set ? u"Das Script „%1“ des CV-Sets „%2“ war am Ende des Programms nicht "
+                          u"gespeichert. Jetzt als neues Script in das CV-Set übernehmen?"_s
+                        : u"Das Script „%1“ war am Ende des Programms nicht gespeichert, und sein "
+                          u"CV-Set gibt es nicht mehr. Jetzt als neues Script in das CV-Set „%2“ "
+                          u"übernehmen?"_s)
                 .arg(ui_parts::shortened(kept.name), at_.view.shown_set()));
-        using enum desktop::Desktop::Answer;
-        if (wanted == no) scripts_ui::set_kept_aside(at_.disk, kept);
-        if (wanted == yes && !take_kept_script(kept)) return;
+        const bool done = wanted == no || (wanted == yes && take_kept_script(kept));
+        if (done && !scripts_ui::set_kept_aside(at_.disk, kept))
+            at_.messages.say(
+                QStringLiteral("%1 wird wieder angeboten: der Ordner kann nicht geändert werden.")
+                    .arg(kept.path));
     }
 }
 
@@ -72,18 +86,19 @@ bool Script_Window::take_kept_script(const scripts_ui::Kept_Script& kept) {
         const bool room = scripts::AktScripts().Count() < scripts::cls_script_coll::max_scripts;
         if (!room || file.scripts.size() != 1) {
             at_.messages.say(
-                QStringLiteral("Nicht übernommen; das Script liegt in %1.").arg(kept.path));
+                (room
+                     ? u"Nicht übernommen, da unvollständig; das Script liegt in %1."_s
+                     : u"Nicht übernommen, weil das CV-Set 16 Scripte hat; das Script liegt in %1."_s)
+                    .arg(kept.path));
             return false;
         }
         const bool taken = store::import_scripts(at_.database, file.scripts).kept;
         at_.view.Redraw_Script_List();
-        if (!taken) {
+        if (taken)
+            at_.form.UC_Scripte1->choose(scripts::AktScripts().Count());
+        else
             at_.messages.say_trouble();
-            return false;
-        }
-        at_.form.UC_Scripte1->choose(scripts::AktScripts().Count());
-        scripts_ui::set_kept_aside(at_.disk, kept);
-        return true;
+        return taken;
     } catch (const files::Error& error) {
         at_.messages.say_and_log(QStringLiteral("%1: ").arg(kept.path) +
                                      ui_parts::reason(error.kind),

@@ -111,6 +111,9 @@ constexpr Entry table[] = {
 
     {Text::step_undone, u"Rückgängig: %1."},
     {Text::step_redone, u"Wiederholt: %1."},
+    {Text::stored_first,
+     u"Gespeichert, was offen war; sonst ist nichts geändert. „Rückgängig“ nimmt "
+     u"als Nächstes dieses Speichern zurück."},
     {Text::nothing_to_undo, u"Es gibt nichts rückgängig zu machen."},
     {Text::nothing_to_redo, u"Es gibt nichts zu wiederholen."},
     {Text::step_changed_elsewhere, u"„%1“ lässt sich nicht mehr umkehren: Ein anderes Programm hat "

@@ -103,6 +103,7 @@ enum class Text {
 
     step_undone, ///< %1 step
     step_redone, ///< %1 step
+    stored_first,
     nothing_to_undo,
     nothing_to_redo,
     step_changed_elsewhere, ///< %1 step

@@ -248,6 +248,36 @@ TEST_F(Editor_Test, what_others_store_meanwhile_is_shown_when_it_is_closed) {
     push("cmd_ok");
     leave_and_return();
     EXPECT_EQ(sets().count(), shown + 1);
+    open();
+    write("txt_State_Info", 0, "verloren?");
+    elsewhere([this](store::clsDBConn& other) { return other.DB_Del_CVSet(set_with_scripts); });
+    leave_and_return();
+    EXPECT_EQ(editor(), nullptr);
+    EXPECT_THAT(status(), testing::AllOf(HasSubstr("war nicht gespeichert und liegt nun in"),
+                                         HasSubstr("nicht mehr vorhanden")));
+}
+
+TEST_F(Editor_Test, undo_in_the_library_does_not_take_what_it_makes_the_editor_store) {
+    const auto untouched = stored_lines();
+    const auto store = [this](const char* info) {
+        write("txt_State_Info", 0, info);
+        push("cmd_ok");
+        open();
+    };
+    store("eins");
+    for (const char* command : {"mnu_undo", "mnu_redo"}) {
+        SCOPED_TRACE(command);
+        if (command == std::string("mnu_redo")) choose("mnu_undo");
+        if (editor() == nullptr) open();
+        const std::string info = std::string("gerade ") + command;
+        write("txt_State_Info", 0, info.c_str());
+        desktop.expect_question(title, question, Answer::yes);
+        choose(command);
+        EXPECT_EQ(stored_lines()[0].second, info);
+        EXPECT_THAT(status(), HasSubstr("Gespeichert, was offen war"));
+    }
+    for (int i = 0; i < 2; ++i) choose("mnu_undo");
+    EXPECT_EQ(stored_lines(), untouched);
 }
 
 TEST_F(Editor_Test, what_is_not_stored_when_the_program_has_to_end_is_offered_at_the_next_start) {
@@ -281,6 +311,23 @@ TEST_F(Editor_Test, what_is_not_stored_when_the_program_has_to_end_is_offered_at
         open();
     }
     push("cmd_cancel");
+    const QString library = database.database_file();
+    const QByteArray good = "\"Scripts\"\n\"Script\"\n\"Name\",\"B\"\n\"/Scripts\"\n";
+    scripts_ui::keep_script(disk, good.left(20), QStringLiteral("A"), set_with_scripts, 1, library);
+    scripts_ui::keep_script(disk, good, QStringLiteral("B"), 99999, 1, library);
+    const QString set = QString::fromStdString(selected(sets()).front());
+    for (const QString& question :
+         {QStringLiteral("Das Script „A“ des CV-Sets „%1“ war am Ende des Programms nicht "
+                         "gespeichert. Jetzt als neues Script in das CV-Set übernehmen?"),
+          QStringLiteral("Das Script „B“ war am Ende des Programms nicht gespeichert, und sein "
+                         "CV-Set gibt es nicht mehr. Jetzt als neues Script in das CV-Set „%1“ "
+                         "übernehmen?")})
+        desktop.expect_question(title, question.arg(set), Answer::yes);
+    const int scripts_before = scripts::AktScripts().Count();
+    start_bare();
+    QApplication::processEvents();
+    EXPECT_EQ(scripts::AktScripts().Count(), scripts_before + 1);
+    EXPECT_THAT(status(), HasSubstr("da unvollständig; das Script liegt in"));
     std::set<QString> kept; // by several copies of the program that end at once
     for (const char* content : {"one", "another"})
         kept.insert(scripts_ui::keep_script(disk, content, {}, 1, 2, {}));
