@@ -21,6 +21,7 @@ std::function<void()> Messages::command(std::function<void()> run) {
 }
 
 bool Messages::say_trouble() {
+    const One_Command one(line_); // whoever is told of it may have something to say, too
     say_missing_copy();
     const std::optional<store::Trouble> trouble = database_.take_trouble();
     if (!trouble) return false;
