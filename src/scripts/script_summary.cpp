@@ -13,7 +13,6 @@ namespace known = scripts_catalogue;
 
 constexpr std::int32_t queries_key = 4;
 constexpr std::int32_t switches_output = 15;
-constexpr int most_references = 2; ///< of a line
 
 using Numbers = std::set<int>;
 
@@ -42,8 +41,8 @@ Script_Summary summary(const cls_script& script) {
     Numbers keys, outputs, output_cvs, cvs;
     for (int place = 0; place < script.StateCount; ++place) {
         const cls_Scriptstate& line = script.GetState(place);
-        for (int which = 0; which < most_references; ++which)
-            if (const int cv = line.used_cv(which); is_script_cv(cv)) cvs.insert(cv);
+        for (int which = 0; which < line.CVRefCount(); ++which)
+            if (const int cv = line.GetCVRef(which); is_script_cv(cv)) cvs.insert(cv);
         if (line.GetCommand() == queries_key) keys.insert(line.key());
         if (line.GetCommand() != switches_output) continue;
         const int cv = line.used_cv(0);

@@ -11,7 +11,7 @@ namespace scripts {
 struct Script_Summary {
     QString keys;    ///< that lines query
     QString outputs; ///< that lines switch
-    QString cvs;     ///< script CVs that lines refer to
+    QString cvs;     ///< script CVs that lines refer to and an import can move
 };
 
 /// @param script in decoder form
