@@ -33,13 +33,14 @@ int main(int argc, char** argv) {
     ui_desktop::speak_german();
 
     ui_desktop::Qt_Desktop desktop;
-    const scripts_ui::Make_Cab make_cab = [&desktop](sim::Cab_Listener& listener,
-                                                     timing::Time& time, sim::Script_CV cv) {
-        auto cab =
-            std::make_unique<sim_ui::frm_Sim_Fahrpult>(listener, time, std::move(cv), desktop);
-        cab->load();
-        return cab;
-    };
+    const auto cab_place = std::make_shared<std::optional<app::Window_Place>>();
+    const scripts_ui::Make_Cab make_cab =
+        [&desktop, cab_place](sim::Cab_Listener& listener, timing::Time& time, sim::Script_CV cv) {
+            auto cab = std::make_unique<sim_ui::frm_Sim_Fahrpult>(
+                listener, time, std::move(cv), desktop, sim::SimDecoderState(), cab_place);
+            cab->load();
+            return cab;
+        };
     ui_main::Frm_Main window(desktop, files::real_disk(), store::DBConn(), link_ui::real_ports(),
                              make_cab);
     const desktop::End_Signals signals([&window] {

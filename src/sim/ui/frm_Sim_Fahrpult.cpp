@@ -37,9 +37,11 @@ void mark_differing(const Value_Array& labels, const Values& now, const Values& 
 
 frm_Sim_Fahrpult::frm_Sim_Fahrpult(sim::Cab_Listener& listener, timing::Time& time,
                                    sim::Script_CV script_cv, desktop::Desktop& desktop,
-                                   sim::Simulated_Decoder& decoder)
+                                   sim::Simulated_Decoder& decoder,
+                                   std::shared_ptr<std::optional<app::Window_Place>> last_place)
     : listener_(listener), decoder_(decoder), drive_(decoder, std::move(script_cv)), form_(*this),
-      Timer2_(time.tick_timer([this] { tick(); })), placer_(*this, desktop) {
+      Timer2_(time.tick_timer([this] { tick(); })), placer_(*this, desktop),
+      last_place_(std::move(last_place)) {
     setObjectName(QStringLiteral("frm_Sim_Fahrpult"));
     setWindowTitle(text(own::title));
     setAttribute(Qt::WA_QuitOnClose, false); // the program ends with its main window
@@ -47,7 +49,10 @@ frm_Sim_Fahrpult::frm_Sim_Fahrpult(sim::Cab_Listener& listener, timing::Time& ti
     connect_values(form_.events, &frm_Sim_Fahrpult::store_event);
     connect_values(form_.variables, &frm_Sim_Fahrpult::store_variable);
     connect_values(form_.decoder_values, &frm_Sim_Fahrpult::store_value);
-    resize(form_.content->sizeHint().boundedTo(screen()->availableSize() - frame_room));
+    if (last_place_ && *last_place_)
+        placer_.bring_to(**last_place_);
+    else
+        resize(form_.content->sizeHint().boundedTo(screen()->availableSize() - frame_room));
 }
 
 frm_Sim_Fahrpult::~frm_Sim_Fahrpult() { stop_simulation(); }
@@ -73,6 +78,7 @@ void frm_Sim_Fahrpult::closeEvent(QCloseEvent* event) {
 
 void frm_Sim_Fahrpult::stop_simulation() {
     if (!loaded_ || std::exchange(Unloading_, true)) return;
+    if (last_place_) *last_place_ = placer_.place();
     listener_.BeforeSimStop();
     Timer2_->enable(false);
     editors_.clear();

@@ -9,6 +9,7 @@
 
 #include <QWidget>
 #include <memory>
+#include <optional>
 
 namespace sim_ui {
 
@@ -19,9 +20,11 @@ class frm_Sim_Fahrpult final : public QWidget, public sim::Cab {
     Q_OBJECT
 public:
     /// @param listener, time, desktop, decoder live longer
+    /// @param last_place where a cab stood last: there this one opens, and it says where it closed
     frm_Sim_Fahrpult(sim::Cab_Listener& listener, timing::Time& time, sim::Script_CV script_cv,
                      desktop::Desktop& desktop,
-                     sim::Simulated_Decoder& decoder = sim::SimDecoderState());
+                     sim::Simulated_Decoder& decoder = sim::SimDecoderState(),
+                     std::shared_ptr<std::optional<app::Window_Place>> last_place = {});
     /// Closes it, where nobody has done so yet.
     ~frm_Sim_Fahrpult() override;
 
@@ -62,6 +65,7 @@ private:
     bool Unloading_ = false;
     std::unique_ptr<timing::Tick_Timer> Timer2_; ///< of the ramp
     ui_parts::Window_Placer placer_;
+    std::shared_ptr<std::optional<app::Window_Place>> last_place_;
 };
 
 } // namespace sim_ui

@@ -28,7 +28,7 @@ struct Cab_Test : testing::Test, sim::Cab_Listener {
 
     void open() {
         cab = std::make_unique<sim_ui::frm_Sim_Fahrpult>(
-            *this, time, [](int cv) { return cv == 310 ? 3 : 0; }, desktop, decoder);
+            *this, time, [](int cv) { return cv == 310 ? 3 : 0; }, desktop, decoder, last_place);
         cab->load();
         ASSERT_TRUE(QTest::qWaitForWindowActive(cab.get()));
     }
@@ -57,6 +57,8 @@ struct Cab_Test : testing::Test, sim::Cab_Listener {
     timing::Virtual_Time time;
     sim::Simulated_Decoder decoder;
     std::string told;
+    std::shared_ptr<std::optional<app::Window_Place>> last_place =
+        std::make_shared<std::optional<app::Window_Place>>();
     std::unique_ptr<sim_ui::frm_Sim_Fahrpult> cab;
 };
 
@@ -196,8 +198,13 @@ TEST_F(Cab_Test, values_are_edited_in_place_and_what_a_step_changed_is_marked) {
 }
 
 TEST_F(Cab_Test, closing_is_told_once_and_ends_the_ramp) {
+    const QRect place(120, 90, 900, 500);
     for (const bool by_hand : {true, false}) {
         open();
+        if (!by_hand) {
+            EXPECT_EQ(cab->geometry(), place) << "where it was";
+        }
+        cab->setGeometry(place);
         find<QSlider>("sli_speed")->setValue(0);
         QTest::mouseClick(find<QLabel>("lab_var_0"), Qt::LeftButton);
         QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("9"));
