@@ -18,7 +18,8 @@ constexpr std::size_t password_at = 0x42;
 constexpr std::size_t collation_at = 0x6E; // Jet 3: 0x3A, 16 bits
 constexpr std::size_t date_at = 0x72;
 constexpr std::size_t commits_at = 0xE00;
-constexpr std::string_view engine_name{"Standard Jet DB", 16};
+constexpr char engine_bytes[] = "Standard Jet DB"; // with the zero behind it
+constexpr std::string_view engine_name{engine_bytes, sizeof engine_bytes};
 
 /// Hides the fields from 0x18 on; the same in all files, and its own inverse.
 constexpr std::array<std::uint8_t, 128> header_mask = {
