@@ -149,10 +149,10 @@ void frm_script::say_why_it_stands(const QString& sentence) {
 }
 
 void frm_script::toggle_break(int line) {
-    if (!session_ || line >= session_->lines()) return;
-    if (debugger_.has_break(line))
+    if (!session_) return;
+    if (debugger_.has_break(line)) // also of a line that undo has taken away
         debugger_.remove_break(line);
-    else
+    else if (line < session_->lines())
         debugger_.put_break(line);
     form_->Picture1->refresh_marks();
     debug_changed();
@@ -161,16 +161,18 @@ void frm_script::toggle_break(int line) {
 /// The simulation stays on its line.
 void frm_script::line_inserted(int line) {
     debugger_.line_inserted(line);
-    if (going_back_ && !lost_breaks_.empty() && lost_breaks_.back().line == line) {
-        debugger_.put_break(line, lost_breaks_.back().condition);
-        lost_breaks_.pop_back();
+    auto& brought_back = going_ == Going::back ? to_undo_ : to_redo_;
+    if (going_ != Going::on && !brought_back.empty()) {
+        if (brought_back.back().there) debugger_.put_break(line, brought_back.back().condition);
+        brought_back.pop_back();
     }
     std::int16_t& current = SimDecoderState().SimCurrentState;
     if (simulation_ && current >= line && current < scripts::cls_script::max_states - 1) ++current;
 }
 
 void frm_script::line_deleted(int line) {
-    if (debugger_.has_break(line)) lost_breaks_.push_back({line, debugger_.condition_of(line)});
+    (going_ == Going::back ? to_redo_ : to_undo_)
+        .push_back({debugger_.has_break(line), debugger_.condition_of(line)});
     if (debugger_.line_deleted(line))
         form_->lab_status->say(QStringLiteral("Der Haltepunkt der gelöschten Zeile ist weg."));
     std::int16_t& current = SimDecoderState().SimCurrentState;

@@ -184,11 +184,23 @@ TEST_F(Editor_Test, lines_are_written_inserted_copied_and_deleted) {
     EXPECT_EQ(commands(), untouched);
     EXPECT_FALSE(editor()->findChild<QPushButton*>(QStringLiteral("cmd_undo"))->isEnabled());
     EXPECT_TRUE(editor()->isVisible()) << "the library's own undo would have asked to close";
-    at("combo_Command", 1).setFocus();
-    press(Qt::Key_A, Qt::ControlModifier);
-    type("warten");
+    const auto half_written = [](int line, const char* keys) {
+        at("combo_Command", line).setFocus();
+        press(Qt::Key_A, Qt::ControlModifier);
+        type(keys);
+    };
+    half_written(1, "warten");
     press(Qt::Key_Escape);
     EXPECT_EQ(commands(), untouched);
+    half_written(1, "-");
+    press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(commands(), untouched) << "and nothing is asked";
+    half_written(0, "-");
+    desktop.expect_question(QStringLiteral("State löschen?"), QStringLiteral("State löschen?"),
+                            Answer::yes);
+    press(Qt::Key_Insert);
+    push("cmd_undo");
+    EXPECT_EQ(commands(), untouched) << "nothing is inserted before the line that has moved up";
     const QPoint middle = at("combo_Command", 2).rect().center();
     QWheelEvent wheel(middle, at("combo_Command", 2).mapToGlobal(middle), {}, {0, -120},
                       Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
@@ -382,6 +394,23 @@ TEST_F(Editor_Test, looking_for_a_fault_follows_what_is_edited_and_driven) {
     EXPECT_EQ(places(), "1 ");
     for (int i = 0; i < 2; ++i) push("cmd_undo");
     EXPECT_EQ(places(), "1 3 ") << "undo brings them back with their lines";
+    for (const int line : {3, 3}) { // the second has none
+        desktop.expect_question(QStringLiteral("State löschen?"), QStringLiteral("State löschen?"),
+                                Answer::yes);
+        at("combo_Command", line).setFocus();
+        press(Qt::Key_Delete, Qt::ControlModifier);
+    }
+    push("cmd_undo");
+    EXPECT_EQ(places(), "1 ");
+    push("cmd_undo");
+    EXPECT_EQ(places(), "1 3 ");
+    const int unused = scripts::AktScripts().Item(1)->StateCount;
+    press(Qt::Key_End, Qt::ControlModifier);
+    type("sound");
+    QTest::mouseClick(&at("break_margin", unused), Qt::LeftButton);
+    push("cmd_undo");
+    QTest::mouseClick(&at("break_margin", unused), Qt::LeftButton);
+    EXPECT_EQ(places(), "1 3 ") << "that of a line that is gone can be removed";
 
     push("cmd_Pause");
     push("cmd_sim");
