@@ -1,8 +1,5 @@
 // Running the script that is being edited.
 
-#include "app/mod_main.h"
-#include "app/one_line.h"
-#include "scripts/catalogue/commands.h"
 #include "scripts/ui/debug_panel.h"
 #include "scripts/ui/debug_values.h"
 #include "scripts/ui/editor_form.h"
@@ -61,7 +58,10 @@ void frm_script::line_changed(int /*old_line*/, int new_line) {
     debug_changed();
 }
 
-void frm_script::switch_simulation() { simulation_ ? end_simulation() : begin_simulation(); }
+void frm_script::switch_simulation() {
+    form_->lab_status->forget();
+    simulation_ ? end_simulation() : begin_simulation();
+}
 
 void frm_script::begin_simulation() {
     if (!session_ || !place_.make_cab) return;
@@ -88,6 +88,7 @@ void frm_script::end_simulation() {
     if (!simulation_) return;
     simulation_.reset();
     show_red(*form_->cmd_sim, false);
+    if (debug_ != nullptr) debug_->say({}); // the foot says, perhaps, why it has ended
     form_->Picture1->refresh_marks();
     debug_changed();
 }
@@ -230,7 +231,7 @@ bool frm_script::debug_key(const QKeyEvent& key) {
         return key.key() == wanted && key.modifiers() == with;
     };
     if (is(Qt::Key_F5))
-        simulation_ ? pause() : begin_simulation();
+        simulation_ ? pause() : switch_simulation();
     else if (is(Qt::Key_F10))
         form_->cmd_Einzel->click();
     else if (is(Qt::Key_F6))

@@ -428,6 +428,10 @@ TEST_F(Editor_Test, looking_for_a_fault_follows_what_is_edited_and_driven) {
     QTest::keyClick(cab, Qt::Key_F10);
     EXPECT_GT(editor()->findChild<QTreeView*>(QStringLiteral("debug_trace"))->model()->rowCount(),
               0);
+    const auto* why = editor()->findChild<QLabel*>(QStringLiteral("debug_reason"));
+    EXPECT_FALSE(why->text().isEmpty());
+    push("cmd_sim");
+    EXPECT_TRUE(why->text().isEmpty()) << "nothing stands any more";
     push("cmd_Pause");
     push("cmd_cancel");
 }
