@@ -1,6 +1,5 @@
 #include "scripts/ui/frm_script.h"
 
-#include "app/mod_fileverwaltung.h"
 #include "app/mod_main.h"
 #include "app/one_line.h"
 #include "app/text_table.h"
@@ -22,7 +21,8 @@
 #include <QScopedValueRollback>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
-#include <algorithm>
+#include <span>
+#include <utility>
 
 namespace scripts_ui {
 

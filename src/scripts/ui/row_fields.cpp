@@ -8,7 +8,11 @@
 #include <QPainter>
 #include <QScopedValueRollback>
 #include <QSignalBlocker>
+#include <QTextCursor>
+#include <QTextDocument>
 #include <QWheelEvent>
+#include <algorithm>
+#include <utility>
 
 namespace scripts_ui {
 namespace {
