@@ -102,6 +102,8 @@ Entry_Box::Entry_Box(QWidget* parent) : QComboBox(parent) {
     setMinimumContentsLength(1);
     setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
     setMaxVisibleItems(20);
+    // Qt takes the entry that has the text, typed or not, as chosen when the box is left.
+    disconnect(lineEdit(), &QLineEdit::editingFinished, this, nullptr);
     connect(this, &QComboBox::activated, this, [this](int entry) {
         typing_ = false;
         Q_EMIT chosen(entry);

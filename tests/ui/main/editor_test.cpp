@@ -195,6 +195,14 @@ TEST_F(Editor_Test, lines_are_written_inserted_copied_and_deleted) {
     half_written(1, "-");
     press(Qt::Key_Z, Qt::ControlModifier);
     EXPECT_EQ(commands(), untouched) << "and nothing is asked";
+    half_written(1, "-");
+    {
+        QWidget other;
+        other.show();
+        QApplication::setActiveWindow(&other);
+    }
+    QApplication::setActiveWindow(editor());
+    EXPECT_EQ(commands(), untouched) << "whoever goes to another window has not decided yet";
     half_written(0, "-");
     desktop.expect_question(QStringLiteral("State löschen?"), QStringLiteral("State löschen?"),
                             Answer::yes);
