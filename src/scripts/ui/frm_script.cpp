@@ -87,8 +87,8 @@ void frm_script::open(int position) {
     name_ = script.ScriptName;
     library_ = place_.database.database_file();
     debugger_ = {};
-    to_undo_.clear();
-    to_redo_.clear();
+    left_for_undo_.clear();
+    left_for_redo_.clear();
     debugger_.Stopped = [this](int line, sim::Stop_Reason why) { stopped(line, why); };
     sim::SimDecoderState().SimPaused = false;
     place_.gate.add(*this);
@@ -242,7 +242,7 @@ void frm_script::go(Going way) {
 }
 
 void frm_script::lines_changed() {
-    if (going_ == Going::on) to_redo_.clear();
+    if (going_ == Going::on) left_for_redo_.clear();
     form_->Picture1->refresh();
     refresh_buttons();
     debug_changed(); // break points have moved along
@@ -324,7 +324,7 @@ bool frm_script::save() {
     if (place_.say)
         place_.say(QStringLiteral("Script „%1“ gespeichert.").arg(ui_parts::shortened(name_)) +
                    (lost > 0
-                        ? QStringLiteral(" Die Quelle des CV-Werts steht nur in Script-Dateien.")
+                        ? QStringLiteral(" Die Quelle des CV-Werts steht nur in Scriptdateien.")
                         : QString()));
     if (place_.stored) place_.stored();
     return true;
@@ -342,7 +342,7 @@ cls_script frm_script::in_file_form() const {
 void frm_script::offer_file(const QString& reason) {
     const bool wanted = place_.desktop.ask_yes_no(
         app::TextTable.text(198),
-        reason + QStringLiteral("\nDas Script bleibt offen. Jetzt als Script-Datei sichern?"));
+        reason + QStringLiteral("\nDas Script bleibt offen. Jetzt als Scriptdatei sichern?"));
     if (!wanted) return;
     const auto path =
         ask_script_file(place_.desktop, place_.disk, place_.database, plain_file_name(name_));
@@ -356,9 +356,9 @@ void frm_script::offer_file(const QString& reason) {
             replaced == 0 ? QString()
                           : QStringLiteral(" Zeichen, die eine Scriptdatei nicht kennt („?“): %1.")
                                 .arg(replaced);
-        form_->lab_status->say(QStringLiteral("Als Script-Datei gesichert.") + lost);
+        form_->lab_status->say(QStringLiteral("Als Scriptdatei gesichert.") + lost);
     } catch (const files::Error& error) {
-        form_->lab_status->say(QStringLiteral("Die Script-Datei kann nicht geschrieben werden: ") +
+        form_->lab_status->say(QStringLiteral("Die Scriptdatei kann nicht geschrieben werden: ") +
                                ui_parts::reason(error.kind));
     }
 }

@@ -246,7 +246,7 @@ TEST_F(Editor_Test, a_script_that_another_copy_has_changed_is_not_stored_over_it
         title,
         QStringLiteral("In „CV-Sets.mdb“ wurde dieser Eintrag inzwischen anderswo "
                        "geändert; es wurde nichts gespeichert.\nDas Script "
-                       "bleibt offen. Jetzt als Script-Datei sichern?"),
+                       "bleibt offen. Jetzt als Scriptdatei sichern?"),
         Answer::yes);
     disk.set_bytes(file.toStdString(), {});
     desktop.expect_save(file);
