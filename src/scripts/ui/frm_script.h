@@ -125,7 +125,7 @@ private:
     sim::Script_Clock clock_;
     sim::Debugger debugger_;
     /// Of all lines that undo or redo can bring back, the next one last.
-    std::vector<Left_Break> to_undo_, to_redo_;
+    std::vector<Left_Break> left_for_undo_, left_for_redo_;
     Going going_ = Going::on;
     bool deletes_nothing_ = false; ///< what is half written
     std::unique_ptr<sim::cls_script_sim> simulation_;

@@ -162,7 +162,7 @@ void frm_script::toggle_break(int line) {
 /// The simulation stays on its line.
 void frm_script::line_inserted(int line) {
     debugger_.line_inserted(line);
-    auto& brought_back = going_ == Going::back ? to_undo_ : to_redo_;
+    auto& brought_back = going_ == Going::back ? left_for_undo_ : left_for_redo_;
     if (going_ != Going::on && !brought_back.empty()) {
         if (brought_back.back().there) debugger_.put_break(line, brought_back.back().condition);
         brought_back.pop_back();
@@ -172,7 +172,7 @@ void frm_script::line_inserted(int line) {
 }
 
 void frm_script::line_deleted(int line) {
-    (going_ == Going::back ? to_redo_ : to_undo_)
+    (going_ == Going::back ? left_for_redo_ : left_for_undo_)
         .push_back({debugger_.has_break(line), debugger_.condition_of(line)});
     if (debugger_.line_deleted(line))
         form_->lab_status->say(QStringLiteral("Der Haltepunkt der gelöschten Zeile ist weg."));
