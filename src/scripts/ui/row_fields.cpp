@@ -265,6 +265,7 @@ void Info_Field::resizeEvent(QResizeEvent* event) {
 
 void Info_Field::commit() {
     cut_what_came();
+    document()->clearUndoRedoStacks(); // from here on it is the script's to be undone
     const QString now = toPlainText();
     if (std::exchange(shown_, now) == now) return;
     info_ = stored_form(now);

@@ -464,6 +464,10 @@ TEST_F(Editor_Test, what_is_typed_stays_with_its_line) {
     press(Qt::Key_V, Qt::ControlModifier);
     press(Qt::Key_Tab); // of the first engine, half would fit
     EXPECT_EQ(info(last), "hier geht es weiter" + std::string(233, 'x') + "\n");
+    at("txt_State_Info", last).setFocus();
+    press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(info(last), "hier") << "what is done is undone by the editor, whatever line is here";
+    push("cmd_redo");
     auto& scroll = *editor()->findChild<QScrollBar*>(QStringLiteral("VScroll1"));
     const int first = scroll.value();
     const QPoint middle = scroll.rect().center();
