@@ -258,6 +258,7 @@ TEST_F(Editor_Test, a_script_that_another_copy_has_changed_is_not_stored_over_it
     const auto bytes = disk.bytes(file.toStdString());
     EXPECT_THAT(std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size()),
                 HasSubstr("\"Info\",\"meins\""));
+    EXPECT_EQ(app::globals.LastScriptdir, QStringLiteral("/home/anna/"));
     push("cmd_cancel");
 }
 
