@@ -21,7 +21,8 @@ struct Script_File {
     int texts_cut_short = 0;  ///< by a quote that was not doubled, or one that was missing
 };
 
-/// Reads the scripts of a file, which may be in UTF-8 where it begins with its mark. Whatever stands in it, this ends and refuses nothing.
+/// Reads the scripts of a file, which may be in UTF-8 where it begins with its mark. Whatever stands
+/// in it, this ends and refuses nothing.
 Script_File read_script_file(const QByteArray& bytes);
 
 /// @param script in file form

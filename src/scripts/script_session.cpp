@@ -47,9 +47,9 @@ void Script_Session::write_back(cls_script& stored) const {
 
 // Steps
 
-void Script_Session::begin(Kind kind, int line, std::optional<Place> typed) {
-    const bool goes_on = typed && typed == typed_ && !undo_.empty();
-    typed_ = typed;
+void Script_Session::begin(Kind kind, int line, bool typing) {
+    const bool goes_on = typing && typed_ == line && !undo_.empty();
+    typed_ = typing ? std::optional(line) : std::nullopt;
     if (!goes_on) undo_.push_back({now_, kind, line});
     if (undo_.size() > most_steps) undo_.pop_front();
     redo_.clear();
@@ -124,15 +124,13 @@ void Script_Session::erase(int line) {
 void Script_Session::choose_command(int line, std::int32_t code, bool typing) {
     const bool grows = line == lines() && line < cls_script::max_states && code != 0;
     if (!grows && (!has(line) || now_.script.GetState(line).GetCommand() == code)) return;
-    constexpr int command_column = -1;
-    const Place place{line, command_column};
     cls_Scriptstate from = grows ? cls_Scriptstate() : now_.script.GetState(line);
-    if (typing && typed_ == place && !undo_.empty()) { // what it led to on the way costs nothing
+    if (typing && typed_ == line && !undo_.empty()) { // what it led to on the way costs nothing
         const cls_script& earlier = undo_.back().content.script;
         from = line < earlier.StateCount ? earlier.GetState(line) : cls_Scriptstate();
         if (from.GetCommand() == code) return take_back_typing();
     }
-    begin(Kind::other, line, typing ? std::optional(place) : std::nullopt);
+    begin(Kind::other, line, typing);
     if (grows) {
         origin(line).reset();
         now_.script.StateCount = line + 1;
@@ -143,12 +141,12 @@ void Script_Session::choose_command(int line, std::int32_t code, bool typing) {
     tell(Kind::other, line);
 }
 
-void Script_Session::choose(int line, int column, int entry, bool typing) {
+void Script_Session::choose(int line, int column, int entry) {
     if (!has(line)) return;
     cls_Scriptstate changed = now_.script.GetState(line);
     choose_entry(changed, column, entry);
     if (changed == std::as_const(now_.script).GetState(line)) return;
-    begin(Kind::other, line, typing ? std::optional(Place{line, column}) : std::nullopt);
+    begin(Kind::other, line);
     now_.script.SetState(line, changed);
     tell(Kind::other, line);
 }

@@ -40,9 +40,9 @@ public:
     void copy_to_inserted(int line);
     void erase(int line);
     /// On the line behind the last one the script grows, unless it is the empty command.
-    /// @param typing one of several changes of the same place, of which only the last is meant
+    /// @param typing one of several changes of the same line, of which only the last is meant
     void choose_command(int line, std::int32_t code, bool typing = false);
-    void choose(int line, int column, int entry, bool typing = false);
+    void choose(int line, int column, int entry);
     void put_info(int line, const QString& info);
     /// What is being typed has come to nothing: as before it.
     void take_back_typing();
@@ -81,21 +81,15 @@ private:
     };
     using Steps = std::deque<Step>;
 
-    /// One of several changes that belong together.
-    struct Place {
-        int line = -1, column = -1;
-        bool operator==(const Place&) const = default;
-    };
-
     bool has(int line) const { return line >= 0 && line < lines(); }
-    void begin(Kind kind, int line, std::optional<Place> typed = {});
+    void begin(Kind kind, int line, bool typing = false);
     void tell(Kind kind, int line);
     int move(Steps& from, Steps& to);
     std::optional<Origin>& origin(int line) { return now_.origins[static_cast<std::size_t>(line)]; }
 
     Content now_;
     Steps undo_, redo_;
-    std::optional<Place> typed_; ///< where typing may go on
+    std::optional<int> typed_; ///< line where typing may go on
     std::int64_t last_number_ = 0, kept_ = 0;
     Session_Listener* listener_ = nullptr;
 };

@@ -78,8 +78,9 @@ public:
     /// What it has stopped before, it may execute now.
     void go_on() { passes_ = true; }
     void begin() {
-        passes_ = false;
-        forget_steps(); // of the run before
+        passes_ = false; // of the run before, as the rest
+        forget_target();
+        forget_steps();
     }
     void record(const Step& step, const scripts::cls_script& script);
 

@@ -77,7 +77,7 @@ void change(Script_Session& session, std::mt19937& random) {
     case 4:
         return session.put_info(line, QStringLiteral("neu"));
     default:
-        return session.choose(line, below(5), below(260), below(2) == 0);
+        return session.choose(line, below(5), below(260));
     }
 }
 
@@ -163,8 +163,7 @@ TEST(Script_Session, inserts_and_copies_as_its_lines_are_clicked) {
     EXPECT_EQ(session.working().GetState(4).GetPar(0), 3);
     session.choose_command(6, 1, true);
     session.choose_command(6, 7, true);
-    session.choose(6, 1, 20, true);
-    session.choose(6, 1, 200, true);
+    session.choose(6, 1, 200);
     session.undo();
     EXPECT_EQ(session.working().GetState(6).GetPar(1), 0);
     session.undo();

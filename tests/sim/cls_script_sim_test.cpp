@@ -248,9 +248,11 @@ TEST_F(Simulation, break_points_stop_before_their_lines) {
     EXPECT_EQ(steps_in(1000), 2);
     EXPECT_EQ(decoder.Variables[0], 4);
     pause(false);
+    debugger.run_to(4);
     sim.reset();
     debugger.put_break(0);
     start(); // what the last one was to pass stops the next one
+    EXPECT_EQ(debugger.target(), std::nullopt) << "nor where it was to stop";
     EXPECT_EQ(steps_in(1000), 0);
     debugger.remove_break(0);
 

@@ -10,7 +10,6 @@
 #include <QPushButton>
 #include <QSplitter>
 #include <QWidget>
-#include <functional>
 #include <memory>
 #include <vector>
 

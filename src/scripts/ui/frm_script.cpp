@@ -1,6 +1,5 @@
 #include "scripts/ui/frm_script.h"
 
-#include "app/mod_fileverwaltung.h"
 #include "app/mod_main.h"
 #include "app/one_line.h"
 #include "app/text_table.h"
@@ -22,7 +21,8 @@
 #include <QScopedValueRollback>
 #include <QSignalBlocker>
 #include <QVBoxLayout>
-#include <algorithm>
+#include <span>
+#include <utility>
 
 namespace scripts_ui {
 
@@ -57,13 +57,15 @@ void frm_script::wire() {
             QStringLiteral("Die Info hat Platz für %1 Zeichen; der Rest ist abgeschnitten.")
                 .arg(longest));
     });
-    connect(rows, &Row_View::undo_wanted, this, &frm_script::undo);
-    connect(rows, &Row_View::redo_wanted, this, &frm_script::redo);
+    const auto undo = [this] { go(Going::back); };
+    const auto redo = [this] { go(Going::forth); };
+    connect(rows, &Row_View::undo_wanted, this, undo);
+    connect(rows, &Row_View::redo_wanted, this, redo);
     connect(rows, &Row_View::left, this, [this](bool forward) {
         (forward ? form_->cmd_sim : form_->cmd_cancel)->setFocus(Qt::TabFocusReason);
     });
-    connect(form_->cmd_undo, &QPushButton::clicked, this, &frm_script::undo);
-    connect(form_->cmd_redo, &QPushButton::clicked, this, &frm_script::redo);
+    connect(form_->cmd_undo, &QPushButton::clicked, this, undo);
+    connect(form_->cmd_redo, &QPushButton::clicked, this, redo);
     connect(form_->cmd_ok, &QPushButton::clicked, this, [this] { close_as(Closing::ok); });
     connect(form_->cmd_cancel, &QPushButton::clicked, this, [this] { close_as(Closing::cancel); });
     connect(form_->chk_info_on, &QCheckBox::toggled, this, &frm_script::follow_info);
@@ -85,7 +87,8 @@ void frm_script::open(int position) {
     name_ = script.ScriptName;
     library_ = place_.database.database_file();
     debugger_ = {};
-    lost_breaks_.clear();
+    left_for_undo_.clear();
+    left_for_redo_.clear();
     debugger_.Stopped = [this](int line, sim::Stop_Reason why) { stopped(line, why); };
     sim::SimDecoderState().SimPaused = false;
     place_.gate.add(*this);
@@ -170,8 +173,11 @@ void frm_script::scripts_loaded() {
 
 /// Whoever clicks twice before the numbers are drawn anew means those that he sees.
 void frm_script::number_clicked(int line, quint64 moment) {
+    if (!session_) return;
+    const int lines = session_->lines();
     form_->cmd_ok->setFocus(); // ends what is being typed
-    if (!session_ || line >= session_->lines()) return;
+    // with the deletion of a line, perhaps: the number is another one's by now
+    if (!session_ || session_->lines() < lines || line >= session_->lines()) return;
     if (const auto inserted = session_->inserted()) {
         const bool old_numbers = inserted_at_ && moment != 0 &&
                                  moment <= *inserted_at_ + static_cast<quint64>(insert_took_);
@@ -209,8 +215,8 @@ void frm_script::copy_from(int line) {
 }
 
 void frm_script::ask_to_delete(int line) {
-    // what is half written when the window closes deletes nothing
-    if (closing_ ||
+    // nor does what is half written when the window closes
+    if (closing_ || deletes_nothing_ ||
         !place_.desktop.ask_yes_no(app::TextTable.text(531), app::TextTable.text(531))) {
         form_->Picture1->refresh();
         return;
@@ -221,25 +227,22 @@ void frm_script::ask_to_delete(int line) {
     form_->Picture1->take_focus(line, Row_View::command_column);
 }
 
-void frm_script::undo() {
+void frm_script::go(Going way) {
     if (!session_) return;
-    form_->Picture1->commit();
-    const QScopedValueRollback back(going_back_, true);
+    {
+        const QScopedValueRollback hasty(deletes_nothing_, true);
+        form_->Picture1->commit();
+    }
+    const bool back = way == Going::back;
+    const QScopedValueRollback going(going_, way);
     form_->lab_status->forget();
-    if (session_->can_undo())
-        form_->Picture1->take_focus(session_->undo(), Row_View::command_column);
-}
-
-void frm_script::redo() {
-    if (!session_) return;
-    form_->Picture1->commit();
-    const QScopedValueRollback back(going_back_, true);
-    form_->lab_status->forget();
-    if (session_->can_redo())
-        form_->Picture1->take_focus(session_->redo(), Row_View::command_column);
+    if (back ? session_->can_undo() : session_->can_redo())
+        form_->Picture1->take_focus(back ? session_->undo() : session_->redo(),
+                                    Row_View::command_column);
 }
 
 void frm_script::lines_changed() {
+    if (going_ == Going::on) left_for_redo_.clear();
     form_->Picture1->refresh();
     refresh_buttons();
     debug_changed(); // break points have moved along
@@ -253,8 +256,8 @@ void frm_script::refresh_buttons() {
 bool frm_script::event(QEvent* event) {
     if (event->type() == QEvent::KeyPress && session_) {
         const auto& key = *static_cast<QKeyEvent*>(event);
-        if (key.matches(QKeySequence::Undo)) return undo(), true;
-        if (is_redo(key)) return redo(), true;
+        if (key.matches(QKeySequence::Undo)) return go(Going::back), true;
+        if (is_redo(key)) return go(Going::forth), true;
         if (debug_key(key)) return true;
     }
     return QWidget::event(event);
@@ -321,7 +324,7 @@ bool frm_script::save() {
     if (place_.say)
         place_.say(QStringLiteral("Script „%1“ gespeichert.").arg(ui_parts::shortened(name_)) +
                    (lost > 0
-                        ? QStringLiteral(" Die Quelle des CV-Werts steht nur in Script-Dateien.")
+                        ? QStringLiteral(" Die Quelle des CV-Werts steht nur in Scriptdateien.")
                         : QString()));
     if (place_.stored) place_.stored();
     return true;
@@ -339,7 +342,7 @@ cls_script frm_script::in_file_form() const {
 void frm_script::offer_file(const QString& reason) {
     const bool wanted = place_.desktop.ask_yes_no(
         app::TextTable.text(198),
-        reason + QStringLiteral("\nDas Script bleibt offen. Jetzt als Script-Datei sichern?"));
+        reason + QStringLiteral("\nDas Script bleibt offen. Jetzt als Scriptdatei sichern?"));
     if (!wanted) return;
     const auto path =
         ask_script_file(place_.desktop, place_.disk, place_.database, plain_file_name(name_));
@@ -353,9 +356,9 @@ void frm_script::offer_file(const QString& reason) {
             replaced == 0 ? QString()
                           : QStringLiteral(" Zeichen, die eine Scriptdatei nicht kennt („?“): %1.")
                                 .arg(replaced);
-        form_->lab_status->say(QStringLiteral("Als Script-Datei gesichert.") + lost);
+        form_->lab_status->say(QStringLiteral("Als Scriptdatei gesichert.") + lost);
     } catch (const files::Error& error) {
-        form_->lab_status->say(QStringLiteral("Die Script-Datei kann nicht geschrieben werden: ") +
+        form_->lab_status->say(QStringLiteral("Die Scriptdatei kann nicht geschrieben werden: ") +
                                ui_parts::reason(error.kind));
     }
 }

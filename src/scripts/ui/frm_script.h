@@ -69,8 +69,9 @@ private:
     void insert_before(int line);
     void copy_from(int line);
     void ask_to_delete(int line);
-    void undo();
-    void redo();
+    /// To the next change, to the one before, or forth to it again.
+    enum class Going { on, back, forth };
+    void go(Going way);
     void follow_info();
     void refresh_buttons();
 
@@ -116,14 +117,17 @@ private:
     std::optional<quint64> inserted_at_; ///< when the click was that inserted a line
     int insert_took_ = 0;                ///< milliseconds until the new numbers were seen
 
-    struct Lost_Break {
-        int line;
+    /// What a deleted line had of a break point.
+    struct Left_Break {
+        bool there;
         std::optional<sim::Condition> condition;
     };
     sim::Script_Clock clock_;
     sim::Debugger debugger_;
-    std::vector<Lost_Break> lost_breaks_; ///< with their lines, which undo can bring back
-    bool going_back_ = false;             ///< by undo, or forth again
+    /// Of all lines that undo or redo can bring back, the next one last.
+    std::vector<Left_Break> left_for_undo_, left_for_redo_;
+    Going going_ = Going::on;
+    bool deletes_nothing_ = false; ///< what is half written
     std::unique_ptr<sim::cls_script_sim> simulation_;
 };
 

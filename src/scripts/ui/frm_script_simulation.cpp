@@ -1,8 +1,5 @@
 // Running the script that is being edited.
 
-#include "app/mod_main.h"
-#include "app/one_line.h"
-#include "scripts/catalogue/commands.h"
 #include "scripts/ui/debug_panel.h"
 #include "scripts/ui/debug_values.h"
 #include "scripts/ui/editor_form.h"
@@ -61,7 +58,10 @@ void frm_script::line_changed(int /*old_line*/, int new_line) {
     debug_changed();
 }
 
-void frm_script::switch_simulation() { simulation_ ? end_simulation() : begin_simulation(); }
+void frm_script::switch_simulation() {
+    form_->lab_status->forget();
+    simulation_ ? end_simulation() : begin_simulation();
+}
 
 void frm_script::begin_simulation() {
     if (!session_ || !place_.make_cab) return;
@@ -88,6 +88,7 @@ void frm_script::end_simulation() {
     if (!simulation_) return;
     simulation_.reset();
     show_red(*form_->cmd_sim, false);
+    if (debug_ != nullptr) debug_->say({}); // the foot says, perhaps, why it has ended
     form_->Picture1->refresh_marks();
     debug_changed();
 }
@@ -149,10 +150,10 @@ void frm_script::say_why_it_stands(const QString& sentence) {
 }
 
 void frm_script::toggle_break(int line) {
-    if (!session_ || line >= session_->lines()) return;
-    if (debugger_.has_break(line))
+    if (!session_) return;
+    if (debugger_.has_break(line)) // also of a line that undo has taken away
         debugger_.remove_break(line);
-    else
+    else if (line < session_->lines())
         debugger_.put_break(line);
     form_->Picture1->refresh_marks();
     debug_changed();
@@ -161,16 +162,18 @@ void frm_script::toggle_break(int line) {
 /// The simulation stays on its line.
 void frm_script::line_inserted(int line) {
     debugger_.line_inserted(line);
-    if (going_back_ && !lost_breaks_.empty() && lost_breaks_.back().line == line) {
-        debugger_.put_break(line, lost_breaks_.back().condition);
-        lost_breaks_.pop_back();
+    auto& brought_back = going_ == Going::back ? left_for_undo_ : left_for_redo_;
+    if (going_ != Going::on && !brought_back.empty()) {
+        if (brought_back.back().there) debugger_.put_break(line, brought_back.back().condition);
+        brought_back.pop_back();
     }
     std::int16_t& current = SimDecoderState().SimCurrentState;
     if (simulation_ && current >= line && current < scripts::cls_script::max_states - 1) ++current;
 }
 
 void frm_script::line_deleted(int line) {
-    if (debugger_.has_break(line)) lost_breaks_.push_back({line, debugger_.condition_of(line)});
+    (going_ == Going::back ? left_for_redo_ : left_for_undo_)
+        .push_back({debugger_.has_break(line), debugger_.condition_of(line)});
     if (debugger_.line_deleted(line))
         form_->lab_status->say(QStringLiteral("Der Haltepunkt der gelöschten Zeile ist weg."));
     std::int16_t& current = SimDecoderState().SimCurrentState;
@@ -228,7 +231,7 @@ bool frm_script::debug_key(const QKeyEvent& key) {
         return key.key() == wanted && key.modifiers() == with;
     };
     if (is(Qt::Key_F5))
-        simulation_ ? pause() : begin_simulation();
+        simulation_ ? pause() : switch_simulation();
     else if (is(Qt::Key_F10))
         form_->cmd_Einzel->click();
     else if (is(Qt::Key_F6))

@@ -8,7 +8,11 @@
 #include <QPainter>
 #include <QScopedValueRollback>
 #include <QSignalBlocker>
+#include <QTextCursor>
+#include <QTextDocument>
 #include <QWheelEvent>
+#include <algorithm>
+#include <utility>
 
 namespace scripts_ui {
 namespace {
@@ -98,6 +102,8 @@ Entry_Box::Entry_Box(QWidget* parent) : QComboBox(parent) {
     setMinimumContentsLength(1);
     setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
     setMaxVisibleItems(20);
+    // Qt takes the entry that has the text, typed or not, as chosen when the box is left.
+    disconnect(lineEdit(), &QLineEdit::editingFinished, this, nullptr);
     connect(this, &QComboBox::activated, this, [this](int entry) {
         typing_ = false;
         Q_EMIT chosen(entry);
@@ -259,6 +265,7 @@ void Info_Field::resizeEvent(QResizeEvent* event) {
 
 void Info_Field::commit() {
     cut_what_came();
+    document()->clearUndoRedoStacks(); // from here on it is the script's to be undone
     const QString now = toPlainText();
     if (std::exchange(shown_, now) == now) return;
     info_ = stored_form(now);

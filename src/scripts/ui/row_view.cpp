@@ -6,6 +6,8 @@
 
 #include <QApplication>
 #include <QLineEdit>
+#include <QSignalBlocker>
+#include <QTextCursor>
 #include <algorithm>
 
 namespace scripts_ui {

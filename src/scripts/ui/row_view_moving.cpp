@@ -1,6 +1,5 @@
 // Scrolling, focus and keys of the rows.
 
-#include "app/mod_main.h"
 #include "scripts/line_columns.h"
 #include "scripts/ui/row_view.h"
 

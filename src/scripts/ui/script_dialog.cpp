@@ -12,14 +12,18 @@ std::optional<QString> ask_script_file(desktop::Desktop& desktop, files::Disk& d
         const auto path =
             desktop.ask_save_file({last.isEmpty() ? app::globals.DocDir : last, proposed,
                                    QStringLiteral(".vqs"), QStringLiteral("KELDA Script (*.vqs)")});
-        if (!path || !app::FileExists(disk, *path)) return path;
-        if (database.is_its_file(*path))
+        if (!path) return path;
+        const bool is_there = app::FileExists(disk, *path);
+        if (is_there && database.is_its_file(*path)) {
             desktop.inform(QStringLiteral("Achtung"),
                            QStringLiteral("Unter diesem Namen liegt die geöffnete Datenbank; "
                                           "bitte einen anderen wählen."));
-        else if (desktop.ask_yes_no(QStringLiteral("Achtung"),
-                                    QStringLiteral("Script vorhanden. Überschreiben?")))
+        } else if (!is_there ||
+                   desktop.ask_yes_no(QStringLiteral("Achtung"),
+                                      QStringLiteral("Script vorhanden. Überschreiben?"))) {
+            app::globals.LastScriptdir = app::PathOf(*path);
             return path;
+        }
     }
 }
 

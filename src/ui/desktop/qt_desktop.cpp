@@ -8,16 +8,36 @@
 #include <QFileDialog>
 #include <QHeaderView>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 #include <QScreen>
 #include <QSplitter>
 #include <QTreeView>
+#include <utility>
 
 namespace ui_desktop {
 namespace {
 
 // The proposed name of the folder dialog: any name will do, only its folder is taken.
 const QString ignored_name = QStringLiteral("Filename will be ignored");
+
+/// A dialog over the window that is active. That may go while the dialog is shown, and takes it along:
+/// then it ends as if it had been closed.
+template <class Dialog>
+class Over_Window {
+public:
+    template <class... Given>
+    explicit Over_Window(Given&&... given)
+        : dialog_(new Dialog(std::forward<Given>(given)..., QApplication::activeWindow())) {}
+    ~Over_Window() { delete dialog_.data(); }
+    Over_Window(const Over_Window&) = delete;
+    Over_Window& operator=(const Over_Window&) = delete;
+    Dialog& operator*() const { return *dialog_; }
+    Dialog* operator->() const { return dialog_.data(); }
+
+private:
+    const QPointer<Dialog> dialog_;
+};
 
 void prepare(QFileDialog& dialog, const desktop::File_Choice& choice) {
     dialog.resize(820, 480); // wide enough for names, sizes and dates
@@ -49,11 +69,11 @@ desktop::Desktop::Answer answer(QMessageBox& box) {
 
 desktop::Desktop::Answer ask(const QString& title, const QString& text,
                              QMessageBox::StandardButtons buttons) {
-    QMessageBox box(QMessageBox::Question, title, text, buttons, QApplication::activeWindow());
+    const Over_Window<QMessageBox> box(QMessageBox::Question, title, text, buttons);
     const bool can_cancel = buttons.testFlag(QMessageBox::Cancel);
     // what cannot be taken back is not one key away
-    box.setDefaultButton(can_cancel ? QMessageBox::Cancel : QMessageBox::No);
-    return answer(box);
+    box->setDefaultButton(can_cancel ? QMessageBox::Cancel : QMessageBox::No);
+    return answer(*box);
 }
 
 desktop::Bounds bounds(const QRect& place) {
@@ -78,27 +98,27 @@ std::vector<desktop::Monitor> Qt_Desktop::monitors() {
 }
 
 std::optional<QString> Qt_Desktop::ask_open_file(const desktop::File_Choice& choice) {
-    QFileDialog dialog(QApplication::activeWindow());
-    prepare(dialog, choice);
-    dialog.setFileMode(QFileDialog::ExistingFile);
-    dialog.setDefaultSuffix(choice.extension.mid(1));
-    return answer(dialog);
+    const Over_Window<QFileDialog> dialog;
+    prepare(*dialog, choice);
+    dialog->setFileMode(QFileDialog::ExistingFile);
+    dialog->setDefaultSuffix(choice.extension.mid(1));
+    return answer(*dialog);
 }
 
 std::optional<QString> Qt_Desktop::ask_save_file(const desktop::File_Choice& choice) {
-    QFileDialog dialog(QApplication::activeWindow());
-    dialog.setAcceptMode(QFileDialog::AcceptSave);
-    prepare(dialog, choice);
-    const std::optional<QString> path = answer(dialog);
+    const Over_Window<QFileDialog> dialog;
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    prepare(*dialog, choice);
+    const std::optional<QString> path = answer(*dialog);
     if (!path) return {};
     return desktop::with_extension(*path, choice.extension);
 }
 
 std::optional<QString> Qt_Desktop::ask_folder(const QString& initial) {
-    QFileDialog dialog(QApplication::activeWindow());
-    prepare(dialog, {initial, ignored_name, {}, {}});
-    dialog.setFileMode(QFileDialog::AnyFile);
-    const std::optional<QString> path = answer(dialog);
+    const Over_Window<QFileDialog> dialog;
+    prepare(*dialog, {initial, ignored_name, {}, {}});
+    dialog->setFileMode(QFileDialog::AnyFile);
+    const std::optional<QString> path = answer(*dialog);
     if (!path) return {};
     return path->left(path->lastIndexOf(desktop::separator) + 1);
 }
@@ -109,13 +129,13 @@ desktop::Desktop::Answer Qt_Desktop::ask_yes_no_cancel(const QString& title, con
 
 desktop::Desktop::Answer Qt_Desktop::ask_whether_to_keep(const QString& title,
                                                          const QString& text) {
-    QMessageBox box(QMessageBox::Question, title, text, QMessageBox::Yes | QMessageBox::No,
-                    QApplication::activeWindow());
-    QPushButton* nothing = box.addButton(QMessageBox::Cancel); // else Escape would press No
+    const Over_Window<QMessageBox> box(QMessageBox::Question, title, text,
+                                       QMessageBox::Yes | QMessageBox::No);
+    QPushButton* nothing = box->addButton(QMessageBox::Cancel); // else Escape would press No
     nothing->hide();
-    box.setEscapeButton(nothing);
-    box.setDefaultButton(QMessageBox::Yes);
-    return answer(box);
+    box->setEscapeButton(nothing);
+    box->setDefaultButton(QMessageBox::Yes);
+    return answer(*box);
 }
 
 bool Qt_Desktop::ask_yes_no(const QString& title, const QString& text) {
@@ -123,10 +143,9 @@ bool Qt_Desktop::ask_yes_no(const QString& title, const QString& text) {
 }
 
 void Qt_Desktop::inform(const QString& title, const QString& text) {
-    QMessageBox box(QMessageBox::Information, title, text, QMessageBox::Ok,
-                    QApplication::activeWindow());
-    box.setTextFormat(Qt::PlainText);
-    box.exec();
+    const Over_Window<QMessageBox> box(QMessageBox::Information, title, text, QMessageBox::Ok);
+    box->setTextFormat(Qt::PlainText);
+    box->exec();
 }
 
 } // namespace ui_desktop

@@ -43,8 +43,6 @@ QString file_name(const QString& script) {
     return possible ? script : QStringLiteral("Filename");
 }
 
-void keep_folder(const QString& path) { app::globals.LastScriptdir = app::PathOf(path); }
-
 } // namespace
 
 Script_Commands::Script_Commands(const Surroundings& at, Cv_Panel& cv_panel)
@@ -164,7 +162,7 @@ void Script_Commands::ImportScripts() {
                                                                 "(*.vqs;*.vqr)")});
     if (!path || at_.view.leave_gone_set()) return;
     at_.view.refill_if_changed(); // how many are there, and which CVs they use
-    keep_folder(*path);
+    app::globals.LastScriptdir = app::PathOf(*path);
     auto file = read_scripts(*path);
     if (!file) return;
     const auto room =
@@ -233,7 +231,6 @@ void Script_Commands::ExportScript(int position) {
     const auto path = scripts_ui::ask_script_file(at_.desktop, at_.disk, at_.database,
                                                   file_name(script->ScriptName));
     if (!path) return;
-    keep_folder(*path);
     write_script(*script, *path);
 }
 

@@ -176,6 +176,22 @@ TEST_F(Qt_Desktop_Test, questions_are_german_and_closing_them_means_no) {
     }
 }
 
+TEST_F(Qt_Desktop_Test, questions_end_with_the_window_that_they_belong_to) {
+    const auto over_window = [](const std::function<void()>& ask) {
+        auto window = std::make_unique<QWidget>();
+        window->show();
+        QApplication::setActiveWindow(window.get());
+        QTimer::singleShot(0, qApp, [&window] { window.reset(); });
+        ask();
+        EXPECT_EQ(window, nullptr);
+    };
+    using Answer = desktop::Desktop::Answer;
+    over_window([&] { EXPECT_EQ(desktop.ask_yes_no_cancel(title, title), Answer::cancel); });
+    over_window([&] { EXPECT_EQ(desktop.ask_whether_to_keep(title, title), Answer::cancel); });
+    over_window([&] { desktop.inform(title, title); });
+    over_window([&] { EXPECT_FALSE(desktop.ask_save_file(choice("", ""))); });
+}
+
 TEST_F(Qt_Desktop_Test, whatever_of_qt_is_met_is_german_without_its_translations) {
     make("alt.mdb");
     QDir(folder.path()).mkdir(QStringLiteral("Ordner"));

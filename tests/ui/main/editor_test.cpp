@@ -184,11 +184,31 @@ TEST_F(Editor_Test, lines_are_written_inserted_copied_and_deleted) {
     EXPECT_EQ(commands(), untouched);
     EXPECT_FALSE(editor()->findChild<QPushButton*>(QStringLiteral("cmd_undo"))->isEnabled());
     EXPECT_TRUE(editor()->isVisible()) << "the library's own undo would have asked to close";
-    at("combo_Command", 1).setFocus();
-    press(Qt::Key_A, Qt::ControlModifier);
-    type("warten");
+    const auto half_written = [](int line, const char* keys) {
+        at("combo_Command", line).setFocus();
+        press(Qt::Key_A, Qt::ControlModifier);
+        type(keys);
+    };
+    half_written(1, "warten");
     press(Qt::Key_Escape);
     EXPECT_EQ(commands(), untouched);
+    half_written(1, "-");
+    press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(commands(), untouched) << "and nothing is asked";
+    half_written(1, "-");
+    {
+        QWidget other;
+        other.show();
+        QApplication::setActiveWindow(&other);
+    }
+    QApplication::setActiveWindow(editor());
+    EXPECT_EQ(commands(), untouched) << "whoever goes to another window has not decided yet";
+    half_written(0, "-");
+    desktop.expect_question(QStringLiteral("State löschen?"), QStringLiteral("State löschen?"),
+                            Answer::yes);
+    press(Qt::Key_Insert);
+    push("cmd_undo");
+    EXPECT_EQ(commands(), untouched) << "nothing is inserted before the line that has moved up";
     const QPoint middle = at("combo_Command", 2).rect().center();
     QWheelEvent wheel(middle, at("combo_Command", 2).mapToGlobal(middle), {}, {0, -120},
                       Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
@@ -226,7 +246,7 @@ TEST_F(Editor_Test, a_script_that_another_copy_has_changed_is_not_stored_over_it
         title,
         QStringLiteral("In „CV-Sets.mdb“ wurde dieser Eintrag inzwischen anderswo "
                        "geändert; es wurde nichts gespeichert.\nDas Script "
-                       "bleibt offen. Jetzt als Script-Datei sichern?"),
+                       "bleibt offen. Jetzt als Scriptdatei sichern?"),
         Answer::yes);
     disk.set_bytes(file.toStdString(), {});
     desktop.expect_save(file);
@@ -238,6 +258,7 @@ TEST_F(Editor_Test, a_script_that_another_copy_has_changed_is_not_stored_over_it
     const auto bytes = disk.bytes(file.toStdString());
     EXPECT_THAT(std::string(reinterpret_cast<const char*>(bytes.data()), bytes.size()),
                 HasSubstr("\"Info\",\"meins\""));
+    EXPECT_EQ(app::globals.LastScriptdir, QStringLiteral("/home/anna/"));
     push("cmd_cancel");
 }
 
@@ -382,6 +403,23 @@ TEST_F(Editor_Test, looking_for_a_fault_follows_what_is_edited_and_driven) {
     EXPECT_EQ(places(), "1 ");
     for (int i = 0; i < 2; ++i) push("cmd_undo");
     EXPECT_EQ(places(), "1 3 ") << "undo brings them back with their lines";
+    for (const int line : {3, 3}) { // the second has none
+        desktop.expect_question(QStringLiteral("State löschen?"), QStringLiteral("State löschen?"),
+                                Answer::yes);
+        at("combo_Command", line).setFocus();
+        press(Qt::Key_Delete, Qt::ControlModifier);
+    }
+    push("cmd_undo");
+    EXPECT_EQ(places(), "1 ");
+    push("cmd_undo");
+    EXPECT_EQ(places(), "1 3 ");
+    const int unused = scripts::AktScripts().Item(1)->StateCount;
+    press(Qt::Key_End, Qt::ControlModifier);
+    type("sound");
+    QTest::mouseClick(&at("break_margin", unused), Qt::LeftButton);
+    push("cmd_undo");
+    QTest::mouseClick(&at("break_margin", unused), Qt::LeftButton);
+    EXPECT_EQ(places(), "1 3 ") << "that of a line that is gone can be removed";
 
     push("cmd_Pause");
     push("cmd_sim");
@@ -399,6 +437,10 @@ TEST_F(Editor_Test, looking_for_a_fault_follows_what_is_edited_and_driven) {
     QTest::keyClick(cab, Qt::Key_F10);
     EXPECT_GT(editor()->findChild<QTreeView*>(QStringLiteral("debug_trace"))->model()->rowCount(),
               0);
+    const auto* why = editor()->findChild<QLabel*>(QStringLiteral("debug_reason"));
+    EXPECT_FALSE(why->text().isEmpty());
+    push("cmd_sim");
+    EXPECT_TRUE(why->text().isEmpty()) << "nothing stands any more";
     push("cmd_Pause");
     push("cmd_cancel");
 }
@@ -423,6 +465,10 @@ TEST_F(Editor_Test, what_is_typed_stays_with_its_line) {
     press(Qt::Key_V, Qt::ControlModifier);
     press(Qt::Key_Tab); // of the first engine, half would fit
     EXPECT_EQ(info(last), "hier geht es weiter" + std::string(233, 'x') + "\n");
+    at("txt_State_Info", last).setFocus();
+    press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(info(last), "hier") << "what is done is undone by the editor, whatever line is here";
+    push("cmd_redo");
     auto& scroll = *editor()->findChild<QScrollBar*>(QStringLiteral("VScroll1"));
     const int first = scroll.value();
     const QPoint middle = scroll.rect().center();
