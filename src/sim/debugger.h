@@ -43,6 +43,7 @@ public:
     /// @return false: no such line, value or comparison
     bool put_break(int line, std::optional<Condition> condition = {});
     void remove_break(int line);
+    void forget_breaks() { breaks_ = {}; }
     bool has_break(int line) const;
     /// Nothing for a break point without a condition.
     std::optional<Condition> condition_of(int line) const;

@@ -63,6 +63,7 @@ private:
     void line_changed(int old_line, int new_line) override;
 
     void wire();
+    void keep_debugger_for(const scripts::cls_script& script);
     void wire_simulation();
     void show_rows();
     void number_clicked(int line, quint64 moment);
@@ -113,6 +114,7 @@ private:
     QString name_, library_;
     std::optional<std::size_t> stored_states_; ///< what the library held when it was loaded
     bool closing_ = false;
+    bool lines_dropped_ = false; ///< at the last closing
 
     std::optional<quint64> inserted_at_; ///< when the click was that inserted a line
     int insert_took_ = 0;                ///< milliseconds until the new numbers were seen

@@ -175,15 +175,19 @@ void Entry_Box::focusOutEvent(QFocusEvent* event) {
     lineEdit()->setCursorPosition(0);
 }
 
+void Entry_Box::drop_typing() {
+    typing_ = false;
+    Q_EMIT typed({});
+    lineEdit()->setText(shown_);
+    lineEdit()->selectAll();
+}
+
 void Entry_Box::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
         end_typing();
         lineEdit()->selectAll();
     } else if (event->key() == Qt::Key_Escape && typing_) {
-        typing_ = false;
-        Q_EMIT typed({}); // as if nothing had been
-        lineEdit()->setText(shown_);
-        lineEdit()->selectAll();
+        drop_typing();
     } else {
         QComboBox::keyPressEvent(event);
     }
@@ -270,6 +274,10 @@ void Info_Field::commit() {
     if (std::exchange(shown_, now) == now) return;
     info_ = stored_form(now);
     Q_EMIT committed(info_);
+}
+
+bool Info_Field::has_line(QTextCursor::MoveOperation beside) const {
+    return textCursor().movePosition(beside);
 }
 
 void Info_Field::keyPressEvent(QKeyEvent* event) {

@@ -59,6 +59,7 @@ public:
     /// Shows an entry, unless somebody is typing here. The text may say more than the list does.
     void show_entry(QAbstractItemModel* entries, int entry, const QString& text);
     bool typing() const { return typing_; }
+    void drop_typing();        ///< as if nothing had been
     void show_warm(bool warm); ///< light red, with readable text
 
 Q_SIGNALS:
@@ -91,6 +92,8 @@ public:
     void show_single_line(bool single);
     void commit();
     bool writing() const { return toPlainText() != shown_; }
+    /// Whether Up or Down leads to another line of the comment.
+    bool has_line(QTextCursor::MoveOperation beside) const;
 
 Q_SIGNALS:
     void committed(const QString& info);

@@ -111,7 +111,12 @@ bool Row_View::handle_key(const QKeyEvent& key, Place at) {
         take_focus(line, at.column);
         return true;
     };
-    if (key.matches(QKeySequence::Undo)) return Q_EMIT undo_wanted(), true;
+    if (key.matches(QKeySequence::Undo)) {
+        auto* box = qobject_cast<Entry_Box*>(field(at.line, at.column));
+        const bool types = box != nullptr && box->typing();
+        types ? box->drop_typing() : Q_EMIT undo_wanted();
+        return true;
+    }
     if (is_redo(key)) return Q_EMIT redo_wanted(), true;
     const bool letter = !key.text().isEmpty() && key.text().front().isPrint();
     if (letter && key.modifiers() == Qt::AltModifier) return true; // meant for a menu
@@ -133,13 +138,13 @@ bool Row_View::handle_key(const QKeyEvent& key, Place at) {
 
 /// What a text that is being written needs itself.
 bool Row_View::goes_to_field(const QKeyEvent& key, const QObject* watched) const {
-    const auto* info = qobject_cast<const QPlainTextEdit*>(watched);
+    const auto* info = qobject_cast<const Info_Field*>(watched);
     if (info == nullptr) return false;
     if (key.matches(QKeySequence::Undo)) return info->document()->isUndoAvailable();
     if (is_redo(key)) return info->document()->isRedoAvailable();
-    const bool moves = key.key() == Qt::Key_Up || key.key() == Qt::Key_Down;
-    return (moves && info->document()->lineCount() > 1) || key.key() == Qt::Key_Home ||
-           key.key() == Qt::Key_End || key.key() == Qt::Key_Delete;
+    if (key.key() == Qt::Key_Up) return info->has_line(QTextCursor::Up);
+    if (key.key() == Qt::Key_Down) return info->has_line(QTextCursor::Down);
+    return key.key() == Qt::Key_Home || key.key() == Qt::Key_End || key.key() == Qt::Key_Delete;
 }
 
 bool Row_View::eventFilter(QObject* watched, QEvent* event) {

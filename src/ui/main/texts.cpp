@@ -112,8 +112,8 @@ constexpr Entry table[] = {
     {Text::step_undone, u"Rückgängig: %1."},
     {Text::step_redone, u"Wiederholt: %1."},
     {Text::stored_first,
-     u"Gespeichert, was offen war; sonst ist nichts geändert. „Rückgängig“ nimmt "
-     u"als Nächstes dieses Speichern zurück."},
+     u"Das offene Script wurde zuerst gespeichert, sonst nichts geändert; „Rückgängig“ "
+     u"nimmt nun dieses Speichern zurück."},
     {Text::nothing_to_undo, u"Es gibt nichts rückgängig zu machen."},
     {Text::nothing_to_redo, u"Es gibt nichts zu wiederholen."},
     {Text::step_changed_elsewhere, u"„%1“ lässt sich nicht mehr umkehren: Ein anderes Programm hat "

@@ -165,6 +165,10 @@ TEST_F(Editor_Test, lines_are_written_inserted_copied_and_deleted) {
     EXPECT_EQ(number(2), "-> 2");
     write("combo_Param1", 1, "256");
     EXPECT_EQ(shown("combo_Param1", 1), "2") << "what is no entry is taken back";
+    at("combo_Param1", 1).setFocus();
+    type("x");
+    press(Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(shown("combo_Param1", 1), "2") << "only the letter";
     click_number(0);
     EXPECT_EQ(shown("combo_Command", 0), "-");
     EXPECT_EQ(shown("combo_Command", 1), first);
@@ -295,7 +299,7 @@ TEST_F(Editor_Test, undo_in_the_library_does_not_take_what_it_makes_the_editor_s
         desktop.expect_question(title, question, Answer::yes);
         choose(command);
         EXPECT_EQ(stored_lines()[0].second, info);
-        EXPECT_THAT(status(), HasSubstr("Gespeichert, was offen war"));
+        EXPECT_THAT(status(), HasSubstr("Das offene Script wurde zuerst gespeichert"));
     }
     for (int i = 0; i < 2; ++i) choose("mnu_undo");
     EXPECT_EQ(stored_lines(), untouched);
@@ -442,6 +446,14 @@ TEST_F(Editor_Test, looking_for_a_fault_follows_what_is_edited_and_driven) {
     push("cmd_sim");
     EXPECT_TRUE(why->text().isEmpty()) << "nothing stands any more";
     push("cmd_Pause");
+    push("cmd_ok");
+    open();
+    EXPECT_EQ(places(), "1 3 ") << "of the same script";
+    at("combo_Command", 0).setFocus();
+    press(Qt::Key_Insert);
+    push("cmd_cancel");
+    open();
+    EXPECT_EQ(places(), "") << "the lines are not where they were";
     push("cmd_cancel");
 }
 
