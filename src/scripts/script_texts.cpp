@@ -51,7 +51,7 @@ struct Shown_Value {
 
 QString cv_text(int cv, const cls_script& script, const Text_Context& context,
                 const Shown_Value& shown) {
-    const QString number = u"CV#%1"_s.arg(cv);
+    QString number = u"CV#%1"_s.arg(cv);
     const QString usage = CVUsageText(cv, false, context);
     if (!usage.isEmpty()) return number + u" ("_s + usage + u')';
     if (!script.ShowCVValues) return number;
@@ -70,7 +70,7 @@ QString key_text(int entry, bool prefixed, const cls_script& script, const Text_
         return (prefixed ? u"Wenn "_s : QString()) + catalogue::KeyName(entry);
     const int cv = entry - first_key_cv + catalogue::first_script_cv;
     const QString key = catalogue::KeyName(context.cv_value(cv));
-    const QString text = cv_text(cv, script, context, {.with_brackets = true, .value = key});
+    QString text = cv_text(cv, script, context, {.with_brackets = true, .value = key});
     if (!prefixed) return text;
     const bool used_elsewhere = !CVUsageText(cv, false, context).isEmpty();
     return table_text(523, context) + (used_elsewhere ? u" = "_s : u" "_s) + text;

@@ -222,7 +222,7 @@ QString entry_text(List list, int index, int language) {
     if (index < 0) return {};
     for (const Run& run : runs(list)) {
         if (index < run.entries()) {
-            const QString before = run.before.in(language);
+            QString before = run.before.in(language);
             if (run.count == 0) return before;
             return before + QString::number(run.first + index * run.step) + run.after.in(language);
         }

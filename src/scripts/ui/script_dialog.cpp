@@ -9,7 +9,7 @@ std::optional<QString> ask_script_file(desktop::Desktop& desktop, files::Disk& d
                                        const store::clsDBConn& database, const QString& proposed) {
     const QString& last = app::globals.LastScriptdir;
     for (;;) {
-        const auto path =
+        auto path =
             desktop.ask_save_file({last.isEmpty() ? app::globals.DocDir : last, proposed,
                                    QStringLiteral(".vqs"), QStringLiteral("KELDA Script (*.vqs)")});
         if (!path) return path;
