@@ -40,6 +40,15 @@ int entry_of_line(const cls_Scriptstate& line, int column, List list) {
     }
 }
 
+/// The number at the end of a text, "Event 3"; -1 for none.
+int last_number(const QString& text) {
+    qsizetype begin = text.size();
+    while (begin > 0 && text[begin - 1].isDigit()) --begin;
+    bool is_number = false;
+    const int number = text.sliced(begin).toInt(&is_number);
+    return is_number ? number : -1;
+}
+
 /// Whether the entries count something, so that a number names one of them.
 bool counts(List list) { return list == List::number || list == List::pwm || list == List::state; }
 
@@ -115,13 +124,14 @@ std::optional<int> entry_typed(List list, const QString& typed, int language) {
     const int number = wanted.toInt(&is_number);
     if (is_number && counts(list))
         return number >= 0 && number < count ? std::optional(number) : std::nullopt;
-    std::optional<int> begins;
+    std::optional<int> begins, ends;
     for (int entry = 0; entry < count; ++entry) {
         const QString text = catalogue::entry_text(list, entry, language);
         if (text.compare(wanted, Qt::CaseInsensitive) == 0) return entry;
         if (!begins && text.startsWith(wanted, Qt::CaseInsensitive)) begins = entry;
+        if (!ends && is_number && last_number(text) == number) ends = entry;
     }
-    return begins;
+    return begins ? begins : ends;
 }
 
 std::optional<std::int32_t> command_typed(const QString& typed, int language) {

@@ -36,7 +36,7 @@ QString EntryText(scripts_catalogue::List list, int entry, cls_script& script, i
 int offered_entries(scripts_catalogue::List list);
 
 /// What was typed as an entry: a number where the list counts something, the text of an entry in any
-/// case, or the beginning of one. Nothing where the list has no such entry.
+/// case, the beginning of one, or the number at its end. Nothing where the list has no such entry.
 std::optional<int> entry_typed(scripts_catalogue::List list, const QString& typed, int language);
 
 /// The first command whose name contains what was typed, in any case.

@@ -82,6 +82,7 @@ void Script_Session::take_back_typing() {
     if (!typed_) return;
     move(undo_, redo_);
     redo_.clear();
+    if (listener_ != nullptr) listener_->lines_changed(); // of what can be done again, too
 }
 
 // Changes

@@ -188,6 +188,9 @@ TEST(Line_Columns, take_what_is_typed) {
                            {List::sample, "Sample 255", 255},
                            {List::sample, "Sample 256", {}},
                            {List::comparison, "ist größer", 2},
+                           {List::event, "3", 2},
+                           {List::key, "12", 12},
+                           {List::script_cv, "985", 5},
                            {List::comparison, "xyz", {}},
                            {List::cv_number, "256", 255},
                            {List::event, " Event 16 ", 15}})

@@ -110,6 +110,7 @@ void UC_Scripte::build_list() {
             [this](int row, int /*column*/, const QString& text) {
                 Q_EMIT rename_wanted(listed_script(*lvw_Scripts->topLevelItem(row - 1)), text);
             });
+    connect(objLabelEdit, &ui_parts::LabelEditUC::full, this, &UC_Scripte::name_full);
     lvw_Scripts->installEventFilter(this);
     lvw_Scripts->viewport()->installEventFilter(this);
     connect(lvw_Scripts, &QTreeWidget::itemSelectionChanged, this, &UC_Scripte::enable);

@@ -40,6 +40,7 @@ Q_SIGNALS:
     void open_wanted(int position);
     void active_wanted(int position, bool active);
     void rename_wanted(std::int32_t ScriptID, const QString& name);
+    void name_full(); ///< while one is being edited
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

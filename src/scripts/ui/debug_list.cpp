@@ -43,8 +43,8 @@ QAction* Debug_List::add_enter_command(QStringView text,
 }
 
 void Debug_List::widen(int column, const QString& typical) {
-    header()->resizeSection(column,
-                            fontMetrics().horizontalAdvance(typical + QStringLiteral("00")));
+    constexpr int around_text = 6;
+    header()->resizeSection(column, fontMetrics().horizontalAdvance(typical + u'0') + around_text);
 }
 
 // The range changes with the rows and with the size of the list.
@@ -59,6 +59,22 @@ void Trace_List::follow(QAbstractItemModel& model) {
             [this, bar](const QModelIndex& /*parent*/, int first, int last) {
                 if (!follows_) bar->setValue(bar->value() - (last - first + 1));
             });
+}
+
+void Trace_List::share(int one, int other) {
+    one_ = one;
+    other_ = other;
+    header()->setStretchLastSection(false);
+}
+
+void Trace_List::resizeEvent(QResizeEvent* event) {
+    Debug_List::resizeEvent(event);
+    if (one_ < 0) return;
+    int left = viewport()->width();
+    for (int column = 0; column < header()->count(); ++column)
+        if (column != one_ && column != other_) left -= header()->sectionSize(column);
+    header()->resizeSection(one_, left / 2);
+    header()->resizeSection(other_, left - left / 2);
 }
 
 // The place of the keyboard goes with its row. Else it would go to the next one, the list after it

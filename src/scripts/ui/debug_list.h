@@ -31,13 +31,17 @@ class Trace_List final : public Debug_List {
 public:
     using Debug_List::Debug_List;
     void follow(QAbstractItemModel& model);
+    /// Two columns that share the width which the others leave: half and half.
+    void share(int one, int other);
 
 protected:
+    void resizeEvent(QResizeEvent* event) override;
     void rowsAboutToBeRemoved(const QModelIndex& parent, int first, int last) override;
     QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
 
 private:
     bool follows_ = true;
+    int one_ = -1, other_ = -1;
 };
 
 } // namespace scripts_ui

@@ -17,8 +17,7 @@
 namespace scripts_ui {
 namespace {
 
-constexpr int gap = 4;              ///< between controls, in pixels
-constexpr int typical_command = 15; ///< of the length of its name
+constexpr int gap = 4; ///< between controls, in pixels
 
 /// A row of controls with a list below it; one of the controls gets the room that is left.
 QWidget* part(const std::vector<QWidget*>& row, const QWidget* wide, QWidget* list, int height) {
@@ -78,13 +77,11 @@ QWidget* Debug_Panel::trace_part() {
     debug_trace_->follow(trace_);
     hint(hints_, *debug_trace_, debug_text::no_steps);
     const QString state = debug_text::trace_columns[Trace_Model::line].toString();
-    debug_trace_->widen(Trace_Model::number, QStringLiteral("00000"));
+    debug_trace_->widen(Trace_Model::number, QStringLiteral("0000"));
     debug_trace_->widen(Trace_Model::line, state);
-    debug_trace_->widen(Trace_Model::command, scripts_catalogue::CommandName(
-                                                  typical_command, app::globals.LanguageIndex) +
-                                                  QStringLiteral(": FA1, 31"));
     debug_trace_->widen(Trace_Model::next_line,
                         debug_text::trace_columns[Trace_Model::next_line].toString());
+    debug_trace_->share(Trace_Model::command, Trace_Model::changes);
     debug_trace_->add_enter_command(debug_text::go_to_line, [this](int row) {
         if (const int line = trace_.line_of(row); line >= 0) Q_EMIT line_wanted(line);
     });

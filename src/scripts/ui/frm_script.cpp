@@ -44,6 +44,10 @@ void frm_script::wire() {
     connect(rows, &Row_View::number_clicked, this, &frm_script::number_clicked);
     connect(rows, &Row_View::delete_wanted, this, &frm_script::ask_to_delete);
     connect(rows, &Row_View::margin_clicked, this, &frm_script::toggle_break);
+    connect(rows, &Row_View::not_listed, this, [this](const QString& typed) {
+        form_->lab_status->say(QStringLiteral("„%1“ gibt es hier nicht; nichts ist geändert.")
+                                   .arg(app::in_one_line(typed)));
+    });
     connect(rows, &Row_View::info_cut, this, [this](int longest) {
         form_->lab_status->say(
             QStringLiteral("Die Info hat Platz für %1 Zeichen; der Rest ist abgeschnitten.")
@@ -174,7 +178,7 @@ void frm_script::scripts_loaded() {
 
 /// Whoever clicks twice before the numbers are drawn anew means those that he sees.
 void frm_script::number_clicked(int line, quint64 moment) {
-    if (!session_) return;
+    if (!session_ || line >= session_->lines()) return;
     const int lines = session_->lines();
     form_->cmd_ok->setFocus(); // ends what is being typed
     // with the deletion of a line, perhaps: the number is another one's by now
@@ -194,6 +198,7 @@ void frm_script::number_clicked(int line, quint64 moment) {
 
 void frm_script::insert_before(int line) {
     if (session_->lines() >= cls_script::max_states) {
+        form_->Picture1->take_focus(line, Row_View::command_column);
         form_->lab_status->say(QStringLiteral("Nichts eingefügt: das Script hat alle 256 Zeilen."));
         return;
     }
@@ -246,6 +251,7 @@ void frm_script::lines_changed() {
     if (going_ == Going::on) left_for_redo_.clear();
     form_->Picture1->refresh();
     refresh_buttons();
+    restate();
     debug_changed(); // break points have moved along
 }
 

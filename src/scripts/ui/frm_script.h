@@ -94,7 +94,9 @@ private:
     void stopped(int line, sim::Stop_Reason why);
     void step();
     void say_why_it_stands(const QString& sentence);
-    QString where_it_stands(const QString& how) const;
+    /// @param how with %1 for the line
+    void stand(QString how, QString why = {});
+    void restate(); ///< after lines have moved
     void toggle_break(int line);
     void debug_changed();
     void show_debug(bool on);
@@ -119,17 +121,19 @@ private:
     std::optional<quint64> inserted_at_; ///< when the click was that inserted a line
     int insert_took_ = 0;                ///< milliseconds until the new numbers were seen
 
-    /// What a deleted line had of a break point.
+    /// What a deleted line had of a break point, and of the simulation.
     struct Left_Break {
         bool there;
         std::optional<sim::Condition> condition;
+        bool current;
     };
     sim::Script_Clock clock_;
     sim::Debugger debugger_;
     /// Of all lines that undo or redo can bring back, the next one last.
     std::vector<Left_Break> left_for_undo_, left_for_redo_;
     Going going_ = Going::on;
-    bool deletes_nothing_ = false; ///< what is half written
+    QString stands_, why_it_stands_; ///< as it was said; empty: it does not stand
+    bool deletes_nothing_ = false;   ///< what is half written
     std::unique_ptr<sim::cls_script_sim> simulation_;
 };
 

@@ -10,6 +10,7 @@
 #include <QKeyEvent>
 #include <QLocale>
 #include <QMenu>
+#include <utility>
 
 namespace scripts_ui {
 
@@ -79,8 +80,7 @@ void frm_script::begin_simulation() {
     set_pace();
     show_red(*form_->cmd_sim, true);
     form_->Picture1->follow(SimDecoderState().SimCurrentState, Row_View::Wish::asked);
-    if (SimDecoderState().SimPaused)
-        say_why_it_stands(where_it_stands(QStringLiteral("Pause vor State %1")));
+    if (SimDecoderState().SimPaused) stand(QStringLiteral("Pause vor State %1"));
     debug_changed();
 }
 
@@ -102,7 +102,7 @@ void frm_script::pause() {
     if (simulation_ && paused) {
         debugger_.forget_target();
         form_->Picture1->follow(SimDecoderState().SimCurrentState, Row_View::Wish::asked);
-        say_why_it_stands(where_it_stands(QStringLiteral("Pause vor State %1")));
+        stand(QStringLiteral("Pause vor State %1"));
     }
     debug_changed();
 }
@@ -118,33 +118,40 @@ void frm_script::set_pace() {
 void frm_script::step() {
     if (!simulation_) return;
     simulation_->Einzelschritt();
-    if (simulation_ && SimDecoderState().SimPaused)
-        say_why_it_stands(where_it_stands(QStringLiteral("Steht vor State %1")));
+    if (simulation_ && SimDecoderState().SimPaused) stand(QStringLiteral("Steht vor State %1"));
     debug_changed();
 }
 
-QString frm_script::where_it_stands(const QString& how) const {
+void frm_script::stand(QString how, QString why) {
     const int line = SimDecoderState().SimCurrentState;
-    const QString said = how.arg(line);
-    return line < session_->lines()
-               ? said
-               : said + QStringLiteral(", der leer ist: dort wartet das Script");
+    const bool empty = line >= session_->lines();
+    say_why_it_stands(
+        how.arg(line) +
+        (empty ? QStringLiteral(", der leer ist: dort wartet das Script") : QString()) + why);
+    stands_ = std::move(how);
+    why_it_stands_ = std::move(why);
+}
+
+void frm_script::restate() {
+    if (simulation_ && SimDecoderState().SimPaused && !stands_.isEmpty())
+        stand(stands_, why_it_stands_);
 }
 
 void frm_script::stopped(int line, sim::Stop_Reason why) {
     show_red(*form_->cmd_Pause, true);
     form_->Picture1->follow(line, Row_View::Wish::asked);
-    QString sentence = where_it_stands(QStringLiteral("Angehalten vor State %1"));
+    QString reason;
     if (why == sim::Stop_Reason::break_point) {
-        sentence += QStringLiteral(": Haltepunkt");
+        reason = QStringLiteral(": Haltepunkt");
         if (const auto condition = debugger_.condition_of(line))
-            sentence += QStringLiteral(" (%1)").arg(condition_text(*condition));
+            reason += QStringLiteral(" (%1)").arg(condition_text(*condition));
     }
-    say_why_it_stands(sentence);
+    stand(QStringLiteral("Angehalten vor State %1"), reason);
     debug_changed();
 }
 
 void frm_script::say_why_it_stands(const QString& sentence) {
+    stands_.clear();
     sentence.isEmpty() ? form_->lab_status->forget() : form_->lab_status->say(sentence);
     if (debug_ != nullptr) debug_->say(sentence);
 }
@@ -163,17 +170,21 @@ void frm_script::toggle_break(int line) {
 void frm_script::line_inserted(int line) {
     debugger_.line_inserted(line);
     auto& brought_back = going_ == Going::back ? left_for_undo_ : left_for_redo_;
+    std::int16_t& current = SimDecoderState().SimCurrentState;
+    bool is_current = false; // it was, when it was deleted, and nothing has moved since
     if (going_ != Going::on && !brought_back.empty()) {
         if (brought_back.back().there) debugger_.put_break(line, brought_back.back().condition);
+        is_current = brought_back.back().current && current == line;
         brought_back.pop_back();
     }
-    std::int16_t& current = SimDecoderState().SimCurrentState;
-    if (simulation_ && current >= line && current < scripts::cls_script::max_states - 1) ++current;
+    const bool moves = current >= line && current < scripts::cls_script::max_states - 1;
+    if (simulation_ && moves && !is_current) ++current;
 }
 
 void frm_script::line_deleted(int line) {
     (going_ == Going::back ? left_for_redo_ : left_for_undo_)
-        .push_back({debugger_.has_break(line), debugger_.condition_of(line)});
+        .push_back({debugger_.has_break(line), debugger_.condition_of(line),
+                    simulation_ && SimDecoderState().SimCurrentState == line});
     if (debugger_.line_deleted(line))
         form_->lab_status->say(QStringLiteral("Der Haltepunkt der gelöschten Zeile ist weg."));
     std::int16_t& current = SimDecoderState().SimCurrentState;

@@ -300,7 +300,9 @@ void Info_Field::insertFromMimeData(const QMimeData* source) {
 
 void Info_Field::focusOutEvent(QFocusEvent* event) {
     QPlainTextEdit::focusOutEvent(event);
-    if (event->reason() != Qt::PopupFocusReason) commit();
+    if (event->reason() == Qt::PopupFocusReason) return;
+    commit();
+    moveCursor(QTextCursor::Start); // its beginning is seen
 }
 
 } // namespace scripts_ui

@@ -96,7 +96,7 @@ void Row_View::lay_out() {
     span(columns_.margin, metrics.height() + 2);
     span(columns_.number, metrics.horizontalAdvance(QStringLiteral("-> 255")) + 14);
     const int rest = all - left;
-    const int info = info_on_ ? rest * (10 + info_size_ / 2) / 100 : 0;
+    const int info = info_on_ ? rest * (10 + info_size_ * 4 / 10) / 100 : 0;
     const int fields = rest - info - (info > 0 ? gap : 0);
     span(columns_.command, std::min(command_width(), fields * 36 / 100) - gap);
     const int parameters = all - left - info;
@@ -216,6 +216,8 @@ void Row_View::leave_parameter(int line, int column, const QString& typed) {
     const List list = scripts::column_of(state, column, list_language()).list;
     if (const auto entry = scripts::entry_typed(list, typed, list_language()))
         session_->choose(line, column, *entry);
+    else
+        Q_EMIT not_listed(typed);
     refresh();
 }
 

@@ -58,10 +58,13 @@ Q_SIGNALS:
     void undo_wanted();
     void redo_wanted();
     void info_cut(int longest);
-    void left(bool forward); ///< by Tab, behind the last or before the first field
+    void not_listed(const QString& typed); ///< no entry or command, and nothing was changed
+    void left(bool forward);               ///< by Tab, behind the last or before the first field
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override; ///< when no field has the focus
     void wheelEvent(QWheelEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
     bool focusNextPrevChild(bool next) override;

@@ -183,6 +183,24 @@ bool Row_View::eventFilter(QObject* watched, QEvent* event) {
     return QWidget::eventFilter(watched, event);
 }
 
+void Row_View::focusInEvent(QFocusEvent* event) {
+    QWidget::focusInEvent(event);
+    const bool by_tab =
+        event->reason() == Qt::TabFocusReason || event->reason() == Qt::BacktabFocusReason;
+    if (session_ != nullptr && by_tab) take_focus(focus_line_, focus_column_);
+}
+
+void Row_View::keyPressEvent(QKeyEvent* event) {
+    if (session_ == nullptr || handle_key(*event, {focus_line_, focus_column_})) return;
+    const bool letter = !event->text().isEmpty() && event->text().front().isPrint();
+    if (letter) take_focus(focus_line_, focus_column_);
+    QWidget* focused = QApplication::focusWidget();
+    if (letter && focused != this && isAncestorOf(focused))
+        QCoreApplication::sendEvent(focused, event);
+    else
+        QWidget::keyPressEvent(event);
+}
+
 void Row_View::wheelEvent(QWheelEvent* event) {
     constexpr int notch = 120, rows_per_notch = 3;
     scrolled_away_ = true;

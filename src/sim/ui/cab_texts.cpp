@@ -20,7 +20,9 @@ struct Value_Text {
 
 constexpr Value_Text value_texts[] = {
     {sim::drive_step, {u"Ist-Speed:"}},
-    {sim::target_drive_step, {u"Soll-Speed:"}},
+    {sim::target_drive_step,
+     {u"Soll-Speed:"},
+     u"Wohin der Decoder fährt; die Abfrage „Zielgeschwindigkeit“ sieht, was der Regler will"},
     {sim::target_set, {u"Ziel Set:"}, u"Dampf-/Dieselset Soll-Offset"},
     {sim::current_set, {u"Akt. Set:"}, u"Dampf-/Dieselset Ist-Offset"},
     {sim::diesel_step,

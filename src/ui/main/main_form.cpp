@@ -132,8 +132,8 @@ void Main_Form::build_sets() {
 
     auto* row = new QHBoxLayout(options_);
     row->setContentsMargins(0, 0, 0, 0);
-    row->addWidget(Frame_Reset, 1);
-    row->addWidget(Frame3, 1);
+    row->addWidget(Frame_Reset);
+    row->addWidget(Frame3);
     QSizePolicy keeps_place = Frame_Reset->sizePolicy();
     keeps_place.setRetainSizeWhenHidden(true);
     Frame_Reset->setSizePolicy(keeps_place);
@@ -221,15 +221,21 @@ void Main_Form::arrange() {
 
     const int top = inside_top(Frame_Sets) + inset / 2;
     const int list_width = sets_width - 2 * inset;
-    const int sets_height = to_pixels(frame_height - Twips{1500});
+    // Large fonts need more room below the lists than these leave.
+    const int least_options = options_->minimumSizeHint().height();
+    const int sets_height = std::min(to_pixels(frame_height - Twips{1500}),
+                                     frame_pixels - inset - 6 - top - least_options);
     lst_sets->setGeometry(inset, top, list_width, sets_height);
     const int options_top = top + sets_height + 6;
     options_->setGeometry(inset, options_top, list_width, frame_pixels - inset - options_top);
 
     const int cv_list_width = cvs_width - 2 * inset;
-    const int cvs_height = to_pixels(frame_height - Twips{1505});
+    const int count_top = std::min(to_pixels(inner - Twips{400}),
+                                   frame_pixels - 2 - lab_anz_cvs_txt->sizeHint().height());
+    const int least_fields = cv_fields_->minimumSizeHint().height();
+    const int cvs_height =
+        std::min(to_pixels(frame_height - Twips{1505}), count_top - 5 - top - least_fields);
     lst_CVs->setGeometry(inset, top, cv_list_width, cvs_height);
-    const int count_top = to_pixels(inner - Twips{400});
     const int fields_top = top + cvs_height + 3;
     cv_fields_->setGeometry(inset, fields_top, cv_list_width, count_top - 2 - fields_top);
     const int caption_width = lab_anz_cvs_txt->sizeHint().width();

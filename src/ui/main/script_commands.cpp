@@ -64,6 +64,9 @@ Script_Commands::Script_Commands(const Surroundings& at, Cv_Panel& cv_panel)
                 const auto one = at_.messages.one_command();
                 rename_script(ScriptID, name);
             });
+    connect(list, &UC_Scripte::name_full, this, [this] {
+        at_.messages.say(text(Text::name_full).arg(at_.database.script_name_width()));
+    });
     connect(list, &UC_Scripte::active_wanted, this, [this](int position, bool active) {
         const auto one = at_.messages.one_command();
         make_active(position, active);

@@ -77,6 +77,7 @@ void Label_Edit::make_box(QWidget& container) {
     box_->setObjectName(QStringLiteral("txtLabelEdit_%1").arg(++made));
     box_->setFrame(false);
     box_->setAutoFillBackground(true);
+    connect(box_, &QLineEdit::inputRejected, this, &Label_Edit::full);
 }
 
 void Label_Edit::longest_text(int characters) {

@@ -24,6 +24,7 @@ public:
     void longest_text(int characters);
 
 Q_SIGNALS:
+    void full();    ///< there is no room for more text
     void EditEnd(); ///< by the user; after TextChanged, if there is one
 
 protected:

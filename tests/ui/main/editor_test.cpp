@@ -156,6 +156,14 @@ TEST_F(Editor_Test, lines_are_written_inserted_copied_and_deleted) {
     };
     const auto untouched = commands();
     const std::string first = shown("combo_Command", 0), third = shown("combo_Command", 2);
+    const auto* rows = editor()->findChild<scripts_ui::Row_View*>();
+    at("combo_Command", 1).setFocus();
+    press(Qt::Key_Z, Qt::ControlModifier); // there is nothing yet
+    press(Qt::Key_Down);
+    EXPECT_EQ(rows->focus_line(), 2) << "keys go on";
+    press(Qt::Key_End, Qt::ControlModifier);
+    press(Qt::Key_Insert);
+    EXPECT_TRUE(rows->isAncestorOf(QApplication::focusWidget())) << "the unused line";
     write("combo_Command", 1, "warten");
     EXPECT_EQ(shown("combo_Command", 1), "Auf Sound Ende warten");
     write("combo_Command", 1, "das ist kein Befehl");
@@ -442,7 +450,23 @@ TEST_F(Editor_Test, looking_for_a_fault_follows_what_is_edited_and_driven) {
     EXPECT_GT(editor()->findChild<QTreeView*>(QStringLiteral("debug_trace"))->model()->rowCount(),
               0);
     const auto* why = editor()->findChild<QLabel*>(QStringLiteral("debug_reason"));
-    EXPECT_FALSE(why->text().isEmpty());
+    const int current = sim::SimDecoderState().SimCurrentState;
+    const auto stands_at = [why](int line) {
+        EXPECT_EQ(sim::SimDecoderState().SimCurrentState, line);
+        EXPECT_THAT(why->text().toStdString(), HasSubstr("State " + std::to_string(line)));
+    };
+    stands_at(current);
+    desktop.expect_question(QStringLiteral("State löschen?"), QStringLiteral("State löschen?"),
+                            Answer::yes);
+    at("combo_Command", current).setFocus();
+    press(Qt::Key_Delete, Qt::ControlModifier);
+    push("cmd_undo");
+    stands_at(current);
+    at("combo_Command", 0).setFocus();
+    press(Qt::Key_Insert);
+    stands_at(current + 1);
+    push("cmd_undo");
+    stands_at(current);
     push("cmd_sim");
     EXPECT_TRUE(why->text().isEmpty()) << "nothing stands any more";
     push("cmd_Pause");
