@@ -241,10 +241,11 @@ void frm_script::go(Going way) {
     }
     const bool back = way == Going::back;
     const QScopedValueRollback going(going_, way);
+    if (back ? !session_->can_undo() : !session_->can_redo())
+        return form_->Picture1->take_focus_again();
     form_->lab_status->forget();
-    if (back ? session_->can_undo() : session_->can_redo())
-        form_->Picture1->take_focus(back ? session_->undo() : session_->redo(),
-                                    Row_View::command_column);
+    form_->Picture1->take_focus(back ? session_->undo() : session_->redo(),
+                                Row_View::command_column);
 }
 
 void frm_script::lines_changed() {

@@ -42,6 +42,7 @@ public:
     void follow(int line, Wish wish);
     void show_line(int line); ///< scrolls as little as needed
     void take_focus(int line, int column);
+    void take_focus_again(); ///< to the field that had it, where the rows have it now
     int focus_line() const { return focus_line_; }
     /// Ends what is being typed, as leaving the field does.
     void commit();

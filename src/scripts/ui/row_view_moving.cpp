@@ -65,6 +65,10 @@ void Row_View::take_focus(int line, int column) {
     if (QWidget* wanted = field(line, column)) wanted->setFocus(Qt::TabFocusReason);
 }
 
+void Row_View::take_focus_again() {
+    if (hasFocus()) take_focus(focus_line_, focus_column_);
+}
+
 void Row_View::commit() {
     Script_Row* row = row_of(focus_line_);
     if (row == nullptr) return;
