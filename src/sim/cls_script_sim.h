@@ -39,7 +39,7 @@ public:
     /// loop, before UnloadRequest.
     std::function<void(const QString& message)> Ended;
 
-    /// The cab has changed a value of the decoder.
+    /// The decoder has changed: by a step, or from the cab.
     std::function<void()> Acted;
 
     void Intervall(std::int32_t milliseconds); ///< between two steps

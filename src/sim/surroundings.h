@@ -33,7 +33,7 @@ public:
     virtual ~Cab_Listener() = default;
     virtual void AfterSimStart() = 0;
     virtual void BeforeSimStop() = 0; ///< closing begins
-    /// A value of the decoder has changed outside of the steps: by a control, by hand, by the ramp.
+    /// The decoder has changed: by a step that was shown, a control, the ramp or by hand.
     virtual void CabActed() {}
     virtual void AfterSimStop() = 0; ///< closed; whoever destroys the cab for it does so later
 };

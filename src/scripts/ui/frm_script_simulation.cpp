@@ -16,26 +16,6 @@ namespace scripts_ui {
 
 using sim::SimDecoderState;
 
-namespace {
-
-/// A cab whose steps somebody else wants to see as well.
-class Watched_Cab final : public sim::Cab {
-public:
-    Watched_Cab(std::unique_ptr<sim::Cab> cab, std::function<void()> step)
-        : cab_(std::move(cab)), step_(std::move(step)) {}
-    void show_timer(int value) override { cab_->show_timer(value); }
-    void step_done() override {
-        cab_->step_done();
-        step_();
-    }
-
-private:
-    std::unique_ptr<sim::Cab> cab_;
-    std::function<void()> step_;
-};
-
-} // namespace
-
 void frm_script::wire_simulation() {
     connect(form_->cmd_sim, &QPushButton::clicked, this, &frm_script::switch_simulation);
     connect(form_->cmd_Pause, &QPushButton::clicked, this, &frm_script::pause);
@@ -70,7 +50,7 @@ void frm_script::begin_simulation() {
     const sim::Make_Cab cab = [this, script_cv](sim::Cab_Listener& listener) {
         auto made = place_.make_cab(listener, clock_, script_cv);
         if (auto* window = dynamic_cast<QWidget*>(made.get())) window->installEventFilter(this);
-        return std::make_unique<Watched_Cab>(std::move(made), [this] { debug_changed(); });
+        return made;
     };
     sim::Simulated_Script& script = *this;
     simulation_ = std::make_unique<sim::cls_script_sim>(script, cab, script_cv, clock_, &debugger_);
