@@ -2,6 +2,8 @@
 
 #include "scripts/cls_script.h"
 
+#include <algorithm>
+
 namespace scripts {
 namespace {
 
@@ -49,8 +51,11 @@ int last_number(const QString& text) {
     return is_number ? number : -1;
 }
 
-/// Whether the entries count something, so that a number names one of them.
-bool counts(List list) { return list == List::number || list == List::pwm || list == List::state; }
+/// Whether a number names the entry that it counts, from 0; of outputs and inputs the captions say so.
+bool counts(List list) {
+    constexpr List all[] = {List::number, List::pwm, List::state, List::output, List::input};
+    return std::ranges::find(all, list) != std::end(all);
+}
 
 } // namespace
 

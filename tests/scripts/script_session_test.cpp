@@ -189,6 +189,8 @@ TEST(Line_Columns, take_what_is_typed) {
                            {List::sample, "Sample 256", {}},
                            {List::comparison, "ist größer", 2},
                            {List::event, "3", 2},
+                           {List::output, "2", 2},
+                           {List::output, "FA2", 3},
                            {List::key, "12", 12},
                            {List::script_cv, "985", 5},
                            {List::comparison, "xyz", {}},

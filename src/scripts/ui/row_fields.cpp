@@ -302,7 +302,8 @@ void Info_Field::focusOutEvent(QFocusEvent* event) {
     QPlainTextEdit::focusOutEvent(event);
     if (event->reason() == Qt::PopupFocusReason) return;
     commit();
-    moveCursor(QTextCursor::Start); // its beginning is seen
+    if (event->reason() != Qt::ActiveWindowFocusReason)
+        moveCursor(QTextCursor::Start); // its beginning is seen
 }
 
 } // namespace scripts_ui

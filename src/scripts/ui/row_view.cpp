@@ -216,7 +216,7 @@ void Row_View::leave_parameter(int line, int column, const QString& typed) {
     const List list = scripts::column_of(state, column, list_language()).list;
     if (const auto entry = scripts::entry_typed(list, typed, list_language()))
         session_->choose(line, column, *entry);
-    else
+    else if (!typed.trimmed().isEmpty())
         Q_EMIT not_listed(typed);
     refresh();
 }
