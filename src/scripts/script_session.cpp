@@ -50,7 +50,10 @@ void Script_Session::write_back(cls_script& stored) const {
 void Script_Session::begin(Kind kind, int line, bool typing) {
     const bool goes_on = typing && typed_ == line && !undo_.empty();
     typed_ = typing ? std::optional(line) : std::nullopt;
-    if (!goes_on) undo_.push_back({now_, kind, line});
+    if (!goes_on) {
+        undo_.push_back({now_, kind, line});
+        redo_before_typing_ = std::exchange(redo_, {});
+    }
     if (undo_.size() > most_steps) undo_.pop_front();
     redo_.clear();
     now_.number = ++last_number_;
@@ -81,7 +84,7 @@ int Script_Session::move(Steps& from, Steps& to) {
 void Script_Session::take_back_typing() {
     if (!typed_) return;
     move(undo_, redo_);
-    redo_.clear();
+    redo_ = std::exchange(redo_before_typing_, {});       // as if nothing had been
     if (listener_ != nullptr) listener_->lines_changed(); // of what can be done again, too
 }
 

@@ -46,7 +46,10 @@ public:
     void put_info(int line, const QString& info);
     /// What is being typed has come to nothing: as before it.
     void take_back_typing();
-    void end_typing() { typed_.reset(); } ///< what is typed next is a step of its own
+    void end_typing() { ///< what is typed next is a step of its own
+        typed_.reset();
+        redo_before_typing_.clear();
+    }
 
     /// The line that waits for a copy.
     std::optional<int> inserted() const { return now_.inserted; }
@@ -89,6 +92,7 @@ private:
 
     Content now_;
     Steps undo_, redo_;
+    Steps redo_before_typing_; ///< which that would bring back if nothing were typed
     std::optional<int> typed_; ///< line where typing may go on
     std::int64_t last_number_ = 0, kept_ = 0;
     Session_Listener* listener_ = nullptr;

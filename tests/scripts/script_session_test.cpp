@@ -133,6 +133,22 @@ TEST(Script_Session, goes_back_and_forth_whatever_is_done) {
     }
 }
 
+TEST(Script_Session, forgets_nothing_for_what_was_typed_in_vain) {
+    cls_script stored;
+    stored.StateCount = 2;
+    Script_Session session(stored);
+    session.insert(1);
+    session.undo();
+    session.choose_command(0, 6, true);
+    session.choose_command(0, 12, true);
+    EXPECT_FALSE(session.can_redo());
+    session.take_back_typing();
+    EXPECT_FALSE(session.can_undo());
+    ASSERT_TRUE(session.can_redo());
+    session.redo();
+    EXPECT_EQ(session.lines(), 3);
+}
+
 TEST(Script_Session, inserts_and_copies_as_its_lines_are_clicked) {
     cls_script stored;
     for (int i = 0; i < 5; ++i) stored.GetState(i).Info = QString::number(i);

@@ -250,6 +250,8 @@ void frm_script::go(Going way) {
 
 void frm_script::lines_changed() {
     if (going_ == Going::on) left_for_redo_.clear();
+    for (int line = session_->lines(); line < cls_script::max_states; ++line)
+        debugger_.remove_break(line); // undo has taken the line away again
     form_->Picture1->refresh();
     refresh_buttons();
     restate();

@@ -57,6 +57,8 @@ void frm_script::begin_simulation() {
     simulation_->UnloadRequest = [this] { end_simulation(); };
     simulation_->Acted = [this] { debug_changed(); };
     simulation_->Ended = [this](const QString& message) { form_->lab_status->say(message); };
+    for (auto* left : {&left_for_undo_, &left_for_redo_})
+        for (Left_Break& each : *left) each.current = false; // of the run before
     set_pace();
     show_red(*form_->cmd_sim, true);
     form_->Picture1->follow(SimDecoderState().SimCurrentState, Row_View::Wish::asked);
@@ -138,7 +140,7 @@ void frm_script::say_why_it_stands(const QString& sentence) {
 
 void frm_script::toggle_break(int line) {
     if (!session_) return;
-    if (debugger_.has_break(line)) // also of a line that undo has taken away
+    if (debugger_.has_break(line))
         debugger_.remove_break(line);
     else if (line < session_->lines())
         debugger_.put_break(line);

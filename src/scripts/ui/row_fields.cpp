@@ -239,11 +239,10 @@ void Info_Field::cut_what_came() {
     for (; begin > first && too_long > 0; --begin) too_long -= all[begin - 1] == u'\n' ? 2 : 1;
     if (begin > first && all[begin - 1].isHighSurrogate()) --begin;
     QTextCursor cursor(document());
-    cursor.joinPreviousEditBlock();
     cursor.setPosition(begin);
     cursor.setPosition(end, QTextCursor::KeepAnchor);
     cursor.removeSelectedText();
-    cursor.endEditBlock();
+    document()->clearUndoRedoStacks(); // else undo would bring it here again
     came_.reset();
     Q_EMIT cut(longest_);
 }
@@ -291,11 +290,36 @@ void Info_Field::keyPressEvent(QKeyEvent* event) {
         put(info_);
         return;
     }
+    if (is_redo(*event)) return redo();
+    const bool with_command = (event->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) != 0;
+    const bool letter = !event->text().isEmpty() && event->text().front().isPrint();
+    if (enter || (letter && !with_command)) {
+        const QString wanted = enter ? QStringLiteral("\n") : event->text();
+        if (with_room(wanted) != wanted) return Q_EMIT cut(longest_);
+    }
     QPlainTextEdit::keyPressEvent(event);
 }
 
+/// As much of a text as may take the place of what is selected.
+QString Info_Field::with_room(const QString& text) const {
+    const QTextCursor at = textCursor();
+    QString rest = toPlainText();
+    rest.remove(at.selectionStart(), at.selectionEnd() - at.selectionStart());
+    auto room = longest_ - stored_form(rest).size();
+    qsizetype taken = 0;
+    for (; taken < text.size(); ++taken) {
+        room -= text[taken] == u'\n' ? 2 : 1;
+        if (room < 0) break;
+    }
+    if (taken > 0 && taken < text.size() && text[taken - 1].isHighSurrogate()) --taken;
+    return text.first(taken);
+}
+
 void Info_Field::insertFromMimeData(const QMimeData* source) {
-    insertPlainText(source->text().left(longest_ + 1)); // one more: that it is cut will be said
+    const QString given = source->text().replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    const QString taken = with_room(given);
+    if (!taken.isEmpty()) insertPlainText(taken);
+    if (taken != given) Q_EMIT cut(longest_);
 }
 
 void Info_Field::focusOutEvent(QFocusEvent* event) {

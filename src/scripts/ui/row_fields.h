@@ -109,7 +109,9 @@ protected:
 
 private:
     void centre_line();
+    QString with_room(const QString& text) const;
     void put(const QString& info);
+    // What an input method or a drop brings is cut when it is there.
     void note_what_came(int position, int removed, int added);
     void cut_what_came();
 

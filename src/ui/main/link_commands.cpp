@@ -113,7 +113,7 @@ void Link_Commands::query(bool susi) {
     job.susi = susi;
     job.caption = QStringLiteral("Decoder-Infos abfragen");
     job.done = [this](const Outcome& outcome) {
-        const QString why = failure_sentence(outcome);
+        QString why = failure_sentence(outcome);
         at_.messages.say_and_log(
             why.isEmpty()
                 ? QStringLiteral("Decoder gefunden: „%1“.").arg(outcome.values.decoder.name)
@@ -173,7 +173,7 @@ void Link_Commands::read_all(bool susi) {
 }
 
 QString Link_Commands::all_read(const Outcome& outcome) {
-    const QString why = failure_sentence(outcome);
+    QString why = failure_sentence(outcome);
     if (outcome.last_read == 0) {
         at_.messages.say_and_log(why, QString());
         return why;

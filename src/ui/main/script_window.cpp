@@ -80,6 +80,12 @@ void Script_Window::offer_kept_scripts() {
 bool Script_Window::take_kept_script(const scripts_ui::Kept_Script& kept) {
     try {
         const std::string path = kept.path.toStdString();
+        if (!at_.disk.file_exists(path)) {
+            at_.messages.say(QStringLiteral("Das Script „%1“ hat inzwischen wohl eine andere Kopie "
+                                            "des Programms übernommen.")
+                                 .arg(ui_parts::shortened(kept.name)));
+            return false;
+        }
         const std::vector<std::byte> bytes = files::read_file(at_.disk, path);
         const auto file = scripts::read_script_file(QByteArray(
             reinterpret_cast<const char*>(bytes.data()), static_cast<qsizetype>(bytes.size())));
