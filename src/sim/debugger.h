@@ -92,11 +92,11 @@ private:
     };
     static constexpr std::size_t lines = scripts::cls_script::max_states;
 
+    std::size_t place_of(std::size_t number) const; ///< in the ring
+
     std::array<Break_Point, lines> breaks_;
     std::optional<int> target_;
     bool passes_ = false;
-    std::size_t place_of(std::size_t number) const;
-
     std::vector<Step> steps_ = std::vector<Step>(most_steps); ///< a ring, as the next one
     std::vector<scripts::cls_Scriptstate> executed_{most_steps};
     std::uint64_t recorded_ = 0;

@@ -18,8 +18,7 @@ public:
 
     explicit Trace_Model(const sim::Debugger& debugger);
 
-    /// Notices how many steps there were since it was called last. After every step: it counts
-    /// them, which the debugger does not tell, and can miss up to 999 in a row.
+    /// Notices how many steps there were since it was called last.
     void count_steps();
     /// Brings the rows in step with what has been counted.
     void show_steps();

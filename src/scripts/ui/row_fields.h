@@ -83,7 +83,7 @@ private:
 };
 
 /// The comment of a line. Enter ends it as leaving it does; Shift+Enter begins a new line of it, which
-/// is stored as CR LF. What is longer than the library has room for is cut where it was put in.
+/// is stored as CR LF. What the library has no room for is not taken.
 class Info_Field final : public QPlainTextEdit {
     Q_OBJECT
 public:

@@ -194,15 +194,14 @@ void Row_View::focusInEvent(QFocusEvent* event) {
     if (session_ != nullptr && by_tab) take_focus(focus_line_, focus_column_);
 }
 
+/// What a field has left over comes here, too, and must not go back to it.
 void Row_View::keyPressEvent(QKeyEvent* event) {
-    if (session_ == nullptr || handle_key(*event, {focus_line_, focus_column_})) return;
+    if (session_ == nullptr || !hasFocus()) return QWidget::keyPressEvent(event);
+    if (handle_key(*event, {focus_line_, focus_column_})) return;
     const bool letter = !event->text().isEmpty() && event->text().front().isPrint();
-    if (letter) take_focus(focus_line_, focus_column_);
-    QWidget* focused = QApplication::focusWidget();
-    if (letter && focused != this && isAncestorOf(focused))
-        QCoreApplication::sendEvent(focused, event);
-    else
-        QWidget::keyPressEvent(event);
+    if (!letter) return QWidget::keyPressEvent(event);
+    take_focus_again();
+    if (!hasFocus()) QCoreApplication::sendEvent(QApplication::focusWidget(), event);
 }
 
 void Row_View::wheelEvent(QWheelEvent* event) {

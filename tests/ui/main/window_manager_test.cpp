@@ -117,6 +117,16 @@ struct Window_Manager_Test : Main_Window_Test {
         EXPECT_EQ(focus(), "combo_Param1_0");
         press(Qt::Key_Down);
         EXPECT_EQ(focus(), "combo_Command_1") << "the unused line has nothing else";
+        press(Qt::Key_Up);
+        type("-");
+        window->activateWindow();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return window->isActiveWindow(); }));
+        editor->activateWindow(); // nobody was asked whether to delete
+        EXPECT_TRUE(QTest::qWaitFor([] { return focus() == "combo_Command_0"; })) << focus();
+        EXPECT_EQ(editor->findChild<QComboBox*>(QStringLiteral("combo_Command_0"))->currentText(),
+                  QStringLiteral("Gehe zu State"));
+        for (int i = 0; i < 3; ++i) press(Qt::Key_Z, Qt::ControlModifier);
+        EXPECT_EQ(focus(), "combo_Command_0") << "keys go on with nothing left to undo";
         editor->findChild<QPushButton*>(QStringLiteral("cmd_cancel"))->click();
         EXPECT_TRUE(QTest::qWaitFor([&] { return window->isActiveWindow(); }));
         window->close();
