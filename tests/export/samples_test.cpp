@@ -37,7 +37,8 @@ TEST(Sample_Libraries, come_out_with_every_cv_and_script_or_tell_what_is_missing
             }
         }
         connection.Fill_Scripts_in_ScriptsObj(library.script_sets);
-        library.save(File_Type::oem);
+        library.disk.set_bytes(Library::path, {});
+        EXPECT_TRUE(library.save(File_Type::oem).written);
         EXPECT_EQ(library.file() == written, true) << "scripts stored without an edit";
         const Read_Vqx read(written);
         ASSERT_EQ(read.sets.size(), static_cast<std::size_t>(library.sets.Count()));

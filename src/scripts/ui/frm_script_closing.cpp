@@ -2,7 +2,6 @@
 
 #include "app/mod_main.h"
 #include "app/text_table.h"
-#include "platform/files/replace.h"
 #include "scripts/cls_script_coll.h"
 #include "scripts/script_file.h"
 #include "scripts/ui/editor_form.h"
@@ -15,7 +14,6 @@
 #include <QCloseEvent>
 #include <QDebug>
 #include <QScopedValueRollback>
-#include <span>
 
 namespace scripts_ui {
 
@@ -105,14 +103,7 @@ void frm_script::offer_file(const QString& reason) {
         ask_script_file(place_.desktop, place_.disk, place_.database, plain_file_name(name_));
     if (!path || !session_) return;
     try {
-        int replaced = 0;
-        const QByteArray bytes = scripts::script_file_of(in_file_form(), replaced);
-        files::replace_file(place_.disk, path->toStdString(),
-                            std::as_bytes(std::span(bytes.begin(), bytes.end())));
-        const QString lost =
-            replaced == 0 ? QString()
-                          : QStringLiteral(" Zeichen, die eine Scriptdatei nicht kennt („?“): %1.")
-                                .arg(replaced);
+        const QString lost = write_script_file(place_.disk, in_file_form(), *path);
         form_->lab_status->say(QStringLiteral("Als Scriptdatei gesichert.") + lost);
     } catch (const files::Error& error) {
         form_->lab_status->say(QStringLiteral("Die Scriptdatei kann nicht geschrieben werden: ") +

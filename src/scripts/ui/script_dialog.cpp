@@ -2,6 +2,11 @@
 
 #include "app/mod_fileverwaltung.h"
 #include "app/mod_main.h"
+#include "platform/files/replace.h"
+#include "scripts/script_file.h"
+#include "ui/parts/trouble_texts.h"
+
+#include <span>
 
 namespace scripts_ui {
 
@@ -15,9 +20,7 @@ std::optional<QString> ask_script_file(desktop::Desktop& desktop, files::Disk& d
         if (!path) return path;
         const bool is_there = app::FileExists(disk, *path);
         if (is_there && database.is_its_file(*path)) {
-            desktop.inform(QStringLiteral("Achtung"),
-                           QStringLiteral("Unter diesem Namen liegt die geöffnete Datenbank; "
-                                          "bitte einen anderen wählen."));
+            desktop.inform(QStringLiteral("Achtung"), ui_parts::sentence_is_open_library());
         } else if (!is_there ||
                    desktop.ask_yes_no(QStringLiteral("Achtung"),
                                       QStringLiteral("Script vorhanden. Überschreiben?"))) {
@@ -25,6 +28,16 @@ std::optional<QString> ask_script_file(desktop::Desktop& desktop, files::Disk& d
             return path;
         }
     }
+}
+
+QString write_script_file(files::Disk& disk, const scripts::cls_script& in_file_form,
+                          const QString& path) {
+    int replaced = 0;
+    const QByteArray bytes = scripts::script_file_of(in_file_form, replaced);
+    files::replace_file(disk, path.toStdString(),
+                        std::as_bytes(std::span(bytes.begin(), bytes.end())));
+    if (replaced == 0) return {};
+    return QStringLiteral(" Zeichen, die eine Scriptdatei nicht kennt („?“): %1.").arg(replaced);
 }
 
 } // namespace scripts_ui

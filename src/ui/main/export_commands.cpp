@@ -48,7 +48,7 @@ void Export_Commands::export_project(vqx_export::File_Type type) {
         {app::globals.Database_Path, proposed, project_extension, text(Text::project_filter)});
     if (!path) return;
     if (at_.database.is_its_file(*path)) {
-        at_.desktop.inform(text(Text::attention), text(Text::is_open_library));
+        at_.desktop.inform(text(Text::attention), ui_parts::sentence_is_open_library());
         return;
     }
     if (app::FileExists(at_.disk, *path) &&

@@ -240,13 +240,10 @@ void Script_Commands::ExportScript(int position) {
 void Script_Commands::write_script(const scripts::cls_script& script, const QString& path) {
     scripts::cls_script in_file_form;
     in_file_form.Import_vqx_2_vqr(script);
-    int replaced = 0;
-    const QByteArray bytes = scripts::script_file_of(in_file_form, replaced);
     const QString name = shortened(app::FileOf(path));
     try {
-        files::replace_file(at_.disk, path.toStdString(),
-                            std::as_bytes(std::span(bytes.begin(), bytes.end())));
-        at_.messages.say(sentence_exported(script.ScriptName, name, replaced));
+        const QString lost = scripts_ui::write_script_file(at_.disk, in_file_form, path);
+        at_.messages.say(sentence_exported(script.ScriptName, name) + lost);
     } catch (const files::Error& error) {
         const auto kind = true_reason(at_.disk, path, error.kind);
         at_.messages.say_and_log(text(Text::project_failed).arg(name, ui_parts::reason(kind)),

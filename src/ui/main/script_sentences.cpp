@@ -93,11 +93,8 @@ QString sentence_imported(const scripts::Script_File& file,
     return said.join(u' ');
 }
 
-QString sentence_exported(const QString& script, const QString& name, int replaced) {
-    QStringList said;
-    said.append(QStringLiteral("Script „%1“ als „%2“ gespeichert.").arg(quoted(script), name));
-    append_count(said, u"Zeichen, die eine Scriptdatei nicht kennt („?“): %1.", replaced);
-    return said.join(u' ');
+QString sentence_exported(const QString& script, const QString& name) {
+    return QStringLiteral("Script „%1“ als „%2“ gespeichert.").arg(quoted(script), name);
 }
 
 } // namespace ui_main

@@ -23,7 +23,6 @@ QString question_delete(const QString& script);
 /// What came of an import, with everything that was left out.
 QString sentence_imported(const scripts::Script_File& file,
                           const store::Script_Import_Report& report, const QString& name);
-/// @param replaced characters that the file cannot hold
-QString sentence_exported(const QString& script, const QString& name, int replaced);
+QString sentence_exported(const QString& script, const QString& name);
 
 } // namespace ui_main

@@ -37,8 +37,6 @@ constexpr Entry table[] = {
     {Text::information, u"Information"},
     {Text::database_filter, u"Datenbank (*.mdb)"},
     {Text::project_filter, u"VQX Datei (*.vqx)"},
-    {Text::is_open_library, u"Unter diesem Namen liegt die geöffnete Datenbank; "
-                            u"bitte einen anderen wählen."},
     {Text::ask_overwrite_database, u"Datenbank vorhanden! Überschreiben?"},
     {Text::ask_overwrite_file, u"Datei vorhanden! Überschreiben?"},
     {Text::ask_delete_set, u"CV-Set löschen?"},

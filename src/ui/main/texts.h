@@ -37,7 +37,6 @@ enum class Text {
     project_filter,
     ask_overwrite_database,
     ask_overwrite_file,
-    is_open_library,
     ask_delete_set,
     new_set,
     rename_set,

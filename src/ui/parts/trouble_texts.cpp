@@ -136,6 +136,11 @@ QString reason(const store::Opening& opening) {
     return reason(opening.blocked, opening.journal_owner);
 }
 
+QString sentence_is_open_library() {
+    return QStringLiteral(
+        "Unter diesem Namen liegt die geöffnete Datenbank; bitte einen anderen wählen.");
+}
+
 QString shortened(const QString& name) {
     constexpr int longest = 60;
     return name.size() <= longest ? name : store::fitted_name(name, longest - 1) + u'…';

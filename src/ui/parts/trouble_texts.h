@@ -20,6 +20,8 @@ QString reason(store::Blocked blocked, const QString& journal_owner);
 /// The same, as the library was found. A change that is unfinished under another name of the file
 /// makes the usual advice, to copy it, wrong.
 QString reason(const store::Opening& opening);
+/// That the open library is no place for another file.
+QString sentence_is_open_library();
 /// A name as sentences and menus quote it: not so long that it hides what else is said.
 QString shortened(const QString& name);
 
