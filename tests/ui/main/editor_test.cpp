@@ -295,12 +295,9 @@ TEST_F(Editor_Test, what_others_store_meanwhile_is_shown_when_it_is_closed) {
 
 TEST_F(Editor_Test, undo_in_the_library_does_not_take_what_it_makes_the_editor_store) {
     const auto untouched = stored_lines();
-    const auto store = [this](const char* info) {
-        write("txt_State_Info", 0, info);
-        push("cmd_ok");
-        open();
-    };
-    store("eins");
+    write("txt_State_Info", 0, "eins");
+    push("cmd_ok");
+    open();
     for (const char* command : {"mnu_undo", "mnu_redo"}) {
         SCOPED_TRACE(command);
         if (command == std::string("mnu_redo")) choose("mnu_undo");
@@ -352,9 +349,11 @@ TEST_F(Editor_Test, what_is_not_stored_when_the_program_has_to_end_is_offered_at
     scripts_ui::keep_script(disk, good.left(20), QStringLiteral("A"), set_with_scripts, 1, library);
     scripts_ui::keep_script(disk, good, QStringLiteral("B"), 99999, 1, library);
     const QString set = QString::fromStdString(selected(sets()).front());
+    const QString of_broken_off =
+        QStringLiteral("Das Script „A“ des CV-Sets „%1“ war am Ende des Programms nicht "
+                       "gespeichert. Jetzt als neues Script in das CV-Set übernehmen?");
     for (const QString& question :
-         {QStringLiteral("Das Script „A“ des CV-Sets „%1“ war am Ende des Programms nicht "
-                         "gespeichert. Jetzt als neues Script in das CV-Set übernehmen?"),
+         {of_broken_off,
           QStringLiteral("Das Script „B“ war am Ende des Programms nicht gespeichert, und sein "
                          "CV-Set gibt es nicht mehr. Jetzt als neues Script in das CV-Set „%1“ "
                          "übernehmen?")})
@@ -368,6 +367,15 @@ TEST_F(Editor_Test, what_is_not_stored_when_the_program_has_to_end_is_offered_at
     for (const char* content : {"one", "another"})
         kept.insert(scripts_ui::keep_script(disk, content, {}, 1, 2, {}));
     EXPECT_EQ(kept.size(), 2U);
+    disk.protect_folder(app::globals.UserDataDir.toStdString() + "Scripte");
+    open();
+    write("txt_State_Info", 0, "verloren");
+    window->gate().pass_at_once();
+    EXPECT_THAT(status(), HasSubstr("konnte nicht gesichert werden"));
+    desktop.expect_question(title, of_broken_off.arg(set), Answer::no);
+    start_bare();
+    QApplication::processEvents();
+    EXPECT_THAT(status(), HasSubstr("wird wieder angeboten"));
 }
 
 TEST_F(Editor_Test, the_simulation_ends_in_whatever_way_the_windows_close) {
